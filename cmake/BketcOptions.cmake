@@ -1,0 +1,20 @@
+# Compiler settings shared by every target of the project, applied through an interface target
+# so that no directory-wide flags are needed.
+add_library(bketc_options INTERFACE)
+add_library(bketc::options ALIAS bketc_options)
+target_compile_features(bketc_options INTERFACE cxx_std_20)
+target_compile_options(bketc_options INTERFACE -Wall -Wextra -Wpedantic -Wno-unused-parameter)
+if(BKETC_WERROR)
+  target_compile_options(bketc_options INTERFACE -Werror)
+endif()
+
+if(BKETC_SANITIZE STREQUAL "address")
+  target_compile_options(bketc_options INTERFACE -fsanitize=address,undefined -fno-omit-frame-pointer
+                         -fno-sanitize-recover=undefined)
+  target_link_options(bketc_options INTERFACE -fsanitize=address,undefined)
+elseif(BKETC_SANITIZE STREQUAL "thread")
+  target_compile_options(bketc_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+  target_link_options(bketc_options INTERFACE -fsanitize=thread)
+elseif(NOT BKETC_SANITIZE STREQUAL "")
+  message(FATAL_ERROR "BKETC_SANITIZE must be empty, 'address' or 'thread'")
+endif()

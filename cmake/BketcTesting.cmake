@@ -1,0 +1,21 @@
+# bketc_add_test(NAME SOURCES src... LIBS lib...)
+# One test program per area; every test runs in a process of its own because the engine and the
+# host keep process-wide singletons.
+function(bketc_add_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock GTest::gtest_main bketc::options)
+  target_compile_definitions(${name} PRIVATE BKETC_RESOURCE_DIR="${BKETC_RESOURCE_DIR}"
+                             BKETC_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+endfunction()
+
+# bketc_add_scenario(NAME SCRIPT file.lua [ARGS ...])
+# A Lua scenario run by the blockara program; it fails when the script raises an error.
+function(bketc_add_scenario name)
+  cmake_parse_arguments(ARG "" "SCRIPT" "ARGS" ${ARGN})
+  add_test(NAME scenario.${name}
+           COMMAND blockara --root ${BKETC_RESOURCE_DIR} ${ARG_SCRIPT} ${ARG_ARGS}
+           WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+  set_tests_properties(scenario.${name} PROPERTIES TIMEOUT 120)
+endfunction()

@@ -1,0 +1,1 @@
+// Replaced as soon as this service has sources of its own.

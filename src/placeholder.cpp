@@ -1,0 +1,1 @@
+// Replaced as soon as the engine has sources of its own.
