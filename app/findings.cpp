@@ -1,0 +1,100 @@
+#include "app/findings.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <set>
+#include <sstream>
+
+namespace blockara::app {
+
+std::string categoryOfSeverity(unsigned severity) {
+  switch (severity) {
+    case 1: return "EDITTIME_ERROR";
+    case 3: return "RAWARNING";
+    case 4: return "RAERROR";
+    default: return "EDITTIME_WARNING";
+  }
+}
+
+bool isErrorCategory(const std::string& category) {
+  return category == "EDITTIME_ERROR" || category == "RAERROR";
+}
+
+std::string formatText(std::vector<Finding> findings) {
+  std::sort(findings.begin(), findings.end());
+  std::string out;
+  for (const Finding& f : findings) {
+    out += f.path + '\t' + f.checkId + '\t' + f.type + '\t' + f.category + '\n';
+  }
+  return out;
+}
+
+std::string jsonEscape(const std::string& text) {
+  std::string out;
+  out.reserve(text.size());
+  for (unsigned char c : text) {
+    switch (c) {
+      case '"': out += "\\\""; break;
+      case '\\': out += "\\\\"; break;
+      case '\n': out += "\\n"; break;
+      case '\r': out += "\\r"; break;
+      case '\t': out += "\\t"; break;
+      default:
+        if (c < 0x20) {
+          char buf[8];
+          std::snprintf(buf, sizeof buf, "\\u%04x", c);
+          out += buf;
+        } else {
+          out += static_cast<char>(c);
+        }
+    }
+  }
+  return out;
+}
+
+std::string htmlEscape(const std::string& text) {
+  std::string out;
+  out.reserve(text.size());
+  for (char c : text) {
+    switch (c) {
+      case '&': out += "&amp;"; break;
+      case '<': out += "&lt;"; break;
+      case '>': out += "&gt;"; break;
+      case '"': out += "&quot;"; break;
+      case '\'': out += "&#39;"; break;
+      default: out += c;
+    }
+  }
+  return out;
+}
+
+std::string formatSarif(std::vector<Finding> findings, const std::string& artifact) {
+  std::sort(findings.begin(), findings.end());
+  std::set<std::string> rules;
+  for (const Finding& f : findings) rules.insert(f.checkId);
+
+  std::ostringstream out;
+  out << "{\n  \"$schema\": \"https://json.schemastore.org/sarif-2.1.0.json\",\n"
+      << "  \"version\": \"2.1.0\",\n  \"runs\": [{\n"
+      << "    \"tool\": {\"driver\": {\"name\": \"bkedittimecheck\", \"rules\": [";
+  const char* sep = "";
+  for (const std::string& id : rules) {
+    out << sep << "\n      {\"id\": \"" << jsonEscape(id) << "\"}";
+    sep = ",";
+  }
+  out << "\n    ]}},\n    \"results\": [";
+  sep = "";
+  for (const Finding& f : findings) {
+    out << sep << "\n      {\"ruleId\": \"" << jsonEscape(f.checkId) << "\", \"level\": \""
+        << (isErrorCategory(f.category) ? "error" : "warning") << "\", \"message\": {\"text\": \""
+        << jsonEscape(f.type) << "\"}, \"properties\": {\"category\": \"" << jsonEscape(f.category)
+        << "\"}, \"locations\": [{\"physicalLocation\": {\"artifactLocation\": {\"uri\": \""
+        << jsonEscape(artifact) << "\"}}, \"logicalLocations\": [{\"fullyQualifiedName\": \""
+        << jsonEscape(f.path) << "\", \"kind\": \"object\"}]}]}";
+    sep = ",";
+  }
+  out << "\n    ]\n  }]\n}\n";
+  return out.str();
+}
+
+}  // namespace blockara::app

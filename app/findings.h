@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace blockara::app {
+
+/// One violation as the reports show it.
+struct Finding {
+  std::string path;      // the block's full path
+  std::string checkId;   // e.g. "orvanta.kabe.kb_0402"
+  std::string type;      // the violation type
+  std::string category;  // "EDITTIME_ERROR", "RAWARNING", "RAERROR" or "EDITTIME_WARNING"
+
+  friend bool operator==(const Finding&, const Finding&) = default;
+  friend auto operator<=>(const Finding&, const Finding&) = default;
+};
+
+/// The diagnostic class name of a severity value: 1 "EDITTIME_ERROR", 3 "RAWARNING",
+/// 4 "RAERROR", anything else "EDITTIME_WARNING".
+std::string categoryOfSeverity(unsigned severity);
+
+/// True for the categories that the reports show as errors.
+bool isErrorCategory(const std::string& category);
+
+/// One line per finding, `PATH<TAB>CHECK_ID<TAB>TYPE<TAB>CATEGORY`, sorted.
+std::string formatText(std::vector<Finding> findings);
+
+/// A SARIF 2.1.0 log with one run: rule id = check ID, message = violation type, level from the
+/// category, logical location = block path. `artifact` names the model file.
+std::string formatSarif(std::vector<Finding> findings, const std::string& artifact);
+
+/// `text` with the characters that JSON strings must escape escaped (no quotes added).
+std::string jsonEscape(const std::string& text);
+
+/// `text` with the characters that HTML text and attributes must escape escaped.
+std::string htmlEscape(const std::string& text);
+
+}  // namespace blockara::app

@@ -1,0 +1,90 @@
+#include "app/options.h"
+
+#include <stdexcept>
+#include <string_view>
+
+namespace blockara::app {
+
+namespace {
+
+bool takesValue(std::string_view opt) {
+  return opt == "--prefdir" || opt == "--root" || opt == "--trace" || opt == "--config" ||
+         opt == "--exclusions" || opt == "--format" || opt == "--out";
+}
+
+void apply(Options& o, std::string_view opt, const std::string& value) {
+  if (opt == "--prefdir") o.prefDir = value;
+  else if (opt == "--root") o.root = value;
+  else if (opt == "--trace") o.traceFile = value;
+  else if (opt == "--config") o.config = value;
+  else if (opt == "--exclusions") o.exclusions = value;
+  else if (opt == "--out") o.out = value;
+  else if (opt == "--format") {
+    if (value != "text" && value != "sarif" && value != "html") {
+      throw std::invalid_argument("--format takes text, sarif or html, not '" + value + "'");
+    }
+    o.format = value;
+  }
+}
+
+}  // namespace
+
+Options parseOptions(int argc, const char* const* argv) {
+  Options o;
+  bool haveVerb = false;
+  for (int i = 1; i < argc; ++i) {
+    std::string_view arg = argv[i];
+    if (arg == "--help" || arg == "-h") {
+      o.verb = Verb::Help;
+      return o;
+    }
+    if (arg == "--no-edit-time-issues") {
+      o.editTimeIssues = false;
+      continue;
+    }
+    if (arg.starts_with("--")) {
+      std::string_view name = arg;
+      std::string value;
+      if (auto eq = arg.find('='); eq != std::string_view::npos) {
+        name = arg.substr(0, eq);
+        value = std::string(arg.substr(eq + 1));
+      } else if (takesValue(arg)) {
+        if (i + 1 >= argc) throw std::invalid_argument(std::string(arg) + " needs a value");
+        value = argv[++i];
+      }
+      if (!takesValue(name)) throw std::invalid_argument("unknown option " + std::string(name));
+      apply(o, name, value);
+      continue;
+    }
+    if (!haveVerb) {
+      haveVerb = true;
+      if (arg == "demo") {
+        o.verb = Verb::Demo;
+      } else if (arg == "check") {
+        o.verb = Verb::Check;
+        if (i + 1 >= argc || std::string_view(argv[i + 1]).starts_with("--")) {
+          throw std::invalid_argument("check needs a model file");
+        }
+        o.model = argv[++i];
+      } else {
+        o.verb = Verb::Script;
+        o.script = std::string(arg);
+        for (++i; i < argc; ++i) o.scriptArgs.emplace_back(argv[i]);
+      }
+      continue;
+    }
+    throw std::invalid_argument("unexpected argument " + std::string(arg));
+  }
+  if (!haveVerb) throw std::invalid_argument("no script or verb given");
+  return o;
+}
+
+const char* usageText() {
+  return "usage: blockara [--prefdir DIR] [--root DIR] [--trace FILE] [--no-edit-time-issues] "
+         "SCRIPT.lua [ARGS...]\n"
+         "       blockara demo [--out DIR]\n"
+         "       blockara check MODEL [--config FILE] [--exclusions FILE] "
+         "[--format text|sarif|html] [--out FILE]\n";
+}
+
+}  // namespace blockara::app
