@@ -113,9 +113,8 @@ TEST(StylerTest, SelectorsMatchClassAndElementTypeAndOtherPropertiesGiveNoGlow) 
 TEST(StylerTest, ObserverSeesEveryCallAndNaNHandlesAreRefused) {
   Styler* styler = createStyler(L"Watched", L"", 0.0);
   std::vector<std::tuple<double, std::wstring, bool>> seen;
-  styler->setObserver([&](double h, const std::wstring& cls, bool applied) {
-    seen.emplace_back(h, cls, applied);
-  });
+  styler->setObserver(
+      [&](double h, const std::wstring& cls, bool applied) { seen.emplace_back(h, cls, applied); });
   styler->applyClass(1.0, L"Warn");
   styler->removeClass(1.0, L"Warn");
   styler->applyClass(2.0, L"Warn");
