@@ -14,9 +14,12 @@
 
 #include "host/language/cosclassinfo.h"
 #include "host/language/cosinterface.h"
+#include "host/language/ncoserrors.h"
 #include "host/language/nxarray.h"
 
 namespace ncos::factory {
+
+using ncos::ConversionFailed;
 
 /// The characters of a char array (a string of no characters for an empty array of any class).
 /// Throws std::invalid_argument for another class.
@@ -276,6 +279,10 @@ class PropertyImpl : public COSPropInfo {
     return nxArrayProxy(detail::toArray<V>(get(self), typeSpec));
   }
   void setValue(const COSInterfacePtr& object, const nxArrayProxy& value) const override {
+    if (!typeSpec.accepts(value.array())) {
+      throw ConversionFailed(value->className() + " to property " + propName + " of type " +
+                             typeSpec.text);
+    }
     V v = detail::fromArray<V>(value.array(), typeSpec);
     T& self = native(object);
     set(self, v);

@@ -7,6 +7,7 @@
 
 #include <lua.hpp>
 
+#include "host/language/feval.h"
 #include "host/language/nxarray.h"
 
 namespace blockara {
