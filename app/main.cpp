@@ -1,6 +1,105 @@
+// The blockara program: runs a Lua script on the main thread with the edit-time checker loaded,
+// the bundled demonstration, or a batch check of one model.
 #include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+
+#include "app/batchcheck.h"
+#include "app/luaapi.h"
+#include "app/options.h"
+#include "host/language/luahost.h"
+#include "host/model/bkrootbd.h"
+#include "host/prefs/directories.h"
+#include "host/prefs/edittimepreferences.h"
+#include "host/runtime/eventloop.h"
+#include "host/trace/performancetracer.h"
+#include "src/moduleentries.h"
+
+namespace {
+
+using blockara::app::Options;
+using blockara::app::Verb;
+
+// Applies the options that shape the host before anything runs.
+void configureHost(const Options& o) {
+  svSetNumeriaRoot(o.root.empty() ? std::string(BKETC_RESOURCE_DIR) : o.root);
+  if (!o.prefDir.empty()) svSetPreferencesDirectory(o.prefDir);
+  bk::bkedittimecheck::bkutils::setShowEditTimeIssues(o.editTimeIssues);
+  if (!o.traceFile.empty()) blockara::PerformanceTracer::instance().start(o.traceFile);
+}
+
+int runScript(blockara::LuaHost& lua, const std::string& script,
+              const std::vector<std::string>& args) {
+  if (auto error = lua.runFile(script, args)) {
+    std::cerr << "blockara: " << *error << "\n";
+    return 1;
+  }
+  return 0;
+}
+
+// Closes what the script left open while the host language is still there for the checker's
+// clean-up calls, and lets the last posted work run.
+void shutDown() {
+  try {
+    bkBlockDiagramSet::closeAll();
+    blockara::EventLoop::instance().runUntilIdle();
+  } catch (const std::exception& e) {
+    std::cerr << "blockara: while closing: " << e.what() << "\n";
+  }
+}
+
+int run(const Options& o) {
+  configureHost(o);
+  initialize_module();
+  int status = 0;
+  {
+    blockara::LuaHost lua({std::filesystem::path(svNumeriaRoot()), {}, true});
+    blockara::app::installLuaApi(lua);
+    switch (o.verb) {
+      case Verb::Script:
+        status = runScript(lua, o.script, o.scriptArgs);
+        break;
+      case Verb::Demo: {
+        std::string out = o.out.empty() ? std::string("blockara-demo") : o.out;
+        status = runScript(lua, std::string(BKETC_EXAMPLES_DIR) + "/demo/demo.lua",
+                           {out, std::string(BKETC_EXAMPLES_DIR) + "/demo"});
+        break;
+      }
+      case Verb::Check:
+        status = blockara::app::runBatchCheck(o);
+        break;
+      case Verb::Help:
+        break;
+    }
+    shutDown();
+  }
+  terminate_module();
+  if (!o.traceFile.empty()) blockara::PerformanceTracer::instance().stop();
+  return status;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
-  std::fprintf(stderr, "blockara: the program is being built\n");
-  return 0;
+  blockara::EventLoop::instance().adoptCurrentThread();
+  Options options;
+  try {
+    options = blockara::app::parseOptions(argc, argv);
+  } catch (const std::invalid_argument& e) {
+    std::cerr << "blockara: " << e.what() << "\n" << blockara::app::usageText();
+    return 2;
+  }
+  if (options.verb == Verb::Help) {
+    std::cout << blockara::app::usageText();
+    return 0;
+  }
+  try {
+    return run(options);
+  } catch (const std::exception& e) {
+    std::cerr << "blockara: " << e.what() << "\n";
+    return 2;
+  }
 }
