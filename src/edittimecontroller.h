@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/language/cosinterface.h"
 #include "host/model/bksvstring.h"
 
 class BKRootBD;
@@ -22,12 +23,14 @@ class ViolationDatabase;
 /// The process-wide front of the engine: maps diagram names to engines, keeps engines that are
 /// closing with work in flight, and offers what the host language binds.
 ///
+/// The host language reaches it as "bkedittimecheck.EditTimeController".
+///
 /// Thread contract: everything belongs to the main thread except `findEngine`, `findEditBD`,
 /// `findViolationDatabase` and `forgetClosingEngine`, which the worker calls. `enginesMutex`
 /// guards `engines` against the worker: the main thread, its only writer, takes it for every
 /// change and reads without it. `closingMutex` guards `closingEngines`. The two are never held
 /// together.
-class EditTimeController {
+class EditTimeController : public ncos::Wrappable {
  public:
   /// Main thread on first call. The singleton, made on first use.
   static EditTimeController& instance();

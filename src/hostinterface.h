@@ -10,6 +10,8 @@
 class bkGraph;
 class BKRootBD;
 class BkFeature;
+class BKCompBD;
+class BKExecBD;
 
 namespace bkedittimecheck {
 
@@ -85,6 +87,10 @@ std::string resolveRelativeBlockPath(const BKBlock* block, const std::string& re
 /// The numeric identifier of the block that a state accessor names as its owner; `current` when
 /// that block no longer resolves.
 std::int32_t stateOwnerBlockId(const BKBlock* block, std::int32_t current);
+
+/// The diagram behind a compiled diagram, and behind an executing one; null when none.
+BKRootBD* rootOfCompiled(BKCompBD* compiled);
+BKRootBD* rootOfExecuting(BKExecBD* executing);
 
 /// The diagram's "UniqueDataStoreMsg" diagnostic setting; empty without a configuration set.
 std::string uniqueDataStoreSetting(BKRootBD* diagram);
