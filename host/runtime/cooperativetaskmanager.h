@@ -45,6 +45,6 @@ class CooperativeTaskManager {
 
 }  // namespace Performance
 
+#include "host/runtime/orderedtasksession.h"
 #include "host/runtime/task.h"
 #include "host/runtime/tasksession.h"
-#include "host/runtime/orderedtasksession.h"

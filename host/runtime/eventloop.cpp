@@ -117,7 +117,8 @@ bool EventLoop::runUntilQuiet(std::chrono::milliseconds timeout) {
     }
     if (Clock::now() >= deadline) return false;
     if (blockara::TimerThread::tickAllManual() > 0) continue;
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
     waitForPosted(std::clamp(left, std::chrono::milliseconds(0), std::chrono::milliseconds(1)));
   }
 }

@@ -94,12 +94,12 @@ class EventLoop {
   EventLoop();
 
   mutable std::mutex mutex;
-  std::condition_variable postedCv;       // signalled by post
-  std::deque<std::function<void()>> posted;  // guarded by mutex
-  std::uint64_t wakeups = 0;                 // guarded by mutex
-  int nextBusyId = 1;                        // main thread
+  std::condition_variable postedCv;                                         // signalled by post
+  std::deque<std::function<void()>> posted;                                 // guarded by mutex
+  std::uint64_t wakeups = 0;                                                // guarded by mutex
+  int nextBusyId = 1;                                                       // main thread
   std::map<int, std::pair<std::string, std::function<bool()>>> busyChecks;  // main thread
-  std::thread::id mainThread;             // written once at start, on the main thread
+  std::thread::id mainThread;  // written once at start, on the main thread
 };
 
 }  // namespace blockara

@@ -149,7 +149,8 @@ TimerThread::ExecutionMode TimerThread::defaultMode() {
 }
 
 void TimerThread::setPeriodUnit(std::chrono::nanoseconds unit) {
-  if (unit.count() <= 0) throw std::invalid_argument("timer thread: the period unit must be positive");
+  if (unit.count() <= 0)
+    throw std::invalid_argument("timer thread: the period unit must be positive");
   periodUnitNanos.store(unit.count());
 }
 

@@ -104,16 +104,16 @@ class TimerThread {
 
   ExecutionMode executionMode;
   std::chrono::nanoseconds periodLength;
-  std::thread thread;  // owner's thread
+  std::thread thread;       // owner's thread
   std::thread::id timerId;  // guarded by mutex
   mutable std::mutex mutex;
-  std::condition_variable wake;             // signalled on a tick request or a stop
-  std::condition_variable tickDone;         // signalled after each tick
+  std::condition_variable wake;                       // signalled on a tick request or a stop
+  std::condition_variable tickDone;                   // signalled after each tick
   ThreadState threadState = ThreadState::notStarted;  // guarded by mutex
-  bool stopRequested = false;                          // guarded by mutex
+  bool stopRequested = false;                         // guarded by mutex
   std::uint64_t ticksRequested = 0;  // guarded by mutex; the number of the last tick asked for
-  std::uint64_t ticksStarted = 0;                      // guarded by mutex
-  std::uint64_t ticksDone = 0;                         // guarded by mutex
+  std::uint64_t ticksStarted = 0;    // guarded by mutex
+  std::uint64_t ticksDone = 0;       // guarded by mutex
 };
 
 }  // namespace blockara

@@ -1,13 +1,13 @@
 #include "host/trace/performancetracer.h"
 
-#include "host/trace/ptlog.h"
-
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <stdexcept>
+
+#include "host/trace/ptlog.h"
 
 namespace blockara {
 namespace {
@@ -29,11 +29,21 @@ void appendEscaped(std::string& out, const std::string& text) {
   out += '"';
   for (const char c : text) {
     switch (c) {
-      case '"': out += "\\\""; break;
-      case '\\': out += "\\\\"; break;
-      case '\n': out += "\\n"; break;
-      case '\r': out += "\\r"; break;
-      case '\t': out += "\\t"; break;
+      case '"':
+        out += "\\\"";
+        break;
+      case '\\':
+        out += "\\\\";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      case '\t':
+        out += "\\t";
+        break;
       default:
         if (static_cast<unsigned char>(c) < 0x20) {
           char buf[8];
@@ -97,9 +107,9 @@ void PerformanceTracer::log(const std::string& component, const std::string& con
                             const std::string& contextB, const std::string& point, bool isStart) {
   if (!on.load(std::memory_order_relaxed)) return;
   try {
-    const double ts = std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() -
-                                                                traceOrigin)
-                          .count();
+    const double ts =
+        std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - traceOrigin)
+            .count();
     ThreadIdentity& self = currentThread();
     const std::string pidTid =
         ",\"pid\":" + std::to_string(::getpid()) + ",\"tid\":" + std::to_string(self.tid);

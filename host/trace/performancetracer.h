@@ -47,8 +47,8 @@ class PerformanceTracer {
   static void nameCurrentThread(const std::string& name);
 
   /// Any thread. Writes one start or stop event; does nothing when off. Never throws.
-  void log(const std::string& component, const std::string& contextA,
-           const std::string& contextB, const std::string& point, bool isStart);
+  void log(const std::string& component, const std::string& contextA, const std::string& contextB,
+           const std::string& point, bool isStart);
 
   /// Any thread. Registers a grouping (see `ptAddGrouping`).
   void addGrouping(const std::string& name, const std::vector<std::string>& groups);
@@ -63,10 +63,10 @@ class PerformanceTracer {
 
   std::atomic<bool> on{false};
   mutable std::mutex mutex;
-  std::FILE* file = nullptr;            // guarded by mutex
-  std::string path;                     // guarded by mutex
-  bool firstEvent = true;               // guarded by mutex
-  std::set<int> announcedThreads;       // guarded by mutex
+  std::FILE* file = nullptr;                                  // guarded by mutex
+  std::string path;                                           // guarded by mutex
+  bool firstEvent = true;                                     // guarded by mutex
+  std::set<int> announcedThreads;                             // guarded by mutex
   std::map<std::string, std::vector<std::string>> groupings;  // guarded by mutex
 };
 

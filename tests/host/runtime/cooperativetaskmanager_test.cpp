@@ -87,7 +87,7 @@ TEST(CooperativeTaskManagerTest, RemoveTakesATaskOutBeforeItRunsAndIsHarmlessAft
   drain();
   EXPECT_EQ(log, (std::vector<std::string>{"first"}));
   EXPECT_TRUE(session->isFinished());
-  first->remove();  // has run
+  first->remove();   // has run
   second->remove();  // removed twice
   LoggingTask never("never", log);
   never.remove();  // never added

@@ -1,0 +1,40 @@
+#include "host/model/bkgraph.h"
+
+#include "host/model/bkrootbd.h"
+
+bkGraph::bkGraph(BKRootBD* diagram, BKBlock* owner) : diagram(diagram), owner(owner) {}
+
+bkGraph::~bkGraph() {
+  // Contents go before the graph, innermost first, so that no block outlives its container.
+  stateBits = BeingDestroyed;
+  while (!blocks.empty()) blocks.pop_back();
+}
+
+BKRootBD* bkGraph::getBlockDiagram() const { return diagram; }
+
+bksvString bkGraph::getFullPath() const {
+  if (owner) return owner->getFullPath(false);
+  return diagram ? diagram->getName() : bksvString();
+}
+
+namespace bkgg {
+BKBlockContainer graphicalBlocksOf(const bkGraph* graph, int) { return BKBlockContainer(graph); }
+}  // namespace bkgg
+
+GraphicalBlockIterator::GraphicalBlockIterator(const bkGraph* root) {
+  if (root) stack.emplace_back(root, 0);
+}
+
+BKBlock* GraphicalBlockIterator::advance() {
+  while (!stack.empty()) {
+    auto& [graph, index] = stack.back();
+    if (index >= graph->size()) {
+      stack.pop_back();
+      continue;
+    }
+    BKBlock* block = graph->blockAt(index++);
+    if (bkGraph* inside = block->getSubGraph()) stack.emplace_back(inside, 0);
+    return block;
+  }
+  return nullptr;
+}
