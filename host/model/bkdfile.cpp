@@ -140,6 +140,7 @@ struct Reader {
       int comment = toInt(b.get<std::string>("<xmlattr>.Comment", "0"), "block " + where + " Comment");
       if (comment < 0 || comment > 2) fail("block " + where + ": Comment must be 0, 1 or 2");
       std::unique_ptr<BKBlock> block = BlockMutator::makeBlock(*type, name);
+      BlockMutator::setPendingPath(*block, graph.getFullPath());
       BlockMutator::setSID(*block, sid);
       BlockMutator::setCommentState(*block, comment);
       const pt::ptree* inside = nullptr;
@@ -149,7 +150,7 @@ struct Reader {
           try {
             BlockMutator::set(*block, prop, readValue(*block, prop, p));
           } catch (const std::invalid_argument& e) {
-            fail("block " + where + ": " + e.what());
+            fail(e.what());
           }
         } else if (ptag == "System") {
           if (!block->getSubGraph()) fail("block " + where + ": a " + typeName + " has no system");

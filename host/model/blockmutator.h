@@ -41,6 +41,10 @@ class BlockMutator {
   /// Validates, then sets.
   static void set(BKBlock& block, const std::string& name, const BlockValue& value);
 
+  /// Gives a detached block the path it is about to get, so that errors name it.
+  static void setPendingPath(BKBlock& block, const bksvString& parentPath) {
+    block.cachedPath = parentPath + u'/' + escapePathName(block.name);
+  }
   static void setCommentState(BKBlock& block, int state) { block.commentState = state; }
   static void setSID(BKBlock& block, int sid) { block.sid = sid; }
   static void setParamValue(BKBlock& block, const std::string& name, BlockParamValue value) {

@@ -335,6 +335,7 @@ BKBlock* DiagramEditing::addBlock(const bksvString& systemPath, const std::strin
   if (!info) throw std::invalid_argument(text(systemPath) + ": unknown block type \"" + type + "\"");
   requireFreeName(diagram, graph, name);
   std::unique_ptr<BKBlock> block = BlockMutator::makeBlock(*info, name);
+  BlockMutator::setPendingPath(*block, graph->getFullPath());
   for (const auto& [prop, value] : props) BlockMutator::set(*block, prop, value);
   double handle = block->getHandle();
   auto step = std::make_unique<PresenceStep>();

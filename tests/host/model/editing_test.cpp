@@ -1,0 +1,224 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "host/model/bkgraph.h"
+#include "host/model/bkrootbd.h"
+#include "host/model/diagramediting.h"
+#include "host/signals/bkplugin.h"
+
+namespace {
+
+// Records every edit-side signal of a diagram as a line, with handles shown as block names.
+class Recorder {
+ public:
+  explicit Recorder(BKRootBD* d) : d(d) {
+    for (auto event : {BKGE_BLOCKS_ADDED, BKGE_BLOCKS_CHANGED, BKGE_BLOCKS_DELETED, BKGE_BLOCKS_RENAMED})
+      bkplugin::addEditBdBatchSignal(d, event, [this, event](BKRootBD*, const PluginChangeReport& r) {
+        std::ostringstream line;
+        line << event << " a[" << names(r.added) << "] c[" << names(r.changed) << "] d["
+             << names(r.deleted) << "] r[" << names(std::vector<double>(r.renamed.begin(), r.renamed.end()))
+             << "]";
+        lines.push_back(line.str());
+      });
+    for (auto event : {BKGE_BLOCK_COMMENTED_OUT, BKGE_BLOCK_COMMENTED_THROUGH, BKGE_BLOCK_UNCOMMENTED})
+      bkplugin::addEditBdBlockCommentedStatusSignal(d, event, [this, event](BKRootBD*, BKBlock* b) {
+        lines.push_back(std::to_string(event) + " " + b->getGrNameNonUnicode());
+      });
+    bkplugin::addEditBdModelParameterSignal(d, BKGE_MODEL_PARAMETER_CHANGED,
+                                            [this](BKRootBD*, const std::string& name) {
+                                              lines.push_back("41 " + name);
+                                            });
+  }
+  std::string names(const std::vector<double>& handles) {
+    std::string out;
+    for (double h : handles) {
+      if (!out.empty()) out += ',';
+      BKBlock* b = BKBlock::Handle2Block(h);
+      out += b ? b->getGrNameNonUnicode() : "?";
+    }
+    return out;
+  }
+  std::vector<std::string> take() { return std::exchange(lines, {}); }
+
+ private:
+  BKRootBD* d;
+  std::vector<std::string> lines;
+};
+
+class EditingTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    d = bkBlockDiagramSet::create(u"m");
+    rec = std::make_unique<Recorder>(d);
+  }
+  void TearDown() override {
+    rec.reset();
+    bkBlockDiagramSet::closeAll();
+  }
+  blockara::DiagramEditing& e() { return d->editing(); }
+  BKRootBD* d = nullptr;
+  std::unique_ptr<Recorder> rec;
+};
+
+using Lines = std::vector<std::string>;
+
+TEST_F(EditingTest, EachEditOutsideABatchRaisesItsOwnReport) {
+  e().addBlock(u"m", "SubSystem", u"s");
+  EXPECT_EQ(rec->take(), Lines{"26 a[s] c[] d[] r[]"});
+  e().addBlock(u"m/s", "Gain", u"g");
+  e().setProperties(u"m/s/g", {{"Gain", 2.0}});
+  EXPECT_EQ(rec->take(), (Lines{"26 a[g] c[] d[] r[]", "27 a[] c[g] d[] r[]"}));
+  EXPECT_EQ(d->findBlock(u"m/s/g")->getParamText("Gain"), "2");
+  e().renameBlock(u"m/s/g", u"h");
+  EXPECT_EQ(rec->take(), Lines{"33 a[] c[] d[] r[h]"});
+  e().moveBlock(u"m/s/h", u"m");
+  EXPECT_EQ(rec->take(), Lines{"33 a[] c[] d[] r[h]"});
+  EXPECT_NE(d->findBlock(u"m/h"), nullptr);
+  e().setCommentState(u"m/h", 1);
+  e().setCommentState(u"m/h", 2);
+  e().setCommentState(u"m/h", 0);
+  e().setModelParam("UniqueDataStoreMsg", std::string("error"));
+  EXPECT_EQ(rec->take(), (Lines{"22 h", "23 h", "24 h", "41 UniqueDataStoreMsg"}));
+}
+
+TEST_F(EditingTest, BatchRaisesOneReportPerKindWithAllFourContainers) {
+  e().addBlock(u"m", "Gain", u"old");
+  e().addBlock(u"m", "Constant", u"k");
+  e().addBlock(u"m", "SubSystem", u"s");
+  e().addBlock(u"m/s", "Gain", u"inner");
+  rec->take();
+  {
+    blockara::EditBatch batch(*d);
+    e().addBlock(u"m", "Gain", u"new1");
+    e().addBlock(u"m", "Gain", u"tmp");
+    e().setProperties(u"m/k", {{"Value", std::string("3")}});
+    e().setProperties(u"m/new1", {{"Gain", std::string("5")}});  // added here: not "changed"
+    e().deleteBlock(u"m/tmp");                                  // added and deleted: nowhere
+    e().deleteBlock(u"m/s");
+    e().renameBlock(u"m/old", u"renamed");
+    e().setCommentState(u"m/k", 1);
+    EXPECT_TRUE(rec->take().empty());
+  }
+  EXPECT_EQ(rec->take(), (Lines{"26 a[new1] c[k] d[s,inner] r[renamed]",
+                                "27 a[new1] c[k] d[s,inner] r[renamed]",
+                                "28 a[new1] c[k] d[s,inner] r[renamed]",
+                                "33 a[new1] c[k] d[s,inner] r[renamed]", "22 k"}));
+  EXPECT_EQ(e().undoCount(), 5u);
+}
+
+TEST_F(EditingTest, UndoRedoRestoreStateAndRaiseInverseReports) {
+  e().addBlock(u"m", "SubSystem", u"s");
+  BKBlock* g = e().addBlock(u"m/s", "Gain", u"g", {{"Gain", 4.0}});
+  double gh = g->getHandle();
+  e().deleteBlock(u"m/s");
+  rec->take();
+  // The deleted block survives as an undo object.
+  BKBlock* survivor = BKBlock::Handle2Block(gh);
+  ASSERT_EQ(survivor, g);
+  EXPECT_EQ(survivor->getBlockDiagram(), nullptr);
+  EXPECT_EQ(survivor->getFullPath(false), u"m/s/g");
+  EXPECT_EQ(d->findBlock(u"m/s/g"), nullptr);
+
+  EXPECT_TRUE(e().undo());
+  EXPECT_EQ(rec->take(), Lines{"26 a[s,g] c[] d[] r[]"});
+  EXPECT_EQ(d->findBlock(u"m/s/g"), g);
+  EXPECT_EQ(g->getParamText("Gain"), "4");
+
+  EXPECT_TRUE(e().redo());
+  EXPECT_EQ(rec->take(), Lines{"28 a[] c[] d[s,g] r[]"});
+  EXPECT_TRUE(e().undo());
+  rec->take();
+
+  e().renameBlock(u"m/s", u"t");
+  e().setProperties(u"m/t/g", {{"Gain", 9.0}, {"Position", std::vector<double>{1, 2, 3, 4}}});
+  rec->take();
+  EXPECT_TRUE(e().undo());
+  EXPECT_EQ(rec->take(), Lines{"27 a[] c[g] d[] r[]"});
+  EXPECT_EQ(g->getParamText("Gain"), "4");
+  EXPECT_EQ(g->getPosition()[0], 0);
+  EXPECT_TRUE(e().undo());
+  EXPECT_EQ(d->findBlock(u"m/s/g"), g);
+  EXPECT_EQ(e().redoCount(), 2u);
+  EXPECT_THROW(({
+                 blockara::EditBatch b(*d);
+                 e().undo();
+               }),
+               std::logic_error);
+}
+
+TEST_F(EditingTest, DroppedHistoryDestroysDeletedBlocks) {
+  e().setUndoDepth(2);
+  double h = e().addBlock(u"m", "Gain", u"g")->getHandle();
+  e().deleteBlock(u"m/g");
+  EXPECT_NE(BKBlock::Handle2Block(h), nullptr);
+  e().addBlock(u"m", "Gain", u"x");
+  EXPECT_NE(BKBlock::Handle2Block(h), nullptr);  // delete entry still held (depth 2)
+  e().addBlock(u"m", "Gain", u"y");
+  EXPECT_EQ(BKBlock::Handle2Block(h), nullptr);  // fell off the history
+
+  // An undone add lives on the redo stack until a new edit drops it.
+  double z = e().addBlock(u"m", "Gain", u"z")->getHandle();
+  e().undo();
+  EXPECT_NE(BKBlock::Handle2Block(z), nullptr);
+  e().addBlock(u"m", "Gain", u"w");
+  EXPECT_EQ(BKBlock::Handle2Block(z), nullptr);
+
+  double w = d->findBlock(u"m/w")->getHandle();
+  e().deleteBlock(u"m/w");
+  e().clearUndoHistory();
+  EXPECT_EQ(BKBlock::Handle2Block(w), nullptr);
+  EXPECT_FALSE(e().undo());
+
+  // A new block never takes an old handle.
+  EXPECT_NE(e().addBlock(u"m", "Gain", u"v")->getHandle(), w);
+}
+
+TEST_F(EditingTest, InvalidEditsThrowAndChangeNothing) {
+  e().addBlock(u"m", "SubSystem", u"s");
+  e().addBlock(u"m/s", "Gain", u"g");
+  rec->take();
+  std::size_t undo = e().undoCount();
+  EXPECT_THROW(e().addBlock(u"m/nope", "Gain", u"x"), std::invalid_argument);
+  EXPECT_THROW(e().addBlock(u"m", "NoType", u"x"), std::invalid_argument);
+  EXPECT_THROW(e().addBlock(u"m", "Gain", u"s"), std::invalid_argument);
+  EXPECT_THROW(e().addBlock(u"m", "Gain", u""), std::invalid_argument);
+  EXPECT_THROW(e().addBlock(u"m", "Gain", u"x", {{"Bogus", 1.0}}), std::invalid_argument);
+  EXPECT_THROW(e().addBlock(u"m", "Goto", u"x", {{"TagVisibility", std::string("wide")}}),
+               std::invalid_argument);
+  EXPECT_THROW(e().moveBlock(u"m/s", u"m/s"), std::invalid_argument);
+  EXPECT_THROW(e().renameBlock(u"m/missing", u"y"), std::invalid_argument);
+  EXPECT_THROW(e().setCommentState(u"m/s", 3), std::invalid_argument);
+  try {
+    e().setProperties(u"m/s/g", {{"Gain", 2.0}, {"Orientation", std::string("sideways")}});
+    FAIL();
+  } catch (const std::invalid_argument& err) {
+    EXPECT_NE(std::string(err.what()).find("m/s/g"), std::string::npos);
+    EXPECT_NE(std::string(err.what()).find("Orientation"), std::string::npos);
+  }
+  EXPECT_EQ(d->findBlock(u"m/s/g")->getParamText("Gain"), "1");
+  EXPECT_EQ(d->blockCount(), 2u);
+  EXPECT_EQ(e().undoCount(), undo);
+  EXPECT_TRUE(rec->take().empty());
+  EXPECT_FALSE(e().inBatch());
+}
+
+TEST_F(EditingTest, ClosingTheDiagramRaisesCloseAndInvalidatesHandles) {
+  int closes = 0;
+  bkplugin::addEditBdSignal(d, BKGE_DIAGRAM_CLOSING, [&](BKRootBD* bd) {
+    EXPECT_EQ(bd, d);
+    ++closes;
+    throw std::runtime_error("a failing listener does not stop a close");
+  });
+  double h = e().addBlock(u"m", "Gain", u"g")->getHandle();
+  e().deleteBlock(u"m/g");
+  double live = e().addBlock(u"m", "Gain", u"k")->getHandle();
+  bkBlockDiagramSet::close(d);
+  EXPECT_EQ(closes, 1);
+  EXPECT_EQ(BKBlock::Handle2Block(h), nullptr);
+  EXPECT_EQ(BKBlock::Handle2Block(live), nullptr);
+  EXPECT_EQ(bkBlockDiagramSet::nameToBlockDiagram(u"m"), nullptr);
+  d = nullptr;
+}
+
+}  // namespace
