@@ -2,12 +2,14 @@
 #include <lua.hpp>
 
 #include <chrono>
+#include <fstream>
 #include <stdexcept>
 #include <string>
 
 #include "app/luaapi.h"
 #include "app/luatypes.h"
 #include "app/luavalues.h"
+#include "app/report.h"
 #include "host/language/luahost.h"
 #include "host/model/bkrootbd.h"
 #include "host/prefs/bkfeatureregistry.h"
@@ -168,6 +170,24 @@ int ceExclusions(lua_State* L) {
   return 1;
 }
 
+// blockara.report(d, format [, path]): the findings of a diagram as text, SARIF or HTML; written
+// to `path` when given, returned in every case.
+int report(lua_State* L) {
+  BKRootBD* d = toDiagram(L, 1);
+  std::string format = luaL_optstring(L, 2, "text");
+  std::string path = luaL_optstring(L, 3, "");
+  return luaGuard(L, [&](lua_State*) {
+    std::string text = formatReport(*d, collectFindings(*d), format, d->getFilePath());
+    if (!path.empty()) {
+      std::ofstream out(path, std::ios::binary);
+      out << text;
+      if (!out) throw std::runtime_error(path + ": cannot write the report");
+    }
+    lua_pushlstring(L, text.data(), text.size());
+    return 1;
+  });
+}
+
 }  // namespace
 
 void openForEditing(BKRootBD* diagram) {
@@ -192,6 +212,7 @@ void installLuaApi(LuaHost& host) {
   host.registerFunction("blockara.feature", feature);
   host.registerFunction("blockara.checkSelection", checkSelection);
   host.registerFunction("blockara.ceExclusions", ceExclusions);
+  host.registerFunction("blockara.report", report);
   lua_getglobal(L, "blockara");
   lua_newtable(L);
   lua_setfield(L, -2, "workspace");
