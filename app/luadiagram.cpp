@@ -36,7 +36,7 @@ BKRootBD* checkDiagram(lua_State* L, int index = 1) {
 BKBlock* checkBlock(lua_State* L, int index = 1) {
   auto* ref = static_cast<HandleRef*>(luaL_checkudata(L, index, kBlockType));
   BKBlock* block = BKBlock::Handle2Block(ref->handle);
-  if (!block || !block->getGraph()) luaL_error(L, "the block no longer exists");
+  if (!block || !block->getBlockDiagram()) luaL_error(L, "the block no longer exists");
   return block;
 }
 

@@ -38,13 +38,13 @@ expect.eq(d:block("Plant/Ctrl/C2"):get("Value"), "42", "set value")
 -- Deleting a subsystem takes its contents; undo brings back the same blocks (same handles).
 local handle = d:block("Plant/Ctrl/Inner/G50").handle
 d:delete("Plant/Ctrl/Inner")
-expect.eq(#d:blocks(), 200, "blocks after delete")
+expect.eq(#d:blocks(), 201, "blocks after delete")
 expect.eq(d:block("Plant/Ctrl/Inner/G50"), nil, "deleted block")
 assert(d:undo(), "undo")
 expect.eq(#d:blocks(), 302, "blocks after undo")
 expect.eq(d:block("Plant/Ctrl/Inner/G50").handle, handle, "handle kept by undo")
 assert(d:redo(), "redo")
-expect.eq(#d:blocks(), 200, "blocks after redo")
+expect.eq(#d:blocks(), 201, "blocks after redo")
 expect.fails(function() return g1.path end, "no longer exists", "dead block")
 assert(d:undo())
 
