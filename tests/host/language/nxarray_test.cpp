@@ -2,6 +2,7 @@
 
 #include "host/language/cmddistributor.h"
 #include "host/language/nxarray.h"
+#include "nxarrayprint.h"
 
 namespace {
 
