@@ -6,9 +6,9 @@
 #include "host/language/cmddistributor.h"
 #include "host/language/feval.h"
 #include "host/language/luahost.h"
-#include "nxarrayprint.h"
 #include "host/language/nvm.h"
 #include "host/runtime/eventloop.h"
+#include "nxarrayprint.h"
 #include "testclass.h"
 
 namespace {
@@ -62,13 +62,12 @@ TEST_F(EvaluationTest, RequestFromAnotherThreadRunsOnMainThreadAtNextPump) {
 }
 
 TEST_F(EvaluationTest, LuaErrorArrivesAsRuntimeExceptionAndExtractionErrorsPropagate) {
-  auto failing = postFromWorker<void>("testmods.Calls.fail", 0,
-                                      {nxArray::charRow("bkedittimecheck:edittimecheck:X: bad")},
-                                      [](const std::shared_ptr<CmdEvent>& e) { detail::completedResults(e); });
+  auto failing = postFromWorker<void>(
+      "testmods.Calls.fail", 0, {nxArray::charRow("bkedittimecheck:edittimecheck:X: bad")},
+      [](const std::shared_ptr<CmdEvent>& e) { detail::completedResults(e); });
   // A result of the wrong class is the extraction's error.
-  auto wrongClass = postFromWorker<std::vector<bool>>("testmods.Calls.add", 1,
-                                                      {nxArray::doubleScalar(1), nxArray::doubleScalar(2)},
-                                                      flagsOf);
+  auto wrongClass = postFromWorker<std::vector<bool>>(
+      "testmods.Calls.add", 1, {nxArray::doubleScalar(1), nxArray::doubleScalar(2)}, flagsOf);
   blockara::EventLoop::instance().runPosted();
   try {
     failing.get();
@@ -122,7 +121,8 @@ TEST_F(EvaluationTest, SynchronousEvaluationNeverThrows) {
                               {nxArray::doubleScalar(1), nxArray::doubleScalar(2)}),
             nullptr);
   EXPECT_EQ(out.at(0), nxArray::doubleScalar(3));
-  auto diagnostic = bksvFEVAL_NoThrow(0, out, "testmods.Calls.fail", {nxArray::charRow("a:b:C: no")});
+  auto diagnostic =
+      bksvFEVAL_NoThrow(0, out, "testmods.Calls.fail", {nxArray::charRow("a:b:C: no")});
   ASSERT_NE(diagnostic, nullptr);
   EXPECT_EQ(diagnostic->identifier, "a:b:C");
   std::string warned;
@@ -177,7 +177,7 @@ std::pair<std::string, std::string> failureOf(std::future<R>& future) {
 TEST_F(EvaluationTest, RequestsFromSeveralThreadsRunInPostingOrder) {
   auto vm = nvm::Factory::getCurrentLocalMVM();
   std::mutex postingMutex;
-  std::vector<std::string> posted;                           // guarded by postingMutex
+  std::vector<std::string> posted;                         // guarded by postingMutex
   std::vector<std::future<std::vector<nxArray>>> futures;  // guarded by postingMutex
   std::vector<std::thread> workers;
   for (int t = 0; t < 4; ++t) {
@@ -185,8 +185,9 @@ TEST_F(EvaluationTest, RequestsFromSeveralThreadsRunInPostingOrder) {
       for (int i = 0; i < 5; ++i) {
         std::string tag = std::to_string(t) + "." + std::to_string(i);
         auto data = std::make_shared<FEvalArrayData>(std::vector<nxArray>{nxArray::charRow(tag)});
-        auto request = std::make_shared<CmdRequest>(3, vm->getSink(0), vm->getSink(1),
-                                                    std::make_shared<FEvalIIP>("testmods.Calls.record", 1, data, 3));
+        auto request = std::make_shared<CmdRequest>(
+            3, vm->getSink(0), vm->getSink(1),
+            std::make_shared<FEvalIIP>("testmods.Calls.record", 1, data, 3));
         auto delegate = std::make_shared<PromiseDelegateT<std::vector<nxArray>>>(allResults);
         // Posting and noting the order under one lock gives the order the loop must keep.
         std::lock_guard<std::mutex> lock(postingMutex);
@@ -228,7 +229,8 @@ TEST_F(EvaluationTest, FailedRequestsCompleteWithTheirErrorAndWriteItToTheErrorS
   };
   auto widgetLike = nxArray::cellRow({nxArray::charRow("x")});
   std::vector<std::future<std::vector<nxArray>>> futures;
-  futures.push_back(post(args({nxArray::charRow("pkg:area:Broke: broken")}), "testmods.Calls.fail", 0));
+  futures.push_back(
+      post(args({nxArray::charRow("pkg:area:Broke: broken")}), "testmods.Calls.fail", 0));
   futures.push_back(post(args({nxArray::charRow("plain text")}), "testmods.Calls.fail", 0));
   futures.push_back(post(args({}), "testmods.Calls.nothing", 1));
   futures.push_back(post(args({}), "no.such.module.fn", 1));
@@ -279,16 +281,19 @@ TEST_F(EvaluationTest, ObjectsCannotCrossThreadsAndMissingLanguageIsAnError) {
   auto future = delegate->getFuture();
   auto vm = nvm::Factory::getCurrentLocalMVM();
   auto id = distributor.submitRequest(
-      std::make_shared<CmdRequest>(3, vm->getSink(0), vm->getSink(1),
-                                   std::make_shared<FEvalIIP>("testmods.Calls.add", 2,
-                                       std::make_shared<FEvalArrayData>(std::vector<nxArray>{
-                                           nxArray::doubleScalar(1), nxArray::doubleScalar(2)}), 3)),
+      std::make_shared<CmdRequest>(
+          3, vm->getSink(0), vm->getSink(1),
+          std::make_shared<FEvalIIP>("testmods.Calls.add", 2,
+                                     std::make_shared<FEvalArrayData>(std::vector<nxArray>{
+                                         nxArray::doubleScalar(1), nxArray::doubleScalar(2)}),
+                                     3)),
       delegate);
   VariadicTaskReference reference(distributor, id);
   EXPECT_FALSE(reference.isDone());
   EXPECT_FALSE(delegate->isPromiseDone());
   int pumped = 0;
-  delegate->setWaitCallback([&] { pumped += static_cast<int>(blockara::EventLoop::instance().runPosted()); });
+  delegate->setWaitCallback(
+      [&] { pumped += static_cast<int>(blockara::EventLoop::instance().runPosted()); });
   delegate->waitTillReady();
   EXPECT_EQ(pumped, 1);
   EXPECT_TRUE(reference.isDone());
@@ -325,8 +330,8 @@ TEST_F(EvaluationTest, FunctionNamesResolveToGlobalsModulesAndTheirFunctions) {
     ASSERT_EQ(out.size(), 1u) << c.name;
     EXPECT_EQ(out[0], c.expected) << c.name;
   }
-  for (const char* missing : {"nosuchglobal", "testmods.Calls.nothing", "testmods.nosuch.fn",
-                              "testmods.pkgfn.nothing"}) {
+  for (const char* missing :
+       {"nosuchglobal", "testmods.Calls.nothing", "testmods.nosuch.fn", "testmods.pkgfn.nothing"}) {
     std::vector<nxArray> out;
     auto diagnostic = bksvFEVAL_NoThrow(1, out, missing, {});
     ASSERT_NE(diagnostic, nullptr) << missing;
@@ -342,18 +347,10 @@ TEST_F(EvaluationTest, ErrorIdentifiersAreTakenOnlyFromAWellFormedStart) {
     const char* identifier;
   };
   const Case cases[] = {
-      {"a:b:C: text", "a:b:C"},
-      {"a:b: text", "a:b"},
-      {"a:b:C", "a:b:C"},
-      {"a:b:C:\nmore", "a:b:C"},
-      {"a_1:b2:C3: x", "a_1:b2:C3"},
-      {"plain: text", ""},
-      {"a:b:C text", ""},
-      {"a:b:C:text", "a:b:C:text"},
-      {"1a:b: text", ""},
-      {"http://host: down", ""},
-      {"[string]:1: a:b:C: x", ""},
-      {"", ""},
+      {"a:b:C: text", "a:b:C"},  {"a:b: text", "a:b"},          {"a:b:C", "a:b:C"},
+      {"a:b:C:\nmore", "a:b:C"}, {"a_1:b2:C3: x", "a_1:b2:C3"}, {"plain: text", ""},
+      {"a:b:C text", ""},        {"a:b:C:text", "a:b:C:text"},  {"1a:b: text", ""},
+      {"http://host: down", ""}, {"[string]:1: a:b:C: x", ""},  {"", ""},
   };
   for (const Case& c : cases) {
     std::vector<nxArray> out;

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "host/language/luahost.h"
-#include "nxarrayprint.h"
 #include "host/runtime/eventloop.h"
+#include "nxarrayprint.h"
 #include "testgadget.h"
 
 namespace {
@@ -52,7 +52,8 @@ TEST_F(LuaNcosTest, OverloadsAreTriedOwnClassFirstThenSuperclasses) {
     -- uint32 arguments: a double holding an integer in range, or the largest uint32
     assert(g:greet("y", 1) == "hi y;")
     assert(g:greet("z", 0) == "")
-  )"), "");
+  )"),
+            "");
 }
 
 TEST_F(LuaNcosTest, ConstructorsAreChosenByArgumentsAndAnnounceTheirObjects) {
@@ -67,10 +68,12 @@ TEST_F(LuaNcosTest, ConstructorsAreChosenByArgumentsAndAnnounceTheirObjects) {
     assert(Test.pkg.Gadget.name == "Test.pkg.Gadget")
     assert(tostring(Test.pkg) == "package Test.pkg")
     assert(named ~= plain and named == named)
-  )"), "");
+  )"),
+            "");
   EXPECT_EQ(ncos::BindingRegistry::instance().announcedCount(), before + 2);
   EXPECT_EQ(errorOf("Test.pkg.Gadget(1)").rfind("blockara:ncos:NoMatchingSignature: ", 0), 0u);
-  EXPECT_EQ(errorOf("Test.pkg.Gadget('a', 'b')").rfind("blockara:ncos:NoMatchingSignature: ", 0), 0u);
+  EXPECT_EQ(errorOf("Test.pkg.Gadget('a', 'b')").rfind("blockara:ncos:NoMatchingSignature: ", 0),
+            0u);
 }
 
 TEST_F(LuaNcosTest, PropertiesOfEveryFormReadWriteAndRefuseWrongValues) {
@@ -105,7 +108,8 @@ TEST_F(LuaNcosTest, PropertiesOfEveryFormReadWriteAndRefuseWrongValues) {
     g.Tags = "only"; assert(#g.Tags == 1 and g.Tags[1] == "only")
     g.Tags = {}; assert(#g.Tags == 0)
     g.Tags = nx.column({"a", "b"}); assert(#g.Tags == 2)
-  )"), "");
+  )"),
+            "");
   struct Case {
     const char* code;
     const char* identifier;
@@ -115,7 +119,8 @@ TEST_F(LuaNcosTest, PropertiesOfEveryFormReadWriteAndRefuseWrongValues) {
       {"Test.pkg.Gadget().Count = -1", "blockara:ncos:ConversionFailed"},
       {"Test.pkg.Gadget().Count = 4294967296", "blockara:ncos:ConversionFailed"},
       {"Test.pkg.Gadget().Count = 1.5", "blockara:ncos:ConversionFailed"},
-      {"Test.pkg.Gadget().Count = nx.array('uint32', 1, 2, {1, 2})", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Count = nx.array('uint32', 1, 2, {1, 2})",
+       "blockara:ncos:ConversionFailed"},
       {"Test.pkg.Gadget().Ratio = 'x'", "blockara:ncos:ConversionFailed"},
       {"Test.pkg.Gadget().Ratio = true", "blockara:ncos:ConversionFailed"},
       {"Test.pkg.Gadget().Label = 5", "blockara:ncos:ConversionFailed"},
@@ -150,7 +155,8 @@ TEST_F(LuaNcosTest, StaticAndInstanceCallsAreKeptApart) {
     assert(g:liveCount() == 1)
     -- a method looked up on an object is a function that needs the object back
     local m = g.describe; assert(m(g, true) == "logical:true")
-  )"), "");
+  )"),
+            "");
   struct Case {
     const char* code;
     const char* prefix;
@@ -166,7 +172,8 @@ TEST_F(LuaNcosTest, StaticAndInstanceCallsAreKeptApart) {
       {"Test.pkg.Gadget.liveCount('x')", "blockara:ncos:NoMatchingSignature: "},
       {"Test.pkg.Gadget():nothing()", "blockara:ncos:UnknownMember: "},
       // '.' instead of ':' on a method
-      {"local g = Test.pkg.Gadget(); g.describe(true)", "method 'describe' must be called on an object"},
+      {"local g = Test.pkg.Gadget(); g.describe(true)",
+       "method 'describe' must be called on an object"},
       {"numeria.mixin.Heterogeneous()", "blockara:ncos:NotConstructible: "},
   };
   for (const Case& c : cases) {
@@ -185,7 +192,8 @@ TEST_F(LuaNcosTest, StaticAndInstanceCallsAreKeptApart) {
 
 TEST_F(LuaNcosTest, DeadObjectsFailEveryUseWithInvalidObject) {
   testclass::transientWidget() = std::make_unique<testclass::Widget>();
-  ASSERT_EQ(run("held = Test.pkg.Widget.getTransient(); g = Test.pkg.Gadget(); g.Parent = held"), "");
+  ASSERT_EQ(run("held = Test.pkg.Widget.getTransient(); g = Test.pkg.Gadget(); g.Parent = held"),
+            "");
   testclass::transientWidget().reset();
   for (const char* code : {"held.Name = 'x'", "local n = held.Name", "held:describe('x')",
                            "held:addTag('x')", "Test.pkg.Widget.addTag(held, 'x')",
@@ -217,7 +225,8 @@ TEST_F(LuaNcosTest, NativeFailuresBecomeLuaErrorsAndLuaErrorsStayInsideCallbacks
     -- the error of a nested call that has an identifier keeps it
     function raiseTagged() error("x:y:Z: tagged", 0) end
     assert(g:callBack("raiseTagged") == "failed:x:y:Z")
-  )"), "");
+  )"),
+            "");
   EXPECT_EQ(lua_gettop(host->state()), 0);
 }
 
@@ -245,9 +254,11 @@ TEST_F(LuaNcosTest, PackagesAreResolvedWhenReadSoLaterChangesShow) {
   ASSERT_TRUE(ncos::COSPackage::removePackage("Late"));
   // The package is gone; its objects still work; the class held in Lua is unknown now.
   EXPECT_EQ(run("assert(Late == nil); assert(late.Name == 'late')"), "");
-  EXPECT_EQ(errorOf("LateClass()"), "blockara:ncos:UnknownClass: There is no class 'Late.sub.Thing'.");
+  EXPECT_EQ(errorOf("LateClass()"),
+            "blockara:ncos:UnknownClass: There is no class 'Late.sub.Thing'.");
   // A Lua global of the same name as a package wins over the package.
-  EXPECT_EQ(run("Test = 5; assert(Test == 5); Test = nil; assert(tostring(Test) == 'package Test')"), "");
+  EXPECT_EQ(
+      run("Test = 5; assert(Test == 5); Test = nil; assert(tostring(Test) == 'package Test')"), "");
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "host/language/luahost.h"
-#include "nxarrayprint.h"
 #include "host/runtime/eventloop.h"
+#include "nxarrayprint.h"
 #include "testclass.h"
 
 namespace {
@@ -95,7 +95,8 @@ TEST_F(LuaValueTest, EveryArrayTakesItsPlainFormOnlyWhenThatFormConvertsBack) {
       {nxArray::structMatrix(1, 1, {}), "userdata"},
       {nxArray::structMatrix(0, 0, {"a"}), "userdata"},
       {twoElements, "userdata"},
-      {structOf({{"obj", nxArray::objectScalar(widget)}, {"s", structOf({{"x", nxArray::charRow("")}})}}),
+      {structOf({{"obj", nxArray::objectScalar(widget)},
+                 {"s", structOf({{"x", nxArray::charRow("")}})}}),
        "table"},
       {nxArray::objectScalar(widget), "userdata"},
       {nxArray::objectScalar(dead), "userdata"},
@@ -104,8 +105,8 @@ TEST_F(LuaValueTest, EveryArrayTakesItsPlainFormOnlyWhenThatFormConvertsBack) {
       {nxArray::cellRow({nxArray::objectScalar(widget), nxArray::uint32Scalar(3)}), "table"},
   };
   for (const Case& c : cases) {
-    std::string what = std::to_string(c.value.rows()) + "x" + std::to_string(c.value.cols()) +
-                       " " + c.value.className();
+    std::string what = std::to_string(c.value.rows()) + "x" + std::to_string(c.value.cols()) + " " +
+                       c.value.className();
     EXPECT_EQ(luaType(c.value), c.type) << what;
     auto back = host->callFunction("testmods.Calls.echo", 1, {c.value});
     ASSERT_EQ(back.size(), 1u);
@@ -135,11 +136,12 @@ TEST_F(LuaValueTest, LuaValuesBecomeArraysByFixedRules) {
        nxArray::cellRow({nxArray::doubleScalar(1), nxArray::charRow("a"),
                          nxArray::cellRow({nxArray::logicalScalar(true), nxArray::cellRow({})})})},
       {"{b = 1, a = 'x', c = {}}", structOf({{"a", nxArray::charRow("x")},
-                                            {"b", nxArray::doubleScalar(1)},
-                                            {"c", nxArray::cellRow({})}})},
+                                             {"b", nxArray::doubleScalar(1)},
+                                             {"c", nxArray::cellRow({})}})},
       {"{a = {b = {c = false}}}",
        structOf({{"a", structOf({{"b", structOf({{"c", nxArray::logicalScalar(false)}})}})}})},
-      {"nx.column({1, 'b'})", nxArray::cellColumn({nxArray::doubleScalar(1), nxArray::charRow("b")})},
+      {"nx.column({1, 'b'})",
+       nxArray::cellColumn({nxArray::doubleScalar(1), nxArray::charRow("b")})},
       {"nx.column({})", nxArray::cellColumn({})},
       {"nx.uint32(4294967295)", nxArray::uint32Scalar(4294967295u)},
       {"nx.uint32(0)", nxArray::uint32Scalar(0)},
@@ -156,18 +158,16 @@ TEST_F(LuaValueTest, LuaValuesBecomeArraysByFixedRules) {
       {"nx.array('struct', 1, 2, {{a = 1}, {b = 'x'}})", s12},
       {"nx.array('struct', 1, 1)", nxArray::structMatrix(1, 1, {})},
       {"nx.array('object', 0, 0)", nxArray::objectMatrix(0, 0, {})},
-      {"Test.pkg.Widget.getShared()",
-       nxArray::objectScalar(ncos::COSInterface::makeBorrowed(widget->classInfoPtr(),
-                                                              testclass::sharedWidget()))},
+      {"Test.pkg.Widget.getShared()", nxArray::objectScalar(ncos::COSInterface::makeBorrowed(
+                                          widget->classInfoPtr(), testclass::sharedWidget()))},
   };
   for (const Case& c : cases) EXPECT_EQ(fromLua(c.expr), c.expected) << c.expr;
 
   // No array form: an error that says why, and the Lua stack as before.
-  for (const char* expr : {"{1, x = 2}", "{[1] = 1, [3] = 3}", "{[0] = 1}", "{[1.5] = 1}",
-                           "{[true] = 1}", "print", "coroutine.create(print)", "io.stdout",
-                           "(function() local t = {} t[1] = t return t end)()",
-                           "(function() local t = {} for i = 1, 150 do t = {t} end return t end)()",
-                           "{f = print}"}) {
+  for (const char* expr :
+       {"{1, x = 2}", "{[1] = 1, [3] = 3}", "{[0] = 1}", "{[1.5] = 1}", "{[true] = 1}", "print",
+        "coroutine.create(print)", "io.stdout", "(function() local t = {} t[1] = t return t end)()",
+        "(function() local t = {} for i = 1, 150 do t = {t} end return t end)()", "{f = print}"}) {
     EXPECT_THROW(fromLua(expr), std::invalid_argument) << expr;
     EXPECT_EQ(lua_gettop(host->state()), 0) << expr;
   }
@@ -217,7 +217,8 @@ TEST_F(LuaValueTest, ArrayValuesOfferClassSizeElementsAndEquality) {
     assert(o[2].Name == "inside" and o:class() == "Test.pkg.Widget")
     -- comparing with a value of another kind is false, never an error
     assert(not (m == w) and not (w == m) and m ~= 1 and m ~= "x")
-  )"), "");
+  )"),
+            "");
 }
 
 }  // namespace

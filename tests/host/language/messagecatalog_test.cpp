@@ -1,9 +1,10 @@
+#include "host/language/messagecatalog.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <regex>
 
-#include "host/language/messagecatalog.h"
 #include "host/language/messageid.h"
 
 namespace {
@@ -27,14 +28,15 @@ TEST(MessageCatalogTest, SubstitutesArgumentsAndFormsIdentifiers) {
 TEST(MessageCatalogTest, CatalogueHasATextForEveryEngineIdentifier) {
   auto& catalog = bkmsg::MessageCatalog::instance();
   catalog.load(std::string(BKETC_RESOURCE_DIR) + "/messages.xml");
-  for (const char* id : {"UnknownBuiltInBlock", "InvalidBlockParameterName",
-                         "UnsupportedNumberOfConstraintValues", "UnsupportedValueOperator",
-                         "InvalidParameterValueInput", "UnsupportedParamValue",
-                         "InvalidParameterValueNonStruct", "UnsupportedPreReqType"}) {
+  for (const char* id :
+       {"UnknownBuiltInBlock", "InvalidBlockParameterName", "UnsupportedNumberOfConstraintValues",
+        "UnsupportedValueOperator", "InvalidParameterValueInput", "UnsupportedParamValue",
+        "InvalidParameterValueNonStruct", "UnsupportedPreReqType"}) {
     EXPECT_TRUE(catalog.contains(std::string("bkedittimecheck:edittimecheck:") + id)) << id;
   }
-  for (const char* id : {"InvalidObject", "UnknownMember", "ReadOnlyProperty", "NoMatchingSignature",
-                         "NotConstructible", "UnknownClass", "ConversionFailed"}) {
+  for (const char* id :
+       {"InvalidObject", "UnknownMember", "ReadOnlyProperty", "NoMatchingSignature",
+        "NotConstructible", "UnknownClass", "ConversionFailed"}) {
     EXPECT_TRUE(catalog.contains(std::string("blockara:ncos:") + id)) << id;
   }
 }
@@ -76,7 +78,8 @@ TEST(MessageCatalogTest, SubstitutionReplacesOnlyKnownArgumentNumbers) {
       {"", {"x"}, ""},
       {"}{0}{", {"x"}, "}x{"},
   };
-  for (const Case& c : cases) EXPECT_EQ(MessageCatalog::substitute(c.pattern, c.args), c.expected) << c.pattern;
+  for (const Case& c : cases)
+    EXPECT_EQ(MessageCatalog::substitute(c.pattern, c.args), c.expected) << c.pattern;
 }
 
 TEST(MessageCatalogTest, LaterFilesWinAndMissingTextsShowArguments) {
@@ -87,7 +90,8 @@ TEST(MessageCatalogTest, LaterFilesWinAndMissingTextsShowArguments) {
                          "</component><ignored/></catalogue>";
   catalog.load(path);
   InvalidBlockParameterName e(std::u16string(u"G\u00e4in"), "Sum");
-  EXPECT_STREQ(e.what(), "bkedittimecheck:edittimecheck:InvalidBlockParameterName: Other Sum/G\xc3\xa4in");
+  EXPECT_STREQ(e.what(),
+               "bkedittimecheck:edittimecheck:InvalidBlockParameterName: Other Sum/G\xc3\xa4in");
   EXPECT_EQ(e.arguments(), (std::vector<std::string>{"G\xc3\xa4in", "Sum"}));
   EXPECT_EQ(catalog.text("no:such:Id"), "");
   EXPECT_EQ(catalog.format("no:such:Id", {}), "");

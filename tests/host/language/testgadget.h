@@ -63,7 +63,8 @@ class CosGadget : public ncos::factory::NcosFactoryClassInfo {
     addConstructor(makeConstructor<Gadget>("Test.pkg.Gadget"));
     // A second constructor takes the name.
     NcosConstructor named;
-    named.signature = impl::Invoker::createSignature("Test.pkg.Gadget", "Test.pkg.Gadget", {"char"});
+    named.signature =
+        impl::Invoker::createSignature("Test.pkg.Gadget", "Test.pkg.Gadget", {"char"});
     named.create = [](const std::vector<nxArray>& args) {
       auto g = std::make_shared<Gadget>();
       g->name = "named:" + extractString(args.at(0));
@@ -88,8 +89,7 @@ class CosGadget : public ncos::factory::NcosFactoryClassInfo {
         ClassSetter<Gadget, Widget*>(&Gadget::setParent), "Test.pkg.Widget"));
     addProperty(std::make_unique<PropertyImpl<Gadget, std::vector<Widget*>>>(
         "Children", 0, ClassGetter<Gadget, std::vector<Widget*>>(&Gadget::getChildren),
-        ClassSetter<Gadget, std::vector<Widget*>>(&Gadget::setChildren),
-        "Test.pkg.Widget vector"));
+        ClassSetter<Gadget, std::vector<Widget*>>(&Gadget::setChildren), "Test.pkg.Widget vector"));
 
     auto attrs = [] { return MethodAttributes().remove(MethodAttributes::ForceMembership); };
     auto sig = &impl::Invoker::createSignature;

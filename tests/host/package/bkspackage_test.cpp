@@ -1,3 +1,5 @@
+#include "host/package/bkspackage.h"
+
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -10,8 +12,6 @@
 #include <iterator>
 #include <random>
 #include <set>
-
-#include "host/package/bkspackage.h"
 
 namespace {
 
@@ -132,8 +132,8 @@ TEST_F(PackageTest, BinaryAndManyPartsRoundTripInNameOrder) {
 
 TEST_F(PackageTest, BadPartNamesAreRefusedBeforeAnythingIsWritten) {
   fs::path file = dir / "m.bkdx";
-  for (const char* name : {"", "/", "x", "x/y", "//a", "/a//b", "/a/", "/.", "/..", "/./a",
-                           "/a/..", "/a/./b", "/a/../b"}) {
+  for (const char* name : {"", "/", "x", "x/y", "//a", "/a//b", "/a/", "/.", "/..", "/./a", "/a/..",
+                           "/a/./b", "/a/../b"}) {
     try {
       writePackage(file, {{"/fine", "x"}, {name, "y"}});
       FAIL() << name;
@@ -197,10 +197,12 @@ TEST_F(PackageTest, FolderEntriesAreSkippedAndOversizedPartsRefused) {
   patch("PK\x03\x04", 22, 30);
   patch("PK\x01\x02", 24, 46);
   try {
-    readPackageFromBuffer(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), "huge");
+    readPackageFromBuffer(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(),
+                          "huge");
     FAIL();
   } catch (const PackageError& e) {
-    EXPECT_NE(std::string(e.what()).find("huge: part '/auditor/x.xml'"), std::string::npos) << e.what();
+    EXPECT_NE(std::string(e.what()).find("huge: part '/auditor/x.xml'"), std::string::npos)
+        << e.what();
   }
 }
 
