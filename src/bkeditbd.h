@@ -1,0 +1,104 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <tbb/cache_aligned_allocator.h>
+#include <tbb/concurrent_queue.h>
+
+#include "src/constraints/bkeditblock.h"
+#include "src/constraints/parametervalue.h"
+#include "src/editbdrecords.h"
+#include "src/hostinterface.h"
+
+namespace bkedittimecheck {
+
+class BlockParameterConstraint;
+
+/// A lock-free queue filled on the main thread and drained on the worker.
+template <typename T>
+using EditQueue = tbb::concurrent_queue<T, tbb::cache_aligned_allocator<T>>;
+
+/// The exchange record of one diagram between the main thread and the worker: seven queues that
+/// the main thread fills from host events, and the worker-side state that the internal checks
+/// fold them into.
+///
+/// Thread contract: the queues may be pushed on the main thread and popped on the worker at the
+/// same time. Fields marked "worker" are written by the worker alone and have no lock; fields
+/// marked "main" belong to the main thread. Every host call runs on the main thread.
+class bkEditBD {
+ public:
+  /// Main thread. `auditorMode` is the diagram's rule-auditor bit at construction.
+  bkEditBD(std::wstring name, bool auditorMode);
+  bkEditBD(const bkEditBD&) = delete;
+  bkEditBD& operator=(const bkEditBD&) = delete;
+
+  /// Main thread. Snapshots `block` onto `changedBlocks` when it matters: routing blocks always
+  /// (up to the 1000th), others only when their graph is on view and not for kind 18. Returns
+  /// true when a snapshot was pushed. Host exceptions pass to the caller.
+  bool noteBlock(BKBlock* block, int kind);
+
+  /// Main thread. True for the blocks that cross-block checks need whatever is on view; counts
+  /// Goto/From blocks and marks state accessors as a side effect.
+  bool isRoutingBlock(BKBlock* block);
+
+  /// Main thread. Records a subsystem's mask kind (rule-auditor mode) and its path change.
+  void noteSubsystemRename(BKBlock* block);
+
+  /// Main thread. Drops the event listener record of `block` from `subsysProperties`.
+  void dropSubsysProperties(double handle);
+
+  /// Main thread. Keeps only the event listener records whose handle still resolves to one.
+  void compactSubsysProperties();
+
+  /// Main thread. Replaces both wanted lists of graphs; each done list keeps only wanted graphs.
+  void setWantedGraphs(const std::vector<bkGraph*>& graphs);
+
+  /// Main thread. Mask kind of a subsystem block: 1 none, 4 initialization set, else 2 or 3.
+  static std::int32_t maskKindOf(BKBlock* block);
+
+  // ---- identity
+  const std::wstring name;
+
+  // ---- worker
+  std::map<double, std::shared_ptr<bkEditBlock>> blocks;
+  std::map<std::wstring, std::int32_t> maskKinds;
+  std::map<double, std::pair<std::wstring, std::wstring>> subsysMap;
+
+  // ---- main (copied at construction and by `refreshDataStoreSetting`)
+  std::string uniqueDataStoreMsg;
+  std::map<std::string, ParameterValue> modelParameterData;
+
+  // ---- queues (main pushes, worker pops)
+  EditQueue<double> deletedHandles;
+  EditQueue<std::shared_ptr<bkEditBlock>> changedBlocks;
+  EditQueue<Blkproperties> blkProperties;
+  EditQueue<SubsysProperties> subsysProperties;
+  EditQueue<SubsysNameChange> subsysNameChanges;
+  EditQueue<MaskedBlock> maskedBlocks;
+  EditQueue<StateRWOwnerPathChange> stateRWOwnerPathChanges;
+
+  // ---- main
+  bool auditorMode;
+  bool initialScanDone = false;
+  std::vector<bkGraph*> auditorGraphs;
+  std::vector<bkGraph*> auditorGraphsDone;
+  std::set<std::wstring> auditorPathsDone;
+  std::vector<bkGraph*> visibleGraphs;
+  std::vector<bkGraph*> visibleGraphsDone;
+  std::set<std::wstring> visiblePathsDone;
+  std::uint32_t variantSubsystemCount = 0;
+  bool tooManyRoutingBlocks = false;
+  std::uint32_t routingBlockCount = 0;
+  std::map<double, std::wstring> handleToSubsystem;
+  bool hasStateAccessBlocks = false;
+  std::map<std::string, std::vector<std::shared_ptr<BlockParameterConstraint>>>
+      parameterDataByBlockType;
+};
+
+}  // namespace bkedittimecheck

@@ -1,0 +1,26 @@
+#include "src/pendingwork.h"
+
+namespace bkedittimecheck {
+
+void PendingWork::addQueued(std::int64_t n) {
+  std::lock_guard<std::mutex> lock(mutex);
+  queued += n;
+  if (queued == n) passes += 1;
+}
+
+void PendingWork::finishOne() {
+  std::lock_guard<std::mutex> lock(mutex);
+  queued -= 1;
+}
+
+std::int64_t PendingWork::queuedCount() const {
+  std::lock_guard<std::mutex> lock(mutex);
+  return queued;
+}
+
+void PendingWork::passStyled() {
+  // A stray applyStyle (a pass that was never counted) must not wrap the counter around.
+  if (passes > 0) passes -= 1;
+}
+
+}  // namespace bkedittimecheck

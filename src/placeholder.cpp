@@ -1,1 +1,0 @@
-// Replaced as soon as the engine has sources of its own.

@@ -1,0 +1,244 @@
+#include "src/violationdatabase.h"
+
+namespace bkedittimecheck {
+
+namespace {
+
+bool isError(std::uint32_t severity) { return severity == 1 || severity == 4; }
+bool isAuditor(std::uint32_t severity) { return severity == 3 || severity == 4; }
+
+}  // namespace
+
+void ViolationDatabase::add(const ViolationPtr& violation) {
+  std::lock_guard<std::mutex> lock(mutex);
+  ViolationSet& set = byBlock[violation->blockHandle];
+  auto it = set.find(violation);
+  if (it != set.end()) {
+    if ((*it)->isCommented == violation->isCommented) return;
+    // A changed comment status must reach the store, so the new record takes the old one's place.
+    set.erase(it);
+  }
+  set.insert(violation);
+}
+
+void ViolationDatabase::remove(const ViolationPtr& violation) {
+  std::lock_guard<std::mutex> lock(mutex);
+  auto entry = byBlock.find(violation->blockHandle);
+  if (entry == byBlock.end()) return;
+  const bool erased = entry->second.erase(violation) > 0;
+  if (erased || entry->second.empty()) pendingClearList.push_back(violation->blockHandle);
+  if (entry->second.empty()) byBlock.erase(entry);
+}
+
+void ViolationDatabase::removeByType(const std::string& checkId, const std::string& violationType) {
+  std::lock_guard<std::mutex> lock(mutex);
+  for (auto entry = byBlock.begin(); entry != byBlock.end();) {
+    std::erase_if(entry->second, [&](const ViolationPtr& v) {
+      return v->checkId == checkId && v->violationType == violationType;
+    });
+    if (entry->second.empty()) {
+      pendingClearList.push_back(entry->first);
+      entry = byBlock.erase(entry);
+    } else {
+      ++entry;
+    }
+  }
+}
+
+void ViolationDatabase::removeAll(double blockHandle) {
+  std::lock_guard<std::mutex> lock(mutex);
+  byBlock.erase(blockHandle);
+}
+
+void ViolationDatabase::removeByCheck(double blockHandle, const std::string& checkId) {
+  std::lock_guard<std::mutex> lock(mutex);
+  auto entry = byBlock.find(blockHandle);
+  if (entry == byBlock.end()) return;
+  std::erase_if(entry->second, [&](const ViolationPtr& v) { return v->checkId == checkId; });
+  pendingClearList.push_back(blockHandle);
+}
+
+std::vector<EditTimeViolation> ViolationDatabase::violationsOf(double blockHandle) const {
+  std::lock_guard<std::mutex> lock(mutex);
+  std::vector<EditTimeViolation> out;
+  auto entry = byBlock.find(blockHandle);
+  if (entry == byBlock.end()) return out;
+  for (const auto& v : entry->second) out.push_back(*v);
+  return out;
+}
+
+std::vector<EditTimeViolation> ViolationDatabase::violationsOfBlock(
+    double blockHandle, const std::string& checkId) const {
+  std::lock_guard<std::mutex> lock(mutex);
+  std::vector<EditTimeViolation> out;
+  auto entry = byBlock.find(blockHandle);
+  if (entry == byBlock.end()) return out;
+  for (const auto& v : entry->second) {
+    if (v->checkId == checkId) out.push_back(*v);
+  }
+  return out;
+}
+
+std::vector<ViolationDatabase::ViolationPtr> ViolationDatabase::violationsByCheck(
+    const std::string& checkId) const {
+  std::lock_guard<std::mutex> lock(mutex);
+  std::vector<ViolationPtr> out;
+  for (const auto& [handle, set] : byBlock) {
+    for (const auto& v : set) {
+      if (v->checkId == checkId) out.push_back(v);
+    }
+  }
+  return out;
+}
+
+std::map<double, bool> ViolationDatabase::blocksWithEditTimeWarnings() const {
+  std::lock_guard<std::mutex> lock(mutex);
+  std::map<double, bool> out;
+  for (const auto& [handle, set] : byBlock) {
+    for (const auto& v : set) {
+      if (v->severity == 0) {
+        out.emplace(handle, v->isCommented != 0);
+        break;
+      }
+    }
+  }
+  return out;
+}
+
+std::map<double, bool> ViolationDatabase::blocksWithErrors() const {
+  std::lock_guard<std::mutex> lock(mutex);
+  std::map<double, bool> out;
+  for (const auto& [handle, set] : byBlock) {
+    for (const auto& v : set) {
+      if (isError(v->severity)) {
+        out.emplace(handle, v->isCommented != 0);
+        break;
+      }
+    }
+  }
+  return out;
+}
+
+std::map<double, bool> ViolationDatabase::blocksWithOnlyAuditorViolations() const {
+  std::lock_guard<std::mutex> lock(mutex);
+  std::map<double, bool> out;
+  for (const auto& [handle, set] : byBlock) {
+    bool hasWarning = false;
+    bool hasAuditor = false;
+    bool flag = false;
+    for (const auto& v : set) {
+      if (v->severity == 0) hasWarning = true;
+      if (isAuditor(v->severity)) {
+        hasAuditor = true;
+        flag = v->isCommented != 0;
+      }
+    }
+    if (hasAuditor && !hasWarning) out.emplace(handle, flag);
+  }
+  return out;
+}
+
+std::map<double, std::vector<EditTimeViolation>> ViolationDatabase::auditorViolations() const {
+  std::lock_guard<std::mutex> lock(mutex);
+  std::map<double, std::vector<EditTimeViolation>> out;
+  for (const auto& [handle, set] : byBlock) {
+    for (const auto& v : set) {
+      if (isAuditor(v->severity)) out[handle].push_back(*v);
+    }
+  }
+  return out;
+}
+
+std::vector<double> ViolationDatabase::pendingClears() const {
+  std::lock_guard<std::mutex> lock(mutex);
+  return pendingClearList;
+}
+
+void ViolationDatabase::clearPendingClears() {
+  std::lock_guard<std::mutex> lock(mutex);
+  pendingClearList.clear();
+}
+
+void ViolationDatabase::dropDeadBlocks(const std::function<bool(double)>& isAlive) {
+  std::vector<double> handles;
+  {
+    std::lock_guard<std::mutex> lock(mutex);
+    for (const auto& entry : byBlock) handles.push_back(entry.first);
+  }
+  // The host is asked outside the lock: the store never calls out while it holds its mutex.
+  std::vector<double> dead;
+  for (double h : handles) {
+    if (!isAlive(h)) dead.push_back(h);
+  }
+  std::lock_guard<std::mutex> lock(mutex);
+  for (double h : dead) byBlock.erase(h);
+}
+
+void ViolationDatabase::removeAuditorViolations() {
+  std::lock_guard<std::mutex> lock(mutex);
+  for (auto entry = byBlock.begin(); entry != byBlock.end();) {
+    std::erase_if(entry->second, [](const ViolationPtr& v) { return isAuditor(v->severity); });
+    entry = entry->second.empty() ? byBlock.erase(entry) : std::next(entry);
+  }
+}
+
+template <typename Pred>
+void ViolationDatabase::removeFirstMatch(Pred pred) {
+  for (auto entry = byBlock.begin(); entry != byBlock.end();) {
+    ViolationSet& set = entry->second;
+    for (auto it = set.begin(); it != set.end(); ++it) {
+      if (pred(**it)) {
+        set.erase(it);
+        break;
+      }
+    }
+    entry = set.empty() ? byBlock.erase(entry) : std::next(entry);
+  }
+}
+
+void ViolationDatabase::removeErrors() {
+  std::lock_guard<std::mutex> lock(mutex);
+  removeFirstMatch([](const EditTimeViolation& v) { return isError(v.severity); });
+}
+
+void ViolationDatabase::removeWarnings() {
+  std::lock_guard<std::mutex> lock(mutex);
+  removeFirstMatch([](const EditTimeViolation& v) { return v.severity == 0; });
+}
+
+void ViolationDatabase::markCommentedUnder(const std::wstring& path, bool isCommented) {
+  std::lock_guard<std::mutex> lock(mutex);
+  for (auto& [handle, set] : byBlock) {
+    for (auto it = set.begin(); it != set.end();) {
+      const ViolationPtr& v = *it;
+      if (v->blockPath.find(path) == std::wstring::npos) {
+        ++it;
+        continue;
+      }
+      v->isCommented = isCommented ? 1 : 0;
+      if (v->checkId == "orvanta.blockara.GoToFromBlockMismatch") {
+        pendingClearList.push_back(handle);
+        it = set.erase(it);
+      } else {
+        ++it;
+      }
+    }
+  }
+}
+
+void ViolationDatabase::renamePaths(const std::wstring& oldPath, const std::wstring& newPath) {
+  std::lock_guard<std::mutex> lock(mutex);
+  for (auto& [handle, set] : byBlock) {
+    for (const auto& v : set) {
+      auto pos = v->blockPath.find(oldPath);
+      if (pos != std::wstring::npos) v->blockPath.replace(pos, oldPath.size(), newPath);
+    }
+  }
+}
+
+std::size_t ViolationDatabase::blockCount() const {
+  std::lock_guard<std::mutex> lock(mutex);
+  return byBlock.size();
+}
+
+}  // namespace bkedittimecheck
