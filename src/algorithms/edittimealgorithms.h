@@ -72,7 +72,7 @@ void forEachInputParameter(const boost::property_tree::ptree& configuration, Vis
     if (key != "InputParameters") continue;
     for (const auto& [childKey, parameter] : parameters) {
       if (childKey != "InputParameter") continue;
-      visit(parameter.get<std::string>("<xmlattr>.Name", ""), parameter);
+      visit(parameter.template get<std::string>("<xmlattr>.Name", ""), parameter);
     }
   }
 }

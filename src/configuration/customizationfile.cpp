@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <system_error>
 
-#include "src/configuration/hostpreferences.h"
 
 namespace bkedittimecheck {
 
@@ -38,8 +37,24 @@ std::wstring chooseCustomizationFile(const std::wstring& preferencesDirectory,
   return {};
 }
 
-std::wstring findCustomizationFile(const std::wstring& givenPath) {
-  return chooseCustomizationFile(preferencesDirectory(), givenPath, installationRoot());
+std::map<std::string, bool> selectionFromTree(const boost::property_tree::ptree& tree) {
+  std::map<std::string, bool> selection;
+  for (const auto& [key, check] : tree.get_child("RAConfiguration.CheckCellArray")) {
+    if (key != "Check") continue;
+    std::string id;
+    bool selected = false;
+    // The walk stops at "Selected": an "ID" behind it is not seen.
+    for (const auto& [childKey, child] : check) {
+      if (childKey == "ID") {
+        id = child.data();
+      } else if (childKey == "Selected") {
+        selected = child.data() == "true";
+        break;
+      }
+    }
+    selection.emplace(id, selected);  // the first entry of an ID stands
+  }
+  return selection;
 }
 
 }  // namespace bkedittimecheck

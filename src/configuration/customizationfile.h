@@ -1,6 +1,9 @@
 #pragma once
 
+#include <map>
 #include <string>
+
+#include <boost/property_tree/ptree.hpp>
 
 namespace bkedittimecheck {
 
@@ -24,5 +27,10 @@ std::wstring findCustomizationFile(const std::wstring& givenPath);
 
 /// Any thread. True when `path` names a regular file.
 bool customizationFileExists(const std::wstring& path);
+
+/// Reads the selection out of a parsed customization tree: the map from the "ID" of every
+/// "Check" under "RAConfiguration.CheckCellArray" to whether its "Selected" text is exactly
+/// "true". Throws `ptree_bad_path` when the element is missing.
+std::map<std::string, bool> selectionFromTree(const boost::property_tree::ptree& tree);
 
 }  // namespace bkedittimecheck

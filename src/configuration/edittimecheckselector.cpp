@@ -39,26 +39,6 @@ pt::ptree parseFile(const std::wstring& path) {
 
 }  // namespace
 
-std::map<std::string, bool> selectionFromTree(const pt::ptree& tree) {
-  std::map<std::string, bool> selection;
-  for (const auto& [key, check] : tree.get_child(cellArrayPath)) {
-    if (key != "Check") continue;
-    std::string id;
-    bool selected = false;
-    // The walk stops at "Selected": an "ID" behind it is not seen.
-    for (const auto& [childKey, child] : check) {
-      if (childKey == "ID") {
-        id = child.data();
-      } else if (childKey == "Selected") {
-        selected = child.data() == "true";
-        break;
-      }
-    }
-    selection.emplace(id, selected);  // the first entry of an ID stands
-  }
-  return selection;
-}
-
 void EditTimeCheckSelector::loadCheckSelection(const std::wstring& path) {
   EditTimeAlgorithms::setInputParametersChanged(true);
   const std::wstring file = findCustomizationFile(path);

@@ -50,9 +50,4 @@ class EditTimeCheckSelector {
   static void resetForTesting();
 };
 
-/// Reads the selection out of a parsed customization tree: the map from the "ID" of every
-/// "Check" under "RAConfiguration.CheckCellArray" to whether its "Selected" text is exactly
-/// "true". Throws `ptree_bad_path` when the element is missing.
-std::map<std::string, bool> selectionFromTree(const boost::property_tree::ptree& tree);
-
 }  // namespace bkedittimecheck
