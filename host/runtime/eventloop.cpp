@@ -1,5 +1,10 @@
 #include "host/runtime/eventloop.h"
 
+#include <algorithm>
+
+#include "host/runtime/cooperativetaskmanager.h"
+#include "host/runtime/timerthread.h"
+
 namespace blockara {
 
 EventLoop& EventLoop::instance() {
@@ -48,7 +53,73 @@ std::size_t EventLoop::runPosted() {
 
 bool EventLoop::waitForPosted(std::chrono::milliseconds timeout) {
   std::unique_lock<std::mutex> lock(mutex);
-  return postedCv.wait_for(lock, timeout, [this] { return !posted.empty(); });
+  const std::uint64_t seen = wakeups;
+  postedCv.wait_for(lock, timeout, [&] { return !posted.empty() || wakeups != seen; });
+  return !posted.empty();
+}
+
+void EventLoop::wake() {
+  {
+    std::lock_guard<std::mutex> lock(mutex);
+    ++wakeups;
+  }
+  postedCv.notify_all();
+}
+
+bool EventLoop::pumpOnce() {
+  if (runPosted() > 0) return true;
+  return Performance::CooperativeTaskManager::processNext();
+}
+
+bool EventLoop::hasLocalWork() const {
+  return pendingCount() > 0 || Performance::CooperativeTaskManager::hasPendingWork();
+}
+
+std::size_t EventLoop::runUntilIdle(std::size_t maxSteps) {
+  std::size_t steps = 0;
+  while (steps < maxSteps && pumpOnce()) ++steps;
+  return steps;
+}
+
+int EventLoop::addBusyCheck(std::string name, std::function<bool()> check) {
+  const int id = nextBusyId++;
+  busyChecks.emplace(id, std::make_pair(std::move(name), std::move(check)));
+  return id;
+}
+
+void EventLoop::removeBusyCheck(int id) { busyChecks.erase(id); }
+
+std::vector<std::string> EventLoop::busyReasons() const {
+  std::vector<std::string> reasons;
+  for (const auto& [id, entry] : busyChecks) {
+    bool busy = true;
+    try {
+      busy = !entry.second || entry.second();
+    } catch (...) {
+      // A check that cannot answer must not make the loop report quiet.
+    }
+    if (busy) reasons.push_back(entry.first);
+  }
+  return reasons;
+}
+
+bool EventLoop::runUntilQuiet(std::chrono::milliseconds timeout) {
+  using Clock = std::chrono::steady_clock;
+  const auto deadline = Clock::now() + timeout;
+  for (;;) {
+    if (pumpOnce()) {
+      if (Clock::now() >= deadline) return false;
+      continue;
+    }
+    if (busyReasons().empty()) {
+      if (!hasLocalWork()) return true;
+      continue;
+    }
+    if (Clock::now() >= deadline) return false;
+    if (blockara::TimerThread::tickAllManual() > 0) continue;
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+    waitForPosted(std::clamp(left, std::chrono::milliseconds(0), std::chrono::milliseconds(1)));
+  }
 }
 
 void EventLoop::adoptCurrentThread() { mainThread = std::this_thread::get_id(); }

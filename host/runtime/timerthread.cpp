@@ -1,0 +1,183 @@
+#include "host/runtime/timerthread.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace blockara {
+namespace {
+
+std::atomic<int> defaultModeSetting{TimerThread::periodic};
+std::atomic<std::int64_t> periodUnitNanos{10'000'000};  // 10 ms
+
+// The running timers, for `tickAllManual`. registryMutex guards liveTimers.
+std::mutex registryMutex;
+std::vector<TimerThread*> liveTimers;
+
+TimerThread::ExecutionMode resolveMode(int mode) {
+  switch (mode) {
+    case TimerThread::hostDefault:
+      return static_cast<TimerThread::ExecutionMode>(defaultModeSetting.load());
+    case TimerThread::periodic:
+    case TimerThread::manual:
+      return static_cast<TimerThread::ExecutionMode>(mode);
+    default:
+      throw std::invalid_argument("timer thread: unknown execution mode " + std::to_string(mode));
+  }
+}
+
+std::chrono::nanoseconds resolvePeriod(TimerThread::ExecutionMode mode, double period) {
+  const bool valid = std::isfinite(period) && period > 0.0;
+  if (!valid) {
+    if (mode == TimerThread::periodic) {
+      throw std::invalid_argument("timer thread: the period must be finite and positive, not " +
+                                  std::to_string(period));
+    }
+    return std::chrono::nanoseconds::zero();
+  }
+  const double nanos = period * static_cast<double>(periodUnitNanos.load());
+  return std::chrono::nanoseconds(static_cast<std::int64_t>(std::max(1.0, std::min(nanos, 1e18))));
+}
+
+}  // namespace
+
+TimerThread::TimerThread(int mode, double period)
+    : executionMode(resolveMode(mode)), periodLength(resolvePeriod(executionMode, period)) {}
+
+TimerThread::~TimerThread() { stop(); }
+
+void TimerThread::start() {
+  {
+    std::lock_guard<std::mutex> lock(mutex);
+    if (threadState != ThreadState::notStarted) return;
+    threadState = ThreadState::starting;
+    // Made under the lock so that `tick` reads a complete id; `run` takes the lock only later.
+    thread = std::thread([this] { run(); });
+    timerId = thread.get_id();
+  }
+  registerSelf();
+}
+
+void TimerThread::stop() {
+  unregisterSelf();
+  {
+    std::lock_guard<std::mutex> lock(mutex);
+    stopRequested = true;
+  }
+  wake.notify_all();
+  if (thread.joinable() && thread.get_id() != std::this_thread::get_id()) thread.join();
+  std::lock_guard<std::mutex> lock(mutex);
+  if (threadState != ThreadState::notStarted) threadState = ThreadState::stopped;
+  tickDone.notify_all();
+}
+
+void TimerThread::run() {
+  starting();
+  {
+    std::lock_guard<std::mutex> lock(mutex);
+    threadState = ThreadState::running;
+  }
+  running();
+  auto deadline = std::chrono::steady_clock::now() + periodLength;
+  std::unique_lock<std::mutex> lock(mutex);
+  for (;;) {
+    auto due = [this] { return stopRequested || ticksRequested > ticksStarted; };
+    if (executionMode == periodic) {
+      wake.wait_until(lock, deadline, due);
+    } else {
+      wake.wait(lock, due);
+    }
+    if (stopRequested) break;
+    // A tick that starts now serves every request made before it.
+    ticksStarted = std::max(ticksStarted + 1, ticksRequested);
+    lock.unlock();
+    timerTick();
+    deadline = std::chrono::steady_clock::now() + periodLength;
+    lock.lock();
+    ticksDone = ticksStarted;
+    tickDone.notify_all();
+  }
+  threadState = ThreadState::stopping;
+  lock.unlock();
+  stopping();
+}
+
+void TimerThread::timerTick() {
+  try {
+    onTimer();
+  } catch (...) {
+    // The thread outlives any failure of its work.
+  }
+}
+
+bool TimerThread::tick() {
+  std::unique_lock<std::mutex> lock(mutex);
+  if (std::this_thread::get_id() == timerId) return false;
+  if (stopRequested ||
+      (threadState != ThreadState::starting && threadState != ThreadState::running)) {
+    return false;
+  }
+  const std::uint64_t wanted = ticksStarted + 1;
+  ticksRequested = std::max(ticksRequested, wanted);
+  wake.notify_all();
+  tickDone.wait(lock, [&] { return ticksDone >= wanted || stopRequested; });
+  return ticksDone >= wanted;
+}
+
+TimerThread::ThreadState TimerThread::state() const {
+  std::lock_guard<std::mutex> lock(mutex);
+  return threadState;
+}
+
+std::uint64_t TimerThread::tickCount() const {
+  std::lock_guard<std::mutex> lock(mutex);
+  return ticksDone;
+}
+
+void TimerThread::setDefaultMode(ExecutionMode mode) {
+  if (mode != periodic && mode != manual) {
+    throw std::invalid_argument("timer thread: the default mode must be periodic or manual");
+  }
+  defaultModeSetting.store(mode);
+}
+
+TimerThread::ExecutionMode TimerThread::defaultMode() {
+  return static_cast<ExecutionMode>(defaultModeSetting.load());
+}
+
+void TimerThread::setPeriodUnit(std::chrono::nanoseconds unit) {
+  if (unit.count() <= 0) throw std::invalid_argument("timer thread: the period unit must be positive");
+  periodUnitNanos.store(unit.count());
+}
+
+std::chrono::nanoseconds TimerThread::periodUnit() {
+  return std::chrono::nanoseconds(periodUnitNanos.load());
+}
+
+std::size_t TimerThread::tickAllManual() {
+  std::vector<TimerThread*> timers;
+  {
+    std::lock_guard<std::mutex> lock(registryMutex);
+    timers = liveTimers;
+  }
+  std::size_t ticked = 0;
+  for (TimerThread* timer : timers) {
+    if (timer->mode() == manual && timer->tick()) ++ticked;
+  }
+  return ticked;
+}
+
+void TimerThread::registerSelf() {
+  std::lock_guard<std::mutex> lock(registryMutex);
+  liveTimers.push_back(this);
+}
+
+void TimerThread::unregisterSelf() {
+  std::lock_guard<std::mutex> lock(registryMutex);
+  liveTimers.erase(std::remove(liveTimers.begin(), liveTimers.end(), this), liveTimers.end());
+}
+
+}  // namespace blockara

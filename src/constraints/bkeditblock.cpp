@@ -1,0 +1,108 @@
+#include "src/constraints/bkeditblock.h"
+
+#include <utility>
+
+#include "src/hostinterface.h"
+
+namespace bkedittimecheck {
+
+namespace {
+
+std::string tagVisibilityWord(const std::string& hostValue) {
+  // The host keeps the visibility as an enumeration: local, scoped, global.
+  if (hostValue == "local") return "TAG_LOCAL";
+  if (hostValue == "scoped") return "TAG_SCOPED";
+  if (hostValue == "global") return "TAG_GLOBAL";
+  return "";
+}
+
+std::string dialogParameter(const BKBlock* block, const std::string& name) {
+  for (const BKPrmDesc& desc : block->getDialogInfo()) {
+    if (desc.name == name) return block->getParamText(name);
+  }
+  return "";
+}
+
+std::shared_ptr<bkDefaultEditBlock> makeDefaultEditBlock(BKBlock* block, int kind) {
+  auto data = std::make_shared<bkDefaultEditBlock>();
+  switch (kind) {
+    case 56:
+      data->stringParam0 = tagVisibilityWord(dialogParameter(block, "TagVisibility"));
+      data->stringParam1 = BKBlock::getGrParamValue(block, 0, 0);
+      break;
+    case 51:
+    case 57:
+      data->stringParam0 = dialogParameter(block, "GotoTag");
+      break;
+    case 22:
+      data->stringParam0 = dialogParameter(block, "DataStoreName");
+      break;
+    case 123:
+    case 125: {
+      std::string owner = dialogParameter(block, "StateOwnerBlock");
+      if (owner.compare(0, 3, "../") == 0) owner = resolveRelativeBlockPath(block, owner);
+      data->stringParam0 = owner;
+      data->ownerBlockId = stateOwnerBlockId(block, data->ownerBlockId);
+      break;
+    }
+    default:
+      break;
+  }
+  return data;
+}
+
+std::shared_ptr<bkRAEditBlock> makeRaEditBlock(BKBlock* block, int kind) {
+  auto ra = std::make_shared<bkRAEditBlock>();
+  if (const BKMask* mask = block->getMask()) ra->maskType = toWide(mask->type);
+  ra->blockType = fromNarrow(typeNameOf(block));
+  if (kind == 66 || kind == 67) ra->enumParameterValue = block->getGrEnumPrmValue(6);
+  if (kind == 88) ra->enumParameterValue = block->getGrEnumPrmValue(10);
+  ra->orientation = block->getGrOrientation();
+  const unsigned flags = block->getPlatformFlags();
+  ra->rawFlagBit1 = (flags & 0x2u) != 0;
+  ra->rawFlagBit2 = (flags & 0x4u) != 0;
+  if (kind == 131) {
+    const SubsystemFacts facts = subsystemFactsOf(block);
+    if (facts.isAtomic) {
+      ra->functionPackaging = facts.isCodeAuto             ? 0
+                              : facts.isFunction           ? 2
+                              : facts.isReusableFunction   ? 3
+                                                           : 1;
+    }
+    ra->isBlockaraFunction = facts.isBlockaraFunction;
+    ra->subsystemType = facts.subsystemType;
+  }
+  ra->capabilitySupport8 = block->getType().capability(8);
+  ra->capabilitySupport9 = block->getType().capability(9);
+  ra->codegenFootnote = block->getType().footnote("codegen");
+  ra->productionFootnote = block->getType().footnote("production");
+  return ra;
+}
+
+bool needsDefaultEditBlock(int kind) {
+  return kind == 22 || kind == 51 || kind == 56 || kind == 57 || kind == 123 || kind == 125;
+}
+
+}  // namespace
+
+bkEditBlock::bkEditBlock(BKBlock* block, bool wantRaEditBlock)
+    : blockHandle(block->getHandle()),
+      blockName(block->getGrNameNonUnicode()),
+      blockKind(block->getTypeCode()),
+      fullPath(toWide(block->getFullPath(false))),
+      isCommented(block->isCommented() ? 1 : 0),
+      isLinked(block->getLinkStatus() != "none" ? 1 : 0) {
+  if (needsDefaultEditBlock(blockKind)) defaultEditBlock = makeDefaultEditBlock(block, blockKind);
+  if (wantRaEditBlock) raEditBlock = makeRaEditBlock(block, blockKind);
+}
+
+bkEditBlock::bkEditBlock(double blockHandle, std::string blockName, std::int32_t blockKind,
+                         std::wstring fullPath, bool isCommented, bool isLinked)
+    : blockHandle(blockHandle),
+      blockName(std::move(blockName)),
+      blockKind(blockKind),
+      fullPath(std::move(fullPath)),
+      isCommented(isCommented ? 1 : 0),
+      isLinked(isLinked ? 1 : 0) {}
+
+}  // namespace bkedittimecheck

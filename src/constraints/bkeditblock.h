@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "src/constraints/bkdefaulteditblock.h"
+#include "src/constraints/bkraeditblock.h"
+#include "src/constraints/parametervalue.h"
+
+class BKBlock;
+
+namespace bkedittimecheck {
+
+/// The snapshot of one block: everything a check on the worker may know of it, taken on the
+/// main thread when the block was added or changed. Shared by shared pointer.
+///
+/// Thread contract: built on the main thread; afterwards read-only for every thread, except
+/// that the worker's `Setup` may still write `fullPath` and `isCommented`.
+class bkEditBlock {
+ public:
+  /// Main thread. Takes the snapshot of `block`; with `wantRaEditBlock` also the rule-auditor
+  /// part. Host exceptions pass to the caller.
+  bkEditBlock(BKBlock* block, bool wantRaEditBlock);
+
+  /// Any thread. A snapshot made of plain values, for blocks that the host no longer offers.
+  bkEditBlock(double blockHandle, std::string blockName, std::int32_t blockKind,
+              std::wstring fullPath, bool isCommented, bool isLinked);
+
+  bkEditBlock(const bkEditBlock&) = delete;
+  bkEditBlock& operator=(const bkEditBlock&) = delete;
+
+  double getBlockHandle() const { return blockHandle; }
+  const std::string& getBlockName() const { return blockName; }
+  std::int32_t getBlockKind() const { return blockKind; }
+  const std::shared_ptr<bkDefaultEditBlock>& getDefaultEditBlock() const {
+    return defaultEditBlock;
+  }
+  const std::shared_ptr<bkRAEditBlock>& getRaEditBlock() const { return raEditBlock; }
+  const std::wstring& getFullPath() const { return fullPath; }
+  bool getIsCommented() const { return isCommented != 0; }
+  bool getIsLinked() const { return isLinked != 0; }
+
+  /// True when the rule-auditor part was taken; checks skip a block without it.
+  bool hasRaEditBlock() const { return raEditBlock != nullptr; }
+  /// The block's type name; only after `hasRaEditBlock()`.
+  const std::wstring& getBlockType() const { return raEditBlock->blockType; }
+  /// The block's mask type; only after `hasRaEditBlock()`.
+  const std::wstring& getMaskType() const { return raEditBlock->maskType; }
+  /// A copy of the captured parameter values.
+  std::map<std::string, ParameterValue> getCapturedParameterValues() const {
+    return capturedParameterValues;
+  }
+
+  /// Worker. `Setup` updates the path after a rename of a subsystem above the block.
+  void setFullPath(std::wstring path) { fullPath = std::move(path); }
+  /// Worker. `Setup` updates the comment state after a subsystem above was (un)commented.
+  void setIsCommented(bool commented) { isCommented = commented ? 1 : 0; }
+  /// Worker. Drops the rule-auditor part between passes.
+  void dropRaEditBlock() { raEditBlock.reset(); }
+
+ private:
+  double blockHandle;
+  std::string blockName;
+  std::int32_t blockKind;
+  std::shared_ptr<bkDefaultEditBlock> defaultEditBlock;
+  std::shared_ptr<bkRAEditBlock> raEditBlock;
+  std::map<std::string, ParameterValue> capturedParameterValues;
+  std::wstring fullPath;
+  std::uint8_t isCommented;
+  std::uint8_t isLinked;
+};
+
+}  // namespace bkedittimecheck

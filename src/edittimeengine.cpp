@@ -1,0 +1,275 @@
+#include "src/edittimeengine.h"
+
+#include <atomic>
+
+#include "host/signals/pluginchangereport.h"
+#include "src/bkeditbd.h"
+#include "src/hostinterface.h"
+#include "src/profiler.h"
+#include "src/violationdatabase.h"
+
+namespace bkedittimecheck {
+
+namespace {
+
+std::atomic<std::uint32_t> engineCounter{0};
+
+bool isStateOwnerKind(int code) {
+  return code == 31 || code == 33 || code == 36 || code == 68 || code == 116 || code == 156;
+}
+
+bool isEventListener(const BKBlock* block) {
+  return block->getTypeCode() == 62 || typeNameOf(block) == "EventListener";
+}
+
+}  // namespace
+
+EditTimeEngine::EditTimeEngine(BKRootBD* diagram)
+    : algorithmTable(diagramNameOf(diagram), isLibrary(diagram), showEditTimeIssues()),
+      diagram(diagram),
+      diagramName(diagramNameOf(diagram)),
+      id(0),
+      auditorMode(false) {
+  data = std::make_shared<bkEditBD>(diagramName, auditorModeOn(diagram));
+  violations = std::make_shared<ViolationDatabase>();
+  auditorMode = auditorModeOn(diagram);
+  callDiagramFunction("edittime.EditTimeCheckingSetup.setup", diagramName);
+  connectStudioListeners();
+  refreshVisibleGraphs();
+  id = ++engineCounter;
+  algorithmTable.engineId = id;
+}
+
+EditTimeEngine::~EditTimeEngine() = default;
+
+bool EditTimeEngine::hasVariants() const { return data->variantSubsystemCount != 0; }
+
+void EditTimeEngine::refreshVisibleGraphs() { data->setWantedGraphs(visibleGraphsOf(diagram)); }
+
+void EditTimeEngine::noteSubsystemRename(BKBlock* block) { data->noteSubsystemRename(block); }
+
+void EditTimeEngine::processChangedBlock(BKBlock* block, int kind) {
+  if (!block) return;
+  const int code = block->getTypeCode();
+  if (isEventListener(block)) {
+    data->subsysProperties.push(
+        SubsysProperties{toWide(block->getFullPath(false)), block->getHandle(), code == 62});
+  }
+  if (code == 131) {
+    if (isVariantSubsystem(block)) {
+      data->variantSubsystemCount += 1;
+      removeStyling(diagramName, 11);
+      removeStyling(diagramName, 13);
+    }
+    noteSubsystemRename(block);
+  }
+  if (data->hasStateAccessBlocks && isStateOwnerKind(code)) {
+    data->stateRWOwnerPathChanges.push(
+        StateRWOwnerPathChange{block->getBlockId(), toWide(block->getFullPath(false)), true});
+  }
+  if (block->isCommented()) {
+    commentStatusChanged(block);
+    return;
+  }
+  if (!data->hasStateAccessBlocks && (code == 123 || code == 125)) {
+    data->hasStateAccessBlocks = true;
+  }
+  data->noteBlock(block, kind);
+}
+
+void EditTimeEngine::processBatchOfEvents(const PluginChangeReport& report, int kind) {
+  Profiler profiler("ENGINE", "PROCESSBATCHOFEVENTS");
+  std::shared_ptr<bkEditBD> keep = data;
+  refreshVisibleGraphs();
+  switch (kind) {
+    case 18:
+      for (double handle : report.added) processChangedBlock(handle2Block(handle), 18);
+      algorithmTable.runEvent(18, hasVariants());
+      break;
+    case 21:
+      for (double handle : report.changed) processChangedBlock(handle2Block(handle), 21);
+      algorithmTable.runEvent(21, hasVariants());
+      break;
+    case 19:
+      for (double handle : report.deleted) {
+        BKBlock* block = handle2Block(handle);
+        if (!block) {
+          data->handleToSubsystem.erase(handle);
+          data->deletedHandles.push(handle);
+          continue;
+        }
+        // The block survives as an undo object: its facts are still there to be withdrawn.
+        const int code = block->getTypeCode();
+        if (typeNameOf(block) == "EventListener") {
+          data->dropSubsysProperties(handle);
+          data->compactSubsysProperties();
+        }
+        if (isStateOwnerKind(code) && data->hasStateAccessBlocks) {
+          data->stateRWOwnerPathChanges.push(
+              StateRWOwnerPathChange{block->getBlockId(), toWide(block->getFullPath(false)), false});
+        } else if (code == 62) {
+          data->dropSubsysProperties(handle);
+          data->compactSubsysProperties();
+        } else if (code == 131) {
+          if (isVariantSubsystem(block)) {
+            data->variantSubsystemCount -= 1;
+            removeStyling(diagramName, 11);
+            removeStyling(diagramName, 13);
+          }
+          data->handleToSubsystem.erase(handle);
+        }
+        if (block->isCommented()) {
+          commentStatusChanged(block);
+        } else {
+          data->deletedHandles.push(handle);
+          removeErrorAndWarnClasses(handle);
+        }
+      }
+      algorithmTable.runEvent(19, hasVariants());
+      break;
+    case 20:
+      for (double handle : report.renamed) {
+        BKBlock* block = handle2Block(handle);
+        if (!block) continue;
+        if (isEventListener(block)) data->compactSubsysProperties();
+        if (block->getTypeCode() == 131) {
+          noteSubsystemRename(block);
+          if (isVariantSubsystem(block)) {
+            removeStyling(diagramName, 11);
+            removeStyling(diagramName, 13);
+          }
+        }
+        if (block->isCommented()) {
+          commentStatusChanged(block);
+        } else {
+          data->noteBlock(block, 0);
+        }
+      }
+      algorithmTable.runEvent(20, hasVariants());
+      break;
+    default:
+      break;
+  }
+}
+
+void EditTimeEngine::commentStatusChanged(BKBlock* block) {
+  if (!block) return;
+  const int code = block->getTypeCode();
+  const std::wstring path = toWide(block->getFullPath(false));
+  if (!block->isCommented()) {
+    if (code == 131) data->blkProperties.push(Blkproperties{L"", path + L"/", block->getHandle(), false});
+  } else {
+    removeBlockResults(block->getHandle());
+    const bool routing = code == 22 || code == 23 || code == 24 || code == 51 || code == 56 || code == 57;
+    if (code == 131) {
+      data->blkProperties.push(Blkproperties{L"", path + L"/", block->getHandle(), true});
+    } else if (!routing) {
+      return;
+    }
+  }
+  data->noteBlock(block, 0);
+  algorithmTable.runEvent(3, hasVariants());
+}
+
+void EditTimeEngine::removeBlockResults(double blockHandle) {
+  violations->removeAll(blockHandle);
+  if (handle2Block(blockHandle)) removeErrorAndWarnClasses(blockHandle);
+}
+
+// ---- switches
+
+void EditTimeEngine::checksOn(int code) {
+  refreshVisibleGraphs();
+  scanDiagram();
+  restartVisibleScan();
+  if (auditorModeOn(diagram)) populateBlockParamConstraintData(L"");
+  algorithmTable.runEvent(code, hasVariants());
+}
+
+void EditTimeEngine::errorsOn() {
+  Profiler profiler("ENGINE", "ERRORON");
+  algorithmTable.showErrors = true;
+  scanDiagram();
+  restartVisibleScan();
+  algorithmTable.runEvent(1, hasVariants());
+}
+
+void EditTimeEngine::warningsOn() {
+  Profiler profiler("ENGINE", "WARNINGSON");
+  algorithmTable.showWarnings = true;
+  profiler.stop();
+  scanDiagram();
+  restartVisibleScan();
+  algorithmTable.runEvent(1, hasVariants());
+}
+
+void EditTimeEngine::allOn() {
+  algorithmTable.showErrors = true;
+  algorithmTable.showWarnings = true;
+  scanDiagram();
+  restartVisibleScan();
+  algorithmTable.runEvent(15, hasVariants());
+}
+
+void EditTimeEngine::errorsOff() { algorithmTable.showErrors = false; }
+
+void EditTimeEngine::warningsOff() { algorithmTable.showWarnings = false; }
+
+void EditTimeEngine::enableAuditor() {
+  Profiler profiler("ENGINE", "ENABLERA");
+  populateBlockParamConstraintData(L"");
+  requeueMasks();
+  algorithmTable.runEvent(7, hasVariants());
+}
+
+void EditTimeEngine::disableAuditor() {
+  algorithmTable.auditorChecksEnabled = false;
+  data->auditorGraphsDone.clear();
+  data->auditorPathsDone.clear();
+}
+
+void EditTimeEngine::loadConfig(const std::wstring& path) {
+  Profiler profiler("ENGINE", "LOADCONFIG");
+  populateBlockParamConstraintData(path);
+  requeueMasks();
+  algorithmTable.runEvent(7, hasVariants());
+}
+
+void EditTimeEngine::loadDefaultConfig() {
+  Profiler profiler("ENGINE", "LOADDEFAULTCONFIG");
+  populateBlockParamConstraintData(L"");
+  requeueMasks();
+  algorithmTable.runEvent(7, hasVariants());
+}
+
+void EditTimeEngine::refreshChartChecks(double blockHandle) {
+  Profiler profiler("ENGINE", "REFRESH_CHARTELLE_CHART_CHECKS");
+  // The chart-state blocks of the owner's graph are noted here once chart snapshots exist.
+  (void)blockHandle;
+  algorithmTable.runEvent(9, hasVariants());
+}
+
+void EditTimeEngine::refreshWorkspaceChecks(int code) {
+  Profiler profiler("ENGINE", "REFRESH_WORKSPACE_CHECKS");
+  data->visibleGraphsDone.clear();
+  data->visiblePathsDone.clear();
+  refreshVisibleGraphs();
+  algorithmTable.runEvent(code, hasVariants());
+}
+
+void EditTimeEngine::refreshMissingVariables(int code) {
+  if (!violations->violationsByCheck("BlockMissingVariable").empty()) {
+    algorithmTable.runEvent(code, hasVariants());
+  }
+}
+
+void EditTimeEngine::viewChanged() {
+  refreshVisibleGraphs();
+  restartVisibleScan();
+  if (auditorModeOn(diagram)) restartAuditorScan();
+  algorithmTable.runEvent(2, hasVariants());
+}
+
+void EditTimeEngine::passStyled() { algorithmTable.pending.passStyled(); }
+
+}  // namespace bkedittimecheck

@@ -1,0 +1,132 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "src/algorithmtable.h"
+
+class BKRootBD;
+class BKBlock;
+struct PluginChangeReport;
+
+namespace bkedittimecheck {
+
+class bkEditBD;
+class ViolationDatabase;
+
+/// The checking engine of one open diagram. It turns each host event into snapshots on the
+/// diagram's `bkEditBD`, a table of checks, and work for the worker, all on the main thread and
+/// without waiting for anything.
+///
+/// Thread contract: every operation belongs to the main thread, except `engineId`,
+/// `queuedCount`, `pendingWork`, `getData` and `getViolations`, which the worker may call on an
+/// engine it holds. `data` and `violations` never change after construction.
+class EditTimeEngine {
+ public:
+  /// Main thread. Sets the engine up for `diagram` (not owned), calls the host-language setup
+  /// function (a failure there is dropped), takes the graphs on view and draws a fresh
+  /// `engineId`. Host exceptions pass to the caller.
+  explicit EditTimeEngine(BKRootBD* diagram);
+  virtual ~EditTimeEngine();
+  EditTimeEngine(const EditTimeEngine&) = delete;
+  EditTimeEngine& operator=(const EditTimeEngine&) = delete;
+
+  /// Main thread. One host batch of kind 18 (added), 19 (deleted), 20 (renamed) or 21
+  /// (changed): snapshots what matters and runs the table with that code.
+  void processBatchOfEvents(const PluginChangeReport& report, int kind);
+
+  /// Main thread. Routes one added or changed block (null allowed) to the queues.
+  void processChangedBlock(BKBlock* block, int kind);
+
+  /// Main thread. A block's comment status changed (null allowed).
+  void commentStatusChanged(BKBlock* block);
+
+  /// Main thread. The switches; each ends with at most one table run.
+  void checksOn(int code);
+  void errorsOn();
+  void warningsOn();
+  void errorsOff();
+  void warningsOff();
+  void allOn();
+  void enableAuditor();
+  void disableAuditor();
+  void loadConfig(const std::wstring& path);
+  void loadDefaultConfig();
+  void refreshChartChecks(double blockHandle);
+  void refreshWorkspaceChecks(int code);
+  void refreshMissingVariables(int code);
+
+  /// Main thread. The view changed: refresh the graphs on view and run the table with code 2.
+  void viewChanged();
+  /// Main thread. Listens to the active-editor events of every studio showing the diagram.
+  void connectStudioListeners();
+
+  /// Main thread. Takes the style classes of `code` off the blocks.
+  void removeStyling(const std::wstring& name, int code);
+  /// Main thread. Forgets one block's results and takes its classes off.
+  void removeBlockResults(double blockHandle);
+  /// Main thread. Puts the classes of the store on the blocks.
+  void applyStyling();
+  /// Main thread. One pass was styled.
+  void passStyled();
+  /// Main thread. The three strings (type, check ID, category) of each violation of a block.
+  std::vector<std::string> getBlockViolationStrings(double blockHandle) const;
+
+  /// Main thread. Stops listening and calls the host-language cleanup function.
+  void cleanupOnModelClose();
+
+  /// Main thread. Schedule and run the slices of the two scans.
+  void scheduleDiagramTask();
+  void scheduleWorkspaceTask();
+  void runDiagramSlice();
+  void runWorkspaceSlice();
+
+  /// Main thread. Takes the graphs behind the visible editors into both wanted lists.
+  void refreshVisibleGraphs();
+
+  /// Main thread. Whether the engine takes edits (false while the diagram compiles or runs).
+  void setEditsEnabled(bool enabled) { editsOn = enabled; }
+  bool editsEnabled() const { return editsOn; }
+
+  /// Any thread. The engine's id: distinct for every engine of the process.
+  std::uint32_t engineId() const { return id; }
+  /// Main thread. True while a pass was begun and not styled.
+  bool hasUnstyledPasses() const { return algorithmTable.pending.passCount() > 0; }
+  /// Any thread. Checks queued and not finished.
+  std::int64_t queuedCount() const { return algorithmTable.pending.queuedCount(); }
+  /// Any thread. The counter of queued checks, for the worker's `finishOne`.
+  PendingWork& pendingWork() { return algorithmTable.pending; }
+
+  /// Any thread. The diagram's exchange record and store.
+  const std::shared_ptr<bkEditBD>& getData() const { return data; }
+  const std::shared_ptr<ViolationDatabase>& getViolations() const { return violations; }
+  /// Main thread. The diagram (not owned) and its name at construction.
+  BKRootBD* getDiagram() const { return diagram; }
+  const std::wstring& getDiagramName() const { return diagramName; }
+  /// Main thread. The table of checks and its switches.
+  AlgorithmTable& getAlgorithmTable() { return algorithmTable; }
+  /// Main thread. Copy of the rule-auditor bit at construction.
+  bool getAuditorMode() const { return auditorMode; }
+
+ private:
+  bool hasVariants() const;
+  void noteSubsystemRename(BKBlock* block);
+  void scanDiagram();
+  void restartVisibleScan();
+  void restartAuditorScan();
+  void requeueMasks();
+  void populateBlockParamConstraintData(const std::wstring& path);
+
+  AlgorithmTable algorithmTable;
+  BKRootBD* diagram;
+  std::wstring diagramName;
+  bool editsOn = true;
+  std::uint32_t id;
+  std::shared_ptr<ViolationDatabase> violations;
+  std::shared_ptr<bkEditBD> data;
+  bool auditorMode;
+};
+
+}  // namespace bkedittimecheck

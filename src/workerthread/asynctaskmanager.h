@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+
+#include <tbb/cache_aligned_allocator.h>
+#include <tbb/concurrent_queue.h>
+
+#include "host/runtime/timerthread.h"
+#include "src/workerthread/workerqueuefunc.h"
+
+namespace bkedittimecheck {
+
+/// The one worker queue of the process, served by the host's timer thread: each tick runs
+/// every queued item in order of arrival.
+///
+/// Thread contract: `enqueue` from any thread; `onTimer` on the timer thread. The two queues are
+/// lock-free concurrent queues and need no further guard.
+class AsyncTaskManager : public blockara::TimerThread {
+ public:
+  /// Any thread. The process-wide queue; its thread starts on first use.
+  static AsyncTaskManager& instance();
+
+  ~AsyncTaskManager() override;
+
+  /// Any thread. Takes ownership of `func` and queues it; `useBatchQueue` false selects the
+  /// immediate queue, the one this engine uses.
+  void enqueue(std::unique_ptr<WorkerQueueFunc> func, bool useBatchQueue);
+
+  /// Timer thread. Runs the queued items until both queues are empty; an item that throws is
+  /// dropped and the loop goes on.
+  void onTimer() override;
+
+ private:
+  struct ConcurrentQueueItem {
+    std::unique_ptr<WorkerQueueFunc> func;
+  };
+  using ItemQueue =
+      tbb::concurrent_queue<ConcurrentQueueItem*, tbb::cache_aligned_allocator<ConcurrentQueueItem*>>;
+
+  AsyncTaskManager();
+
+  ItemQueue batchQueue;
+  ItemQueue immediateQueue;
+};
+
+}  // namespace bkedittimecheck

@@ -1,0 +1,153 @@
+#include "host/runtime/timerthread.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "host/runtime/eventloop.h"
+
+namespace blockara {
+namespace {
+
+// Records its hooks and the thread of each tick; a tick drains `queued`.
+class RecordingTimer : public TimerThread {
+ public:
+  RecordingTimer(int mode, double period) : TimerThread(mode, period) {}
+  ~RecordingTimer() override { stop(); }
+
+  void starting() override { record("starting"); }
+  void running() override { record("running"); }
+  void stopping() override { record("stopping"); }
+  void onTimer() override {
+    tickThread = std::this_thread::get_id();
+    const int n = queued.exchange(0);
+    drained += n;
+    if (onTick) onTick();
+    if (throwOnTick) throw std::runtime_error("tick failed");
+    ticks.fetch_add(1);
+    std::lock_guard<std::mutex> lock(m);
+    cv.notify_all();
+  }
+  void record(const std::string& what) {
+    std::lock_guard<std::mutex> lock(m);
+    hooks.push_back(what);
+  }
+  void waitForTicks(int n) {
+    std::unique_lock<std::mutex> lock(m);
+    cv.wait(lock, [&] { return ticks.load() >= n; });
+  }
+
+  std::mutex m;
+  std::condition_variable cv;
+  std::vector<std::string> hooks;  // guarded by m
+  std::atomic<int> queued{0};
+  std::atomic<int> drained{0};
+  std::atomic<int> ticks{0};
+  std::atomic<bool> throwOnTick{false};
+  std::function<void()> onTick;  // set before start
+  std::thread::id tickThread;    // read after a tick completed
+};
+
+TEST(TimerThreadTest, ManualModeTicksOnlyWhenAskedOnItsOwnThread) {
+  RecordingTimer timer(TimerThread::manual, 1.0);
+  EXPECT_EQ(timer.state(), TimerThread::ThreadState::notStarted);
+  EXPECT_FALSE(timer.tick());  // not started
+  timer.start();
+  timer.queued = 3;
+  ASSERT_TRUE(timer.tick());
+  EXPECT_EQ(timer.drained.load(), 3);
+  EXPECT_EQ(timer.tickCount(), 1u);
+  EXPECT_NE(timer.tickThread, std::this_thread::get_id());
+  EXPECT_EQ(timer.state(), TimerThread::ThreadState::running);
+
+  // Work queued between ticks waits for the next tick, however long that takes.
+  timer.queued = 2;
+  EXPECT_EQ(timer.drained.load(), 3);
+  ASSERT_TRUE(timer.tick());
+  EXPECT_EQ(timer.drained.load(), 5);
+
+  timer.stop();
+  timer.stop();
+  EXPECT_EQ(timer.state(), TimerThread::ThreadState::stopped);
+  EXPECT_FALSE(timer.tick());
+  EXPECT_EQ(timer.hooks, (std::vector<std::string>{"starting", "running", "stopping"}));
+}
+
+TEST(TimerThreadTest, AFailingTickDoesNotEndTheThread) {
+  RecordingTimer timer(TimerThread::manual, 1.0);
+  timer.throwOnTick = true;
+  timer.start();
+  EXPECT_TRUE(timer.tick());
+  timer.throwOnTick = false;
+  EXPECT_TRUE(timer.tick());
+  EXPECT_EQ(timer.ticks.load(), 1);
+  EXPECT_EQ(timer.tickCount(), 2u);
+}
+
+TEST(TimerThreadTest, HostSettingsChooseTheModeAndBadArgumentsAreRejected) {
+  EXPECT_EQ(TimerThread::defaultMode(), TimerThread::periodic);
+  TimerThread::setDefaultMode(TimerThread::manual);
+  TimerThread::setPeriodUnit(std::chrono::milliseconds(2));
+  RecordingTimer timer(TimerThread::hostDefault, 1.5);
+  EXPECT_EQ(timer.mode(), TimerThread::manual);
+  EXPECT_EQ(timer.interval(), std::chrono::microseconds(3000));
+
+  EXPECT_THROW(RecordingTimer(7, 1.0), std::invalid_argument);
+  EXPECT_THROW(RecordingTimer(TimerThread::periodic, 0.0), std::invalid_argument);
+  EXPECT_THROW(RecordingTimer(TimerThread::periodic, -1.0), std::invalid_argument);
+  EXPECT_THROW(TimerThread::setPeriodUnit(std::chrono::nanoseconds(0)), std::invalid_argument);
+  EXPECT_THROW(TimerThread::setDefaultMode(TimerThread::hostDefault), std::invalid_argument);
+}
+
+TEST(TimerThreadTest, PeriodicModeTicksByItselfAndTickBringsATickForward) {
+  RecordingTimer fast(TimerThread::periodic, 0.1);  // 1 ms
+  fast.start();
+  fast.waitForTicks(3);  // no sleep: returns once the thread has ticked three times
+  EXPECT_GE(fast.tickCount(), 2u);
+
+  RecordingTimer slow(TimerThread::periodic, 1e9);  // would never tick by itself in a test run
+  slow.start();
+  slow.queued = 4;
+  ASSERT_TRUE(slow.tick());
+  EXPECT_EQ(slow.drained.load(), 4);
+  // Only manual timers are driven by the main loop.
+  EXPECT_EQ(TimerThread::tickAllManual(), 0u);
+}
+
+TEST(TimerThreadTest, RunUntilQuietDrivesAManualWorkerToQuiescence) {
+  EventLoop& loop = EventLoop::instance();
+  loop.adoptCurrentThread();
+  std::vector<std::string> styled;
+  RecordingTimer worker(TimerThread::manual, 1.0);
+  // The worker hands its result back to the main thread, as a check pass does.
+  worker.onTick = [&] {
+    if (worker.drained.load() > 0) loop.post([&] { styled.push_back("styled"); });
+  };
+  worker.start();
+  const int busy = loop.addBusyCheck("worker", [&] { return worker.queued.load() > 0; });
+  loop.post([&] { worker.queued = 2; });
+
+  EXPECT_TRUE(loop.runUntilQuiet(std::chrono::seconds(60)));
+  EXPECT_EQ(worker.drained.load(), 2);
+  EXPECT_EQ(styled, (std::vector<std::string>{"styled"}));
+  EXPECT_TRUE(loop.busyReasons().empty());
+
+  // Work that never settles: the loop gives up when the time is out and says why.
+  const int stuck = loop.addBusyCheck("stuck", [] { return true; });
+  loop.addBusyCheck("broken", []() -> bool { throw std::runtime_error("no answer"); });
+  EXPECT_FALSE(loop.runUntilQuiet(std::chrono::milliseconds(0)));
+  EXPECT_EQ(loop.busyReasons(), (std::vector<std::string>{"stuck", "broken"}));
+  loop.removeBusyCheck(stuck);
+  loop.removeBusyCheck(busy);
+  loop.removeBusyCheck(12345);
+  EXPECT_EQ(loop.busyReasons(), (std::vector<std::string>{"broken"}));
+}
+
+}  // namespace
+}  // namespace blockara
