@@ -43,7 +43,7 @@ class Wrappable {
 /// One host-language object: its class and its native object, which it either owns (objects
 /// made by a host-language constructor) or borrows (singletons, objects owned by other native
 /// objects). Main thread only.
-class COSInterface {
+class COSInterface : public std::enable_shared_from_this<COSInterface> {
  public:
   /// An object that owns its native object. `native` must not be null.
   static COSInterfacePtr makeOwned(std::shared_ptr<const factory::NcosFactoryClassInfo> cls,

@@ -1,1 +1,0 @@
-// Replaced as soon as this service has sources of its own.

@@ -1,0 +1,136 @@
+#include "src/hostinterface.h"
+
+#include <vector>
+
+#include "host/language/feval.h"
+#include "host/language/nxarray.h"
+#include "host/model/bkglue.h"
+#include "host/model/bkgraph.h"
+#include "host/model/bkrootbd.h"
+#include "host/model/configset.h"
+#include "host/model/subsystemblock.h"
+#include "host/studio/studioapp.h"
+#include "host/trace/ptlog.h"
+
+namespace bkedittimecheck {
+
+std::wstring toWide(const bksvString& text) {
+  // UTF-16 code units widen one to one for the engine's own comparisons and keys.
+  return std::wstring(text.begin(), text.end());
+}
+
+bksvString toBksv(const std::wstring& text) {
+  bksvString out;
+  out.reserve(text.size());
+  for (wchar_t c : text) out.push_back(static_cast<char16_t>(c));
+  return out;
+}
+
+std::string toNarrow(const std::wstring& text) { return ConvertUStringToStdString(toBksv(text)); }
+
+std::wstring fromNarrow(const std::string& text) { return toWide(i18n::to_u16string(text)); }
+
+std::wstring diagramNameOf(const BKRootBD* diagram) { return toWide(diagram->getName()); }
+
+BKRootBD* diagramByName(const std::wstring& name) {
+  return bkBlockDiagramSet::nameToBlockDiagram(toBksv(name));
+}
+
+bool isLibrary(const BKRootBD* diagram) { return diagram->getDiagramKind() == 1; }
+
+bool isSuspended(const BKRootBD* diagram) { return diagram->isSuspended(); }
+
+bool auditorModeOn(const BKRootBD* diagram) { return diagram->auditorModeOn(); }
+
+BKBlock* handle2Block(double handle) { return BKBlock::Handle2Block(handle); }
+
+std::string typeNameOf(const BKBlock* block) { return block->getType().name; }
+
+bool isVariantSubsystem(const BKBlock* block) { return SubsystemBlock::IsVariantSubsystem(block); }
+
+bool graphOwnerIsNotChart(const BKBlock* block) {
+  bkGraph* graph = BKGlue::getBlockGraph(block);
+  if (!graph) return false;
+  BKBlock* owner = graph->getOwner();
+  return !owner || !BKGlue::isChartelleBlock(owner);
+}
+
+bool isChartBasedSubsystem(const BKBlock* block) {
+  if (block->getTypeCode() != 131 || SubsystemBlock::getSubsystemType(block) != 8) return false;
+  bkGraph* graph = BKGlue::getBlockGraph(block);
+  return graph && graph->getOwner() && BKGlue::isChartelleBlock(graph->getOwner());
+}
+
+bool isUsableGraph(const bkGraph* graph) {
+  return graph && graph->getBlockDiagram() && graph->getStateBits() == 0;
+}
+
+std::vector<bkGraph*> visibleGraphsOf(BKRootBD* diagram) {
+  std::vector<bkGraph*> out;
+  for (Blockara::Editor* editor : Blockara::StudioApp::getAllEditorsFor(diagram->getHandle())) {
+    if (!editor->isVisible()) continue;
+    bkGraph* graph = editor->getGraph();
+    if (isUsableGraph(graph)) out.push_back(graph);
+  }
+  return out;
+}
+
+SubsystemFacts subsystemFactsOf(const BKBlock* block) {
+  SubsystemFacts facts;
+  facts.isAtomic = SubsystemBlock::determineIsAtomicUnit(block);
+  facts.isCodeAuto = SubsystemBlock::IsCodeAuto(block);
+  facts.isFunction = SubsystemBlock::IsSetAsFunction(block);
+  facts.isReusableFunction = SubsystemBlock::IsSetAsReusableFunction(block);
+  facts.isBlockaraFunction = SubsystemBlock::getIsBlockaraFunction(block);
+  facts.subsystemType = SubsystemBlock::getSubsystemType(block);
+  return facts;
+}
+
+std::string resolveRelativeBlockPath(const BKBlock* block, const std::string& relative) {
+  // "../x" names a block beside the accessor's system: climb one level per "../".
+  std::string base = ConvertUStringToStdString(block->getFullPath(false));
+  std::string rest = relative;
+  base = base.substr(0, base.rfind('/'));
+  while (rest.compare(0, 3, "../") == 0) {
+    rest = rest.substr(3);
+    const auto cut = base.rfind('/');
+    if (cut == std::string::npos) break;
+    base = base.substr(0, cut);
+  }
+  return base + "/" + rest;
+}
+
+std::int32_t stateOwnerBlockId(const BKBlock* block, std::int32_t current) {
+  BKRootBD* diagram = block->getBlockDiagram();
+  if (!diagram) return current;
+  std::string owner = block->getParamText("StateOwnerBlock");
+  if (owner.compare(0, 3, "../") == 0) owner = resolveRelativeBlockPath(block, owner);
+  BKBlock* found = diagram->findBlock(i18n::to_u16string(owner));
+  return found ? found->getBlockId() : current;
+}
+
+BKRootBD* rootOfCompiled(BKCompBD* compiled) {
+  return compiled ? compiled->getBlockDiagram() : nullptr;
+}
+
+BKRootBD* rootOfExecuting(BKExecBD* executing) {
+  return executing ? rootOfCompiled(executing->getCompBD()) : nullptr;
+}
+
+std::string uniqueDataStoreSetting(BKRootBD* diagram) {
+  ConfigSet* set = BDConfigSetInfo::get(diagram).getActiveSetObject();
+  if (!set) return "";
+  const BlockParamValue* value = set->getProp("UniqueDataStoreMsg");
+  const std::string* text = value ? std::get_if<std::string>(value) : nullptr;
+  return text ? *text : "";
+}
+
+void callDiagramFunction(const char* function, const std::wstring& diagramName) {
+  std::vector<nxArray> results;
+  std::vector<nxArray> args{nxArray::charRow(std::u16string_view(toBksv(diagramName)))};
+  // A failing setup or cleanup function must not stop the engine: its diagnostic is dropped.
+  bksvDiagnosticPtr diagnostic = bksvFEVAL_NoThrow(0, results, function, args);
+  (void)diagnostic;
+}
+
+}  // namespace bkedittimecheck

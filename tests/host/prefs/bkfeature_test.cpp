@@ -1,0 +1,61 @@
+#include "host/prefs/bkfeature.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+
+#include "host/prefs/bkfeatureregistry.h"
+
+namespace {
+
+// Defined the way a module defines its flags: a static object and an exported pointer.
+BkFeature authoringFeature("BlockConstraintCheckAuthoring",
+                           "Block Constraint Check Authoring for Edit-time Checking",
+                           "src/edittimeengine", "BkCheck", 974268, 1, 0);
+BkFeature* BKFEAT_Test = &authoringFeature;
+
+TEST(BkFeatureTest, LevelDecidesAndEveryReadCounts) {
+  EXPECT_EQ(BKFEAT_Test->name(), "BlockConstraintCheckAuthoring");
+  EXPECT_EQ(BKFEAT_Test->area(), "BkCheck");
+  EXPECT_EQ(BKFEAT_Test->number(), 974268);
+  EXPECT_EQ(BKFEAT_Test->defaultLevel(), 1);
+  EXPECT_EQ(BKFEAT_Test->accessCount(), 0u);
+  EXPECT_TRUE(BKFEAT_Test->isOn());
+  EXPECT_TRUE(static_cast<bool>(*BKFEAT_Test));
+  EXPECT_EQ(BKFEAT_Test->getLevel(), 1);
+  EXPECT_EQ(BKFEAT_Test->accessCount(), 3u);
+
+  BKFEAT_Test->setLevel(0);
+  EXPECT_FALSE(BKFEAT_Test->isOn());
+  BKFEAT_Test->setLevel(2);
+  EXPECT_TRUE(BKFEAT_Test->isOn());
+  BKFEAT_Test->setLevel(-1);
+  EXPECT_FALSE(BKFEAT_Test->isOn());
+  EXPECT_EQ(BKFEAT_Test->peekLevel(), -1);
+  EXPECT_EQ(BKFEAT_Test->accessCount(), 6u);  // peekLevel does not count
+}
+
+TEST(BkFeatureTest, TheRegistryFindsLiveFlagsByNameAndRemembersEarlyLevels) {
+  EXPECT_EQ(BkFeatureRegistry::find("BlockConstraintCheckAuthoring"), BKFEAT_Test);
+  EXPECT_EQ(BkFeatureRegistry::find("NoSuchFeature"), nullptr);
+  EXPECT_TRUE(BkFeatureRegistry::setLevel("BlockConstraintCheckAuthoring", 0));
+  EXPECT_EQ(BkFeatureRegistry::level("BlockConstraintCheckAuthoring"), 0);
+  EXPECT_FALSE(BKFEAT_Test->isOn());
+  EXPECT_EQ(BKFEAT_Test->accessCount(), 1u);  // registry reads do not count
+
+  // A level set before the flag exists is given to it when it is made.
+  EXPECT_FALSE(BkFeatureRegistry::setLevel("LateFeature", 0));
+  EXPECT_EQ(BkFeatureRegistry::level("LateFeature"), std::nullopt);
+  {
+    BkFeature late("LateFeature", "", "", "", 1, 1, 0);
+    EXPECT_FALSE(late.isOn());
+    EXPECT_EQ(BkFeatureRegistry::names(),
+              (std::vector<std::string>{"BlockConstraintCheckAuthoring", "LateFeature"}));
+  }
+  // A flag that is gone leaves the registry.
+  EXPECT_EQ(BkFeatureRegistry::find("LateFeature"), nullptr);
+  EXPECT_THROW(BkFeatureRegistry::setLevel("", 1), std::invalid_argument);
+}
+
+}  // namespace
