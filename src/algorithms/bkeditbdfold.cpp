@@ -79,7 +79,8 @@ void bkEditBD::processChanges() {
   }
 
   SubsysNameChange nameChange;
-  while (subsysNameChanges.try_pop(nameChange)) renameBlocks(nameChange.oldPath, nameChange.newPath);
+  while (subsysNameChanges.try_pop(nameChange))
+    renameBlocks(nameChange.oldPath, nameChange.newPath);
 
   MaskedBlock masked;
   while (maskedBlocks.try_pop(masked)) {
@@ -89,7 +90,9 @@ void bkEditBD::processChanges() {
   StateRWOwnerPathChange ownerChange;
   while (stateRWOwnerPathChanges.try_pop(ownerChange)) {
     for (auto& [handle, block] : blocks) {
-      if ((block->getBlockKind() != 123 && block->getBlockKind() != 125) || !block->getDefaultEditBlock()) continue;
+      if ((block->getBlockKind() != 123 && block->getBlockKind() != 125) ||
+          !block->getDefaultEditBlock())
+        continue;
       if (block->getDefaultEditBlock()->ownerBlockId != ownerChange.blockId) continue;
       block->getDefaultEditBlock()->stringParam0 =
           ownerChange.isAdded ? toNarrow(ownerChange.path) : "NoOwner";
@@ -142,7 +145,8 @@ void bkEditBD::syncCommentedSubsystems(bool renamed) {
     } else {
       database->markCommentedUnder(entry.pathWithSlash, entry.isAdded);
       for (auto& [handle, block] : blocks) {
-        if (contains(block->getFullPath(), entry.pathWithSlash)) block->setIsCommented(entry.isAdded);
+        if (contains(block->getFullPath(), entry.pathWithSlash))
+          block->setIsCommented(entry.isAdded);
       }
     }
     it = entry.isAdded ? std::next(it) : subsysMap.erase(it);

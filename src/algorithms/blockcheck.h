@@ -1,9 +1,8 @@
 #pragma once
 
+#include <boost/property_tree/ptree.hpp>
 #include <string>
 #include <vector>
-
-#include <boost/property_tree/ptree.hpp>
 
 #include "src/algorithms/edittimealgorithms.h"
 

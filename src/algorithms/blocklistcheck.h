@@ -1,10 +1,9 @@
 #pragma once
 
+#include <boost/property_tree/ptree.hpp>
 #include <map>
 #include <string>
 #include <vector>
-
-#include <boost/property_tree/ptree.hpp>
 
 #include "src/algorithms/blockcheck.h"
 

@@ -8,8 +8,8 @@
 
 namespace bkedittimecheck {
 
-/// "orvanta.kabe.kb_0401": a shown block name on the non-default side of its block. Severity 3; the violation type is "BlockNamePosition". Reads only the scope pair. Worker thread
-/// only.
+/// "orvanta.kabe.kb_0401": a shown block name on the non-default side of its block. Severity 3; the
+/// violation type is "BlockNamePosition". Reads only the scope pair. Worker thread only.
 class BlockNamePosition : public BlockCheck {
  public:
   /// Any thread. Never throws beyond allocation.

@@ -8,7 +8,9 @@
 
 namespace bkedittimecheck {
 
-/// "orvanta.kabe.kb_0402": prohibited characters in block names; ports and plain subsystems are left to their own checks. Severity 3; the violation type is "BlockNameViolation". Worker thread only.
+/// "orvanta.kabe.kb_0402": prohibited characters in block names; ports and plain subsystems are
+/// left to their own checks. Severity 3; the violation type is "BlockNameViolation". Worker thread
+/// only.
 class BlockNameViolation : public NameCheck {
  public:
   /// Any thread. Never throws beyond allocation.

@@ -11,7 +11,7 @@ BlockOrientation::BlockOrientation(std::wstring diagramName, std::uint32_t sever
 
 Verdict BlockOrientation::decideOne(const bkEditBlock& block) const {
   return block.getBlockKind() == 131 && block.getRaEditBlock()->orientation != 0 ? Verdict::Add
-                                                                       : Verdict::Remove;
+                                                                                 : Verdict::Remove;
 }
 
 }  // namespace bkedittimecheck

@@ -8,8 +8,8 @@
 
 namespace bkedittimecheck {
 
-/// "orvanta.kabe.kb_0403": a subsystem turned away from the default direction. Severity 3; the violation type is "BlockOrientation". Reads only the scope pair. Worker thread
-/// only.
+/// "orvanta.kabe.kb_0403": a subsystem turned away from the default direction. Severity 3; the
+/// violation type is "BlockOrientation". Reads only the scope pair. Worker thread only.
 class BlockOrientation : public BlockCheck {
  public:
   /// Any thread. Never throws beyond allocation.

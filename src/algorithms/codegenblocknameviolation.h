@@ -9,7 +9,8 @@
 
 namespace bkedittimecheck {
 
-/// "orvanta.codegen.BlockNames": names of blocks that code generation accepts, searched line by line. Severity 3; the violation type is "CodegenBlockNameViolation". Worker thread only.
+/// "orvanta.codegen.BlockNames": names of blocks that code generation accepts, searched line by
+/// line. Severity 3; the violation type is "CodegenBlockNameViolation". Worker thread only.
 class CodegenBlockNameViolation : public NameCheck {
  public:
   /// Any thread. Never throws beyond allocation.

@@ -5,8 +5,8 @@
 namespace bkedittimecheck {
 
 FootnoteTags makeCodegenFootnoteTags() {
-  return {"FnNotInsideTrig",   "FnIgnoredCodeGen",  "FnAbsTimeInTrig",
-          "FnReliesOnMemOp",   "FnSuppDependsImpl", "FnSFunMLNotRT"};
+  return {"FnNotInsideTrig", "FnIgnoredCodeGen",  "FnAbsTimeInTrig",
+          "FnReliesOnMemOp", "FnSuppDependsImpl", "FnSFunMLNotRT"};
 }
 
 FootnoteTags makeProductionFootnoteTags() { return {"FnSuppDependsImpl"}; }

@@ -1,10 +1,9 @@
 #include "src/algorithms/namecheck.h"
 
-#include <cstring>
-#include <vector>
-
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/split.hpp>
+#include <cstring>
+#include <vector>
 
 namespace bkedittimecheck {
 
@@ -34,9 +33,7 @@ bool NameCheck::searchWhole(const boost::regex& expression, const std::string& n
   return boost::regex_search(text, text + std::strlen(text), expression);
 }
 
-bool NameCheck::wantsParameters() const {
-  return pattern().empty() || inputParametersChanged();
-}
+bool NameCheck::wantsParameters() const { return pattern().empty() || inputParametersChanged(); }
 
 void NameCheck::readParameters(const boost::property_tree::ptree& configuration) {
   readProhibitedNamePattern(configuration);

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <boost/property_tree/ptree.hpp>
 #include <boost/regex.hpp>
+#include <string>
 
 #include "src/algorithms/blockcheck.h"
 

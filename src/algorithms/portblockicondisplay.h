@@ -8,8 +8,8 @@
 
 namespace bkedittimecheck {
 
-/// "orvanta.kabe.kb_0404": what the icon of an Inport (66) or Outport (88) shows. Severity 3; the violation type is "PortBlockIconDisplay". Reads only the scope pair. Worker thread
-/// only.
+/// "orvanta.kabe.kb_0404": what the icon of an Inport (66) or Outport (88) shows. Severity 3; the
+/// violation type is "PortBlockIconDisplay". Reads only the scope pair. Worker thread only.
 class PortBlockIconDisplay : public BlockCheck {
  public:
   /// Any thread. Never throws beyond allocation.

@@ -8,7 +8,8 @@
 
 namespace bkedittimecheck {
 
-/// "orvanta.kabe.kb_0405": names of port blocks (kinds 66, 67, 88), searched whole. Severity 3; the violation type is "PortNameViolation". Worker thread only.
+/// "orvanta.kabe.kb_0405": names of port blocks (kinds 66, 67, 88), searched whole. Severity 3; the
+/// violation type is "PortNameViolation". Worker thread only.
 class PortNameViolation : public NameCheck {
  public:
   /// Any thread. Never throws beyond allocation.

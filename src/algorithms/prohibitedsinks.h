@@ -8,9 +8,9 @@
 
 namespace bkedittimecheck {
 
-/// "orvanta.kabe.kb_0408": sink whose type and mask type stand on a configured list, which is prohibited or,
-/// with "Treat blocktype list as" "Allowed", the only allowed one. Severity 3; the violation type
-/// is "ProhibitedSinks". Worker thread only.
+/// "orvanta.kabe.kb_0408": sink whose type and mask type stand on a configured list, which is
+/// prohibited or, with "Treat blocktype list as" "Allowed", the only allowed one. Severity 3; the
+/// violation type is "ProhibitedSinks". Worker thread only.
 class ProhibitedSinks : public BlockListCheck {
  public:
   /// Any thread. Never throws beyond allocation.

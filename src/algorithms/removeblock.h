@@ -7,7 +7,8 @@
 
 namespace bkedittimecheck {
 
-/// "internal.RemoveBlock", plumbing of every run: forgets the deleted blocks of the diagram and their violations: bkEditBD::processDeletions. It stands in every table ahead of the real checks,
+/// "internal.RemoveBlock", plumbing of every run: forgets the deleted blocks of the diagram and
+/// their violations: bkEditBD::processDeletions. It stands in every table ahead of the real checks,
 /// reports nothing and is never selected. Worker thread only.
 class RemoveBlock : public EditTimeAlgorithms {
  public:

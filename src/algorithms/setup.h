@@ -7,7 +7,8 @@
 
 namespace bkedittimecheck {
 
-/// "internal.DBsetup", plumbing of every run: folds the queues of the main thread into the worker-side maps: bkEditBD::processChanges. It stands in every table ahead of the real checks,
+/// "internal.DBsetup", plumbing of every run: folds the queues of the main thread into the
+/// worker-side maps: bkEditBD::processChanges. It stands in every table ahead of the real checks,
 /// reports nothing and is never selected. Worker thread only.
 class Setup : public EditTimeAlgorithms {
  public:

@@ -8,7 +8,8 @@
 
 namespace bkedittimecheck {
 
-/// "orvanta.kabe.kb_0406": names of plain subsystems that are not inlined or packaged as functions. Severity 3; the violation type is "SubsystemNameViolation". Worker thread only.
+/// "orvanta.kabe.kb_0406": names of plain subsystems that are not inlined or packaged as functions.
+/// Severity 3; the violation type is "SubsystemNameViolation". Worker thread only.
 class SubsystemNameViolation : public NameCheck {
  public:
   /// Any thread. Never throws beyond allocation.

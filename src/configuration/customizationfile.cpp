@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <system_error>
 
-
 namespace bkedittimecheck {
 
 std::wstring installedCustomizationFile(const std::wstring& installationRoot) {

@@ -1,11 +1,10 @@
 #include "src/configuration/edittimecheckselector.h"
 
+#include <boost/property_tree/xml_parser.hpp>
 #include <filesystem>
 #include <fstream>
 #include <mutex>
 #include <utility>
-
-#include <boost/property_tree/xml_parser.hpp>
 
 #include "src/algorithms/edittimealgorithms.h"
 #include "src/configuration/customizationfile.h"

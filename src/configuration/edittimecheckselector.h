@@ -1,9 +1,8 @@
 #pragma once
 
+#include <boost/property_tree/ptree.hpp>
 #include <map>
 #include <string>
-
-#include <boost/property_tree/ptree.hpp>
 
 namespace bkedittimecheck {
 

@@ -39,8 +39,8 @@ using ViolationExcluded = std::function<bool(double handle, const EditTimeViolat
 class EditTimeStyling {
  public:
   /// Main thread. Keeps references to all four; they must outlive the object.
-  EditTimeStyling(ViolationDatabase& violations, diagram::style::Styler& styler,
-                  BlockAlive isAlive, ViolationExcluded isExcluded);
+  EditTimeStyling(ViolationDatabase& violations, diagram::style::Styler& styler, BlockAlive isAlive,
+                  ViolationExcluded isExcluded);
   EditTimeStyling(const EditTimeStyling&) = delete;
   EditTimeStyling& operator=(const EditTimeStyling&) = delete;
 

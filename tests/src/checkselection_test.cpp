@@ -1,13 +1,12 @@
-#include "src/configuration/customizationfile.h"
-
 #include <gtest/gtest.h>
 
+#include <boost/property_tree/ptree.hpp>
+#include <boost/property_tree/xml_parser.hpp>
 #include <map>
 #include <sstream>
 #include <string>
 
-#include <boost/property_tree/ptree.hpp>
-#include <boost/property_tree/xml_parser.hpp>
+#include "src/configuration/customizationfile.h"
 
 namespace bkedittimecheck {
 namespace {
@@ -40,7 +39,8 @@ TEST(EditTimeCheckSelectorTest, SelectionMapOfOddFiles) {
        "<Check><ID>b</ID><Selected>true</Selected></Check>",
        {{"b", true}}},
       {"ID behind Selected lands under the empty ID",
-       "<Check><Selected>true</Selected><ID>c</ID></Check>", {{"", true}}},
+       "<Check><Selected>true</Selected><ID>c</ID></Check>",
+       {{"", true}}},
       {"no Selected means not selected", "<Check><ID>d</ID></Check>", {{"d", false}}},
       {"only the exact text true selects",
        "<Check><ID>e</ID><Selected>True</Selected></Check>"
@@ -48,12 +48,12 @@ TEST(EditTimeCheckSelectorTest, SelectionMapOfOddFiles) {
        "<Check><ID>g</ID><Selected>false</Selected></Check>",
        {{"e", false}, {"f", false}, {"g", false}}},
       {"comments are dropped",
-       "<Check><!-- x --><ID>h</ID><!-- y --><Selected>true</Selected></Check>", {{"h", true}}},
+       "<Check><!-- x --><ID>h</ID><!-- y --><Selected>true</Selected></Check>",
+       {{"h", true}}},
   };
   for (const auto& c : cases) {
-    const pt::ptree tree =
-        parse(std::string("<RAConfiguration><CheckCellArray>") + c.cells +
-              "</CheckCellArray></RAConfiguration>");
+    const pt::ptree tree = parse(std::string("<RAConfiguration><CheckCellArray>") + c.cells +
+                                 "</CheckCellArray></RAConfiguration>");
     EXPECT_EQ(selectionFromTree(tree), c.expected) << c.what;
   }
 }
@@ -67,9 +67,10 @@ TEST(EditTimeCheckSelectorTest, InstalledFileListsEveryCheckOfTheTable) {
   const std::wstring file = installedCustomizationFile(L"" BKETC_RESOURCE_DIR);
   ASSERT_EQ(chooseCustomizationFile(L"", L"", L"" BKETC_RESOURCE_DIR), file);
   pt::ptree tree;
-  pt::read_xml(std::string(BKETC_RESOURCE_DIR) +
-                   "/toolbox/blockara/blockara/ruleauditor/resources/edittimecheckcustomization.xml",
-               tree, pt::xml_parser::no_comments);
+  pt::read_xml(
+      std::string(BKETC_RESOURCE_DIR) +
+          "/toolbox/blockara/blockara/ruleauditor/resources/edittimecheckcustomization.xml",
+      tree, pt::xml_parser::no_comments);
   const Selection selection = selectionFromTree(tree);
   for (const char* id :
        {"orvanta.kabe.kb_0401", "orvanta.kabe.kb_0407", "orvanta.kabe.kb_0408",

@@ -16,7 +16,8 @@ class CustomizationFileTest : public ::testing::Test {
  protected:
   void SetUp() override {
     base = fs::temp_directory_path() /
-           ("bketc_custom_" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+           ("bketc_custom_" +
+            std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
     fs::remove_all(base);
     fs::create_directories(base / "prefs");
     fs::create_directories(base / "root");
@@ -35,8 +36,9 @@ TEST_F(CustomizationFileTest, PreferenceFileWinsOverGivenPathWhichWinsOverInstal
   const fs::path preference = base / "prefs" / "edittimecheckcustomization.xml";
   const fs::path given = base / "given.xml";
   const fs::path installed = installedCustomizationFile((base / "root").wstring());
-  EXPECT_EQ(fs::path(installed),
-            base / "root/toolbox/blockara/blockara/ruleauditor/resources/edittimecheckcustomization.xml");
+  EXPECT_EQ(
+      fs::path(installed),
+      base / "root/toolbox/blockara/blockara/ruleauditor/resources/edittimecheckcustomization.xml");
 
   const auto choose = [&](const fs::path& givenPath) {
     return chooseCustomizationFile((base / "prefs").wstring(), givenPath.wstring(),

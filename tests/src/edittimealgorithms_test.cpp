@@ -2,10 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <boost/property_tree/xml_parser.hpp>
 #include <sstream>
 #include <string>
-
-#include <boost/property_tree/xml_parser.hpp>
 
 namespace bkedittimecheck {
 namespace {

@@ -16,7 +16,8 @@ namespace {
 namespace ds = diagram::style;
 
 std::shared_ptr<EditTimeViolation> record(double handle, std::uint32_t severity,
-                                          const std::string& checkId = "c", bool commented = false) {
+                                          const std::string& checkId = "c",
+                                          bool commented = false) {
   auto v = std::make_shared<EditTimeViolation>(checkId, "T", severity, handle);
   v->isCommented = commented ? 1 : 0;
   return v;
@@ -26,8 +27,9 @@ class EditTimeStylerTest : public ::testing::Test {
  protected:
   EditTimeStylerTest()
       : styler(*createEditTimeStyler()),
-        styling(store, styler, [this](double h) { return dead.count(h) == 0; },
-                [this](double, const EditTimeViolation& v) { return excluded.count(v.checkId) > 0; }) {}
+        styling(
+            store, styler, [this](double h) { return dead.count(h) == 0; },
+            [this](double, const EditTimeViolation& v) { return excluded.count(v.checkId) > 0; }) {}
 
   std::vector<std::wstring> classes(double handle) const { return styler.classesOf(handle); }
 
@@ -56,17 +58,17 @@ TEST_F(EditTimeStylerTest, StylingPassStepOrder) {
   styling.applyStyling();  // an empty store calls the service not at all
   EXPECT_EQ(styler.applyCalls() + styler.removeCalls(), 0u);
 
-  store.add(record(1, 0));                   // edit-time warning
-  store.add(record(2, 1));                   // edit-time error
-  store.add(record(3, 3));                   // rule-auditor warning
-  store.add(record(4, 3, "ex"));             // exempted rule-auditor warning
-  store.add(record(5, 0));                   // edit-time warning and exempted auditor warning
+  store.add(record(1, 0));        // edit-time warning
+  store.add(record(2, 1));        // edit-time error
+  store.add(record(3, 3));        // rule-auditor warning
+  store.add(record(4, 3, "ex"));  // exempted rule-auditor warning
+  store.add(record(5, 0));        // edit-time warning and exempted auditor warning
   store.add(record(5, 3, "ex"));
-  store.add(record(6, 4, "ex"));             // exempted rule-auditor error
-  store.add(record(7, 4));                   // rule-auditor error
-  store.add(record(8, 0, "c", true));        // commented edit-time warning
-  store.add(record(9, 5));                   // severity 5 takes part in no step
-  store.add(record(10, 3));                  // a block deleted since
+  store.add(record(6, 4, "ex"));       // exempted rule-auditor error
+  store.add(record(7, 4));             // rule-auditor error
+  store.add(record(8, 0, "c", true));  // commented edit-time warning
+  store.add(record(9, 5));             // severity 5 takes part in no step
+  store.add(record(10, 3));            // a block deleted since
   excluded = {"ex"};
   dead = {10};
   styling.applyStyling();
@@ -113,7 +115,7 @@ TEST_F(EditTimeStylerTest, RemovalPassByCode) {
 
   fill();
   styling.removeStyling(11);
-  EXPECT_EQ(classes(3), Classes{L"Warn"});  // the rule-auditor error's "Warn" is not touched
+  EXPECT_EQ(classes(3), Classes{L"Warn"});      // the rule-auditor error's "Warn" is not touched
   EXPECT_EQ(store.violationsOf(3).size(), 1u);  // one error per call
 
   fill();
