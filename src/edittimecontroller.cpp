@@ -9,6 +9,7 @@
 #include "src/hostinterface.h"
 #include "src/profiler.h"
 #include "src/violationdatabase.h"
+#include "src/workerthread/asynctaskmanager.h"
 
 namespace bkedittimecheck {
 
@@ -139,6 +140,28 @@ std::vector<std::shared_ptr<EditTimeEngine>> EditTimeController::closingEnginesO
   std::lock_guard<std::mutex> lock(closingMutex);
   auto it = closingEngines.find(name);
   return it == closingEngines.end() ? std::vector<std::shared_ptr<EditTimeEngine>>{} : it->second;
+}
+
+bool EditTimeController::hasNoPendingWork() const {
+  auto atRest = [](const std::shared_ptr<EditTimeEngine>& engine) {
+    return engine->queuedCount() == 0 && !engine->hasUnstyledPasses();
+  };
+  {
+    std::lock_guard<std::mutex> lock(enginesMutex);
+    for (const auto& [name, engine] : engines) {
+      if (!atRest(engine)) return false;
+    }
+  }
+  std::lock_guard<std::mutex> lock(closingMutex);
+  for (const auto& [name, list] : closingEngines) {
+    if (!std::all_of(list.begin(), list.end(), atRest)) return false;
+  }
+  return true;
+}
+
+bool isQuiescent() {
+  if (AsyncTaskManager::outstandingCount() != 0) return false;
+  return theController == nullptr || theController->hasNoPendingWork();
 }
 
 void EditTimeController::scheduleFollowUp(const std::wstring& name) {

@@ -14,6 +14,7 @@ struct PluginChangeReport;
 namespace bkedittimecheck {
 
 class bkEditBD;
+class EditTimeStyling;
 class ViolationDatabase;
 
 /// The checking engine of one open diagram. It turns each host event into snapshots on the
@@ -126,6 +127,7 @@ class EditTimeEngine {
   std::uint32_t id;
   std::shared_ptr<ViolationDatabase> violations;
   std::shared_ptr<bkEditBD> data;
+  std::unique_ptr<EditTimeStyling> styling;  // main thread; refers to `violations`
   bool auditorMode;
 };
 

@@ -3,48 +3,29 @@
 #include "src/bkeditbd.h"
 #include "src/edittimeengine.h"
 #include "src/hostinterface.h"
+#include "src/presentation/edittimestyler.h"
 #include "src/profiler.h"
 #include "src/violationdatabase.h"
 
 namespace bkedittimecheck {
 
-namespace {
-
-const char* categoryWord(std::uint32_t severity) {
-  switch (severity) {
-    case 1:
-      return "EDITTIME_ERROR";
-    case 3:
-      return "RAWARNING";
-    case 4:
-      return "RAERROR";
-    default:
-      return "EDITTIME_WARNING";
-  }
-}
-
-}  // namespace
 
 void EditTimeEngine::connectStudioListeners() {
   // Studio listeners are connected here once the host offers its active-editor event service.
 }
 
-void EditTimeEngine::removeStyling(const std::wstring& /*name*/, int /*code*/) {
+void EditTimeEngine::removeStyling(const std::wstring& /*name*/, int code) {
   Profiler profiler("ENGINE", "REMOVESTYLING");
-  violations->dropDeadBlocks([](double handle) { return handle2Block(handle) != nullptr; });
+  styling->removeStyling(static_cast<std::uint32_t>(code));
 }
 
-void EditTimeEngine::applyStyling() { Profiler profiler("ENGINE", "Styling"); }
+void EditTimeEngine::applyStyling() {
+  Profiler profiler("ENGINE", "Styling");
+  styling->applyStyling();
+}
 
 std::vector<std::string> EditTimeEngine::getBlockViolationStrings(double blockHandle) const {
-  std::vector<std::string> out;
-  if (!handle2Block(blockHandle)) return out;
-  for (const EditTimeViolation& v : violations->violationsOf(blockHandle)) {
-    out.push_back(v.violationType);
-    out.push_back(v.checkId);
-    out.push_back(categoryWord(v.severity));
-  }
-  return out;
+  return styling->getBlockViolationStrings(blockHandle);
 }
 
 void EditTimeEngine::cleanupOnModelClose() {

@@ -30,7 +30,9 @@ bool NameCheck::searchByLines(const boost::regex& expression, const std::string&
 
 bool NameCheck::searchWhole(const boost::regex& expression, const std::string& name) {
   const char* text = name.c_str();
-  return boost::regex_search(text, text + std::strlen(text), expression);
+  // The name is one piece here: "^" stands only at its start, not after a line break inside it.
+  return boost::regex_search(text, text + std::strlen(text), expression,
+                             boost::match_default | boost::match_single_line);
 }
 
 bool NameCheck::wantsParameters() const { return pattern().empty() || inputParametersChanged(); }
