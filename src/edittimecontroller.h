@@ -114,6 +114,10 @@ class EditTimeController : public ncos::Wrappable {
       closingEngines;  // guarded by closingMutex
 };
 
+/// Any thread. Drops a reference to an engine on the main thread: at once there, otherwise
+/// through the main loop, so that an engine is never destroyed on the worker.
+void releaseOnMainThread(std::shared_ptr<EditTimeEngine> engine);
+
 /// Main thread. True when the engine is at rest: no engine, live or closing, has checks queued or
 /// passes unstyled, and the worker has no item queued or running. Makes nothing that does not
 /// exist yet. A check that threw keeps its engine's count raised, so that engine never rests.

@@ -1,5 +1,9 @@
 // The engine's styling, scan and clean-up steps: the parts of EditTimeEngine that talk to the
 // styling service, the cooperative tasks and the host language.
+#include <mutex>
+#include <shared_mutex>
+
+#include "host/studio/studioapp.h"
 #include "src/bkeditbd.h"
 #include "src/edittimeengine.h"
 #include "src/hostinterface.h"
@@ -11,7 +15,19 @@ namespace bkedittimecheck {
 
 
 void EditTimeEngine::connectStudioListeners() {
-  // Studio listeners are connected here once the host offers its active-editor event service.
+  namespace connections = Blockara::connections;
+  connections::ConnectionService& service = connections::ConnectionService::instance();
+  for (Blockara::StudioApp* studio : Blockara::StudioApp::getAllStudioAppsFor(diagram->getHandle())) {
+    std::shared_ptr<const connections::NamedThread> thread = service.getNamedThread("Numeria");
+    auto& events = studio->activeEditorChangedEventService();
+    std::unique_lock<std::shared_mutex> lock(service.globalWriteLock());
+    // No test for an earlier connection: a studio reached twice delivers twice.
+    events.connect(this, &EditTimeEngine::activeEditorChanged, thread)->enable();
+  }
+}
+
+void EditTimeEngine::activeEditorChanged(const Blockara::ActiveEditorChangedEvent& /*event*/) {
+  viewChanged();
 }
 
 void EditTimeEngine::removeStyling(const std::wstring& /*name*/, int code) {

@@ -19,6 +19,11 @@ void ThreadedDataAnalyzer::run(void* /*context*/) {
   const std::wstring name = algorithm->getDiagramName();
   EditTimeController& controller = EditTimeController::instance();
   std::shared_ptr<EditTimeEngine> engine = controller.findEngine(name);
+  // The main thread may close the engine meanwhile; its end then belongs to the main thread.
+  struct Release {
+    std::shared_ptr<EditTimeEngine>& engine;
+    ~Release() { releaseOnMainThread(std::move(engine)); }
+  } release{engine};
   if (!engine || engine->engineId() != engineId) {
     controller.forgetClosingEngine(name, engineId);
     return;
