@@ -62,13 +62,33 @@ class bkEditBD {
   /// Main thread. Mask kind of a subsystem block: 1 none, 4 initialization set, else 2 or 3.
   static std::int32_t maskKindOf(BKBlock* block);
 
+  /// Worker. True when a check with these scope parameters must pass `block` by: a linked block
+  /// when `skipLinkedBlocks` is 1, or a block under a mask that `lookUnderMasks` (1 to 3) excludes.
+  bool isOutsideScope(const bkEditBlock& block, std::int32_t skipLinkedBlocks,
+                      std::int32_t lookUnderMasks) const;
+
+  /// Worker. Pops `deletedHandles`, dropping each block and its records. Without a store for this
+  /// diagram the queue is left as it is.
+  void processDeletions();
+
+  /// Worker. Folds the subsystem, rename, mask, state owner and snapshot queues into the
+  /// worker-side maps, in that order.
+  void processChanges();
+
+  /// Worker. Rewrites the paths of the blocks that lie under `oldPath`.
+  void renameBlocks(const std::wstring& oldPath, const std::wstring& newPath);
+
+  /// Worker. Carries the commented state of the subsystems in `subsysMap` into the store and the
+  /// block map; `renamed` moves paths instead. Drops entries that are no longer commented.
+  void syncCommentedSubsystems(bool renamed);
+
   // ---- identity
   const std::wstring name;
 
   // ---- worker
   std::map<double, std::shared_ptr<bkEditBlock>> blocks;
   std::map<std::wstring, std::int32_t> maskKinds;
-  std::map<double, std::pair<std::wstring, std::wstring>> subsysMap;
+  std::map<double, Blkproperties> subsysMap;
 
   // ---- main (copied at construction and by `refreshDataStoreSetting`)
   std::string uniqueDataStoreMsg;

@@ -4,11 +4,13 @@
 #include <iostream>
 
 #include "host/signals/pluginchangereport.h"
+#include "host/runtime/eventloop.h"
 #include "src/bkeditbd.h"
 #include "src/edittimeengine.h"
 #include "src/hostinterface.h"
 #include "src/profiler.h"
 #include "src/violationdatabase.h"
+#include "src/workerthread/asynctaskmanager.h"
 
 namespace bkedittimecheck {
 
@@ -121,17 +123,21 @@ void EditTimeController::retireClosingEngine(const std::wstring& name, std::uint
 
 void EditTimeController::forgetClosingEngine(const std::wstring& name, std::uint32_t engineId) {
   std::shared_ptr<EditTimeEngine> dying;
-  std::lock_guard<std::mutex> lock(closingMutex);
-  auto it = closingEngines.find(name);
-  if (it == closingEngines.end()) return;
-  auto& list = it->second;
-  auto e = std::find_if(list.begin(), list.end(),
-                        [&](const auto& x) { return x->engineId() == engineId; });
-  if (e != list.end()) {
-    dying = *e;
-    list.erase(e);
+  {
+    std::lock_guard<std::mutex> lock(closingMutex);
+    auto it = closingEngines.find(name);
+    if (it == closingEngines.end()) return;
+    auto& list = it->second;
+    auto e = std::find_if(list.begin(), list.end(),
+                          [&](const auto& x) { return x->engineId() == engineId; });
+    if (e != list.end()) {
+      dying = *e;
+      list.erase(e);
+    }
+    if (list.empty()) closingEngines.erase(it);
   }
-  if (list.empty()) closingEngines.erase(it);
+  // The worker calls this; the engine must end on the main thread.
+  releaseOnMainThread(std::move(dying));
 }
 
 std::vector<std::shared_ptr<EditTimeEngine>> EditTimeController::closingEnginesOf(
@@ -139,6 +145,35 @@ std::vector<std::shared_ptr<EditTimeEngine>> EditTimeController::closingEnginesO
   std::lock_guard<std::mutex> lock(closingMutex);
   auto it = closingEngines.find(name);
   return it == closingEngines.end() ? std::vector<std::shared_ptr<EditTimeEngine>>{} : it->second;
+}
+
+bool EditTimeController::hasNoPendingWork() const {
+  auto atRest = [](const std::shared_ptr<EditTimeEngine>& engine) {
+    return engine->queuedCount() == 0 && !engine->hasUnstyledPasses();
+  };
+  {
+    std::lock_guard<std::mutex> lock(enginesMutex);
+    for (const auto& [name, engine] : engines) {
+      if (!atRest(engine)) return false;
+    }
+  }
+  std::lock_guard<std::mutex> lock(closingMutex);
+  for (const auto& [name, list] : closingEngines) {
+    if (!std::all_of(list.begin(), list.end(), atRest)) return false;
+  }
+  return true;
+}
+
+void releaseOnMainThread(std::shared_ptr<EditTimeEngine> engine) {
+  if (!engine) return;
+  blockara::EventLoop& loop = blockara::EventLoop::instance();
+  if (loop.isMainThread()) return;
+  loop.post([last = std::move(engine)] {});
+}
+
+bool isQuiescent() {
+  if (AsyncTaskManager::outstandingCount() != 0) return false;
+  return theController == nullptr || theController->hasNoPendingWork();
 }
 
 void EditTimeController::scheduleFollowUp(const std::wstring& name) {

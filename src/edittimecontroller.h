@@ -93,6 +93,9 @@ class EditTimeController : public ncos::Wrappable {
   /// Worker or main thread. Drops a closing engine of that id, whatever its passes.
   void forgetClosingEngine(const std::wstring& name, std::uint32_t engineId);
 
+  /// Main thread. True when no engine, live or closing, has checks queued or passes unstyled.
+  bool hasNoPendingWork() const;
+
   /// Main thread. The engines awaiting teardown under a name (for diagnostics and tests).
   std::vector<std::shared_ptr<EditTimeEngine>> closingEnginesOf(const std::wstring& name) const;
 
@@ -110,5 +113,14 @@ class EditTimeController : public ncos::Wrappable {
   std::map<std::wstring, std::vector<std::shared_ptr<EditTimeEngine>>>
       closingEngines;  // guarded by closingMutex
 };
+
+/// Any thread. Drops a reference to an engine on the main thread: at once there, otherwise
+/// through the main loop, so that an engine is never destroyed on the worker.
+void releaseOnMainThread(std::shared_ptr<EditTimeEngine> engine);
+
+/// Main thread. True when the engine is at rest: no engine, live or closing, has checks queued or
+/// passes unstyled, and the worker has no item queued or running. Makes nothing that does not
+/// exist yet. A check that threw keeps its engine's count raised, so that engine never rests.
+bool isQuiescent();
 
 }  // namespace bkedittimecheck

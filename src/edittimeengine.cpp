@@ -2,11 +2,29 @@
 
 #include <atomic>
 
+#include "host/prefs/bkfeature.h"
 #include "host/signals/pluginchangereport.h"
 #include "src/bkeditbd.h"
+#include "src/features.h"
 #include "src/hostinterface.h"
+#include "src/presentation/edittimestyler.h"
 #include "src/profiler.h"
 #include "src/violationdatabase.h"
+
+namespace {
+
+BkFeature blockConstraintCheckAuthoring("BlockConstraintCheckAuthoring",
+                                        "Block Constraint Check Authoring for Edit-time Checking",
+                                        "src/edittimeengine", "BkCheck", 974268, 1, 0);
+BkFeature blockParamEditTimeCheckOnCanvas(
+    "BlockParamEditTimeCheckOnCanvas",
+    "Missing variable check for block parameters during edit time", "src/edittimeengine",
+    "Blockara Data Management", 1615926, 1, 0);
+
+}  // namespace
+
+BkFeature* BKFEAT_BlockConstraintCheckAuthoring = &blockConstraintCheckAuthoring;
+BkFeature* BKFEAT_BlockParamEditTimeCheckOnCanvas = &blockParamEditTimeCheckOnCanvas;
 
 namespace bkedittimecheck {
 
@@ -32,6 +50,11 @@ EditTimeEngine::EditTimeEngine(BKRootBD* diagram)
       auditorMode(false) {
   data = std::make_shared<bkEditBD>(diagramName, auditorModeOn(diagram));
   violations = std::make_shared<ViolationDatabase>();
+  // Exclusions arrive with the exclusion manager; until then nothing is exempt.
+  styling = std::make_unique<EditTimeStyling>(
+      *violations, *createEditTimeStyler(),
+      [](double handle) { return handle2Block(handle) != nullptr; },
+      [](double, const EditTimeViolation&) { return false; });
   auditorMode = auditorModeOn(diagram);
   callDiagramFunction("edittime.EditTimeCheckingSetup.setup", diagramName);
   connectStudioListeners();
@@ -172,8 +195,7 @@ void EditTimeEngine::commentStatusChanged(BKBlock* block) {
 }
 
 void EditTimeEngine::removeBlockResults(double blockHandle) {
-  violations->removeAll(blockHandle);
-  if (handle2Block(blockHandle)) removeErrorAndWarnClasses(blockHandle);
+  styling->removeBlockResults(blockHandle);
 }
 
 // ---- switches

@@ -5,15 +5,20 @@
 #include <string>
 #include <vector>
 
+#include "host/studio/connectionservice.h"
 #include "src/algorithmtable.h"
 
 class BKRootBD;
 class BKBlock;
 struct PluginChangeReport;
+namespace Blockara {
+struct ActiveEditorChangedEvent;
+}
 
 namespace bkedittimecheck {
 
 class bkEditBD;
+class EditTimeStyling;
 class ViolationDatabase;
 
 /// The checking engine of one open diagram. It turns each host event into snapshots on the
@@ -22,8 +27,10 @@ class ViolationDatabase;
 ///
 /// Thread contract: every operation belongs to the main thread, except `engineId`,
 /// `queuedCount`, `pendingWork`, `getData` and `getViolations`, which the worker may call on an
-/// engine it holds. `data` and `violations` never change after construction.
-class EditTimeEngine {
+/// engine it holds. `data` and `violations` never change after construction. The engine is a
+/// listener of the studios' connections, which the main thread alone may touch: it must be
+/// destroyed on the main thread (the worker hands its last references to the main loop).
+class EditTimeEngine : public Blockara::connections::Listener {
  public:
   /// Main thread. Sets the engine up for `diagram` (not owned), calls the host-language setup
   /// function (a failure there is dropped), takes the graphs on view and draws a fresh
@@ -60,8 +67,12 @@ class EditTimeEngine {
 
   /// Main thread. The view changed: refresh the graphs on view and run the table with code 2.
   void viewChanged();
-  /// Main thread. Listens to the active-editor events of every studio showing the diagram.
+  /// Main thread. Listens to the active-editor events of every studio showing the diagram: one
+  /// new connection per studio and call, delivered on the thread "Numeria". Throws what the
+  /// connection service throws.
   void connectStudioListeners();
+  /// Main thread ("Numeria"). The target of the studio connections: the view changed.
+  void activeEditorChanged(const Blockara::ActiveEditorChangedEvent& event);
 
   /// Main thread. Takes the style classes of `code` off the blocks.
   void removeStyling(const std::wstring& name, int code);
@@ -126,6 +137,7 @@ class EditTimeEngine {
   std::uint32_t id;
   std::shared_ptr<ViolationDatabase> violations;
   std::shared_ptr<bkEditBD> data;
+  std::unique_ptr<EditTimeStyling> styling;  // main thread; refers to `violations`
   bool auditorMode;
 };
 

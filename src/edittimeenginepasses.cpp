@@ -1,50 +1,47 @@
 // The engine's styling, scan and clean-up steps: the parts of EditTimeEngine that talk to the
 // styling service, the cooperative tasks and the host language.
+#include <mutex>
+#include <shared_mutex>
+
+#include "host/studio/studioapp.h"
 #include "src/bkeditbd.h"
 #include "src/edittimeengine.h"
 #include "src/hostinterface.h"
+#include "src/presentation/edittimestyler.h"
 #include "src/profiler.h"
 #include "src/violationdatabase.h"
 
 namespace bkedittimecheck {
 
-namespace {
-
-const char* categoryWord(std::uint32_t severity) {
-  switch (severity) {
-    case 1:
-      return "EDITTIME_ERROR";
-    case 3:
-      return "RAWARNING";
-    case 4:
-      return "RAERROR";
-    default:
-      return "EDITTIME_WARNING";
-  }
-}
-
-}  // namespace
 
 void EditTimeEngine::connectStudioListeners() {
-  // Studio listeners are connected here once the host offers its active-editor event service.
+  namespace connections = Blockara::connections;
+  connections::ConnectionService& service = connections::ConnectionService::instance();
+  for (Blockara::StudioApp* studio : Blockara::StudioApp::getAllStudioAppsFor(diagram->getHandle())) {
+    std::shared_ptr<const connections::NamedThread> thread = service.getNamedThread("Numeria");
+    auto& events = studio->activeEditorChangedEventService();
+    std::unique_lock<std::shared_mutex> lock(service.globalWriteLock());
+    // No test for an earlier connection: a studio reached twice delivers twice.
+    events.connect(this, &EditTimeEngine::activeEditorChanged, thread)->enable();
+  }
 }
 
-void EditTimeEngine::removeStyling(const std::wstring& /*name*/, int /*code*/) {
+void EditTimeEngine::activeEditorChanged(const Blockara::ActiveEditorChangedEvent& /*event*/) {
+  viewChanged();
+}
+
+void EditTimeEngine::removeStyling(const std::wstring& /*name*/, int code) {
   Profiler profiler("ENGINE", "REMOVESTYLING");
-  violations->dropDeadBlocks([](double handle) { return handle2Block(handle) != nullptr; });
+  styling->removeStyling(static_cast<std::uint32_t>(code));
 }
 
-void EditTimeEngine::applyStyling() { Profiler profiler("ENGINE", "Styling"); }
+void EditTimeEngine::applyStyling() {
+  Profiler profiler("ENGINE", "Styling");
+  styling->applyStyling();
+}
 
 std::vector<std::string> EditTimeEngine::getBlockViolationStrings(double blockHandle) const {
-  std::vector<std::string> out;
-  if (!handle2Block(blockHandle)) return out;
-  for (const EditTimeViolation& v : violations->violationsOf(blockHandle)) {
-    out.push_back(v.violationType);
-    out.push_back(v.checkId);
-    out.push_back(categoryWord(v.severity));
-  }
-  return out;
+  return styling->getBlockViolationStrings(blockHandle);
 }
 
 void EditTimeEngine::cleanupOnModelClose() {

@@ -1,7 +1,17 @@
 #include "src/features.h"
 
-// The flag objects are made by the host's feature service; until it is linked in, the pointers
-// stay null and every read through `featureOn` answers with the default level, on.
-BkFeature* BKFEAT_BlockConstraintCheckAuthoring = nullptr;
-BkFeature* BKFEAT_BlockParamEditTimeCheckOnCanvas = nullptr;
-BkFeature* BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates = nullptr;
+#include "host/prefs/bkfeature.h"
+
+namespace {
+
+// This flag belongs with the chart state port mapping check; it lives here until that check
+// arrives so that the exported pointer exists from load on.
+BkFeature blockaraEditTimeChecksForBlockaraBasedStates(
+    "BlockaraEditTimeChecksForBlockaraBasedStates",
+    "Blockara edit time checks for Blockara based states in Chartelle",
+    "src/algorithms/blockarastateportmappingviolation", "Chartelle [Semantics]", 1588823, 1, 0);
+
+}  // namespace
+
+BkFeature* BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates =
+    &blockaraEditTimeChecksForBlockaraBasedStates;

@@ -1,18 +1,37 @@
-// Host services whose reference implementations are not merged into this branch yet: the
-// preferences and feature flags, the styling service and the asynchronous evaluation bridge.
-// Each answers as the host does by default.
+// The host services that the engine reaches through hostinterface.h: the user's preference, the
+// feature flags, the styling service, the tracer and the asynchronous evaluation bridge.
+#include "host/language/cmddistributor.h"
+#include "host/language/nvm.h"
+#include "host/prefs/bkfeature.h"
+#include "host/prefs/edittimepreferences.h"
+#include "host/style/styler.h"
 #include "host/trace/ptlog.h"
+#include "src/evaluation/feval.h"
 #include "src/hostinterface.h"
+#include "src/presentation/edittimestyler.h"
 
 namespace bkedittimecheck {
 
-bool showEditTimeIssues() { return true; }  // the host's default preference
+bool showEditTimeIssues() { return bk::bkedittimecheck::bkutils::getShowEditTimeIssues(); }
 
-bool featureOn(BkFeature* /*feature*/) { return true; }  // all three flags start at level 1
+bool featureOn(BkFeature* feature) { return feature != nullptr && feature->isOn(); }
 
-void removeErrorAndWarnClasses(double /*handle*/) {}
+void removeErrorAndWarnClasses(double handle) {
+  diagram::style::Styler* styler = createEditTimeStyler();
+  styler->removeClass(handle, L"Error");
+  styler->removeClass(handle, L"Warn");
+}
 
-void postApplyStyle(const std::wstring& /*diagramName*/, std::uint32_t /*engineId*/) {}
+void postApplyStyle(const std::wstring& diagramName, std::uint32_t engineId) {
+  try {
+    // The future is dropped at once: the worker never waits for its styling.
+    postFEval(nvm::Factory::getCurrentLocalMVM(), "edittime.Styler.applyStyle", diagramName,
+              engineId);
+  } catch (const cmddistributor::RuntimeException& error) {
+    (void)error.getMessage();  // styling of this pass is lost; the next pass styles everything
+  } catch (...) {
+  }
+}
 
 void logTracePoint(const std::string& point, bool isStart) {
   ptLogBlockaraData("EDITTIMECHECK", "", "", point, isStart);

@@ -1,18 +1,27 @@
 #include "src/algorithms/edittimealgorithms.h"
 
+#include <map>
 #include <mutex>
 #include <utility>
 
 namespace bkedittimecheck {
-
 namespace {
 
-std::mutex& inputParametersMutex() {
-  static std::mutex m;
-  return m;
+// Shared by all instances and all diagrams: the last reader of a check's entry wins.
+std::map<std::string, CheckScope>& scopes() {  // worker thread only
+  static std::map<std::string, CheckScope> map;
+  return map;
 }
 
-bool inputParametersChangedFlag = false;  // guarded by inputParametersMutex()
+struct ParametersChangedFlag {
+  std::mutex mutex;
+  bool value = false;  // guarded by mutex
+};
+
+ParametersChangedFlag& parametersChanged() {
+  static ParametersChangedFlag flag;
+  return flag;
+}
 
 }  // namespace
 
@@ -27,13 +36,47 @@ void EditTimeAlgorithms::prepare() {}
 bool EditTimeAlgorithms::runCheck() { return true; }
 
 void EditTimeAlgorithms::setInputParametersChanged(bool changed) {
-  std::lock_guard<std::mutex> lock(inputParametersMutex());
-  inputParametersChangedFlag = changed;
+  ParametersChangedFlag& flag = parametersChanged();
+  std::lock_guard<std::mutex> lock(flag.mutex);
+  flag.value = changed;
 }
 
 bool EditTimeAlgorithms::inputParametersChanged() {
-  std::lock_guard<std::mutex> lock(inputParametersMutex());
-  return inputParametersChangedFlag;
+  ParametersChangedFlag& flag = parametersChanged();
+  std::lock_guard<std::mutex> lock(flag.mutex);
+  return flag.value;
 }
+
+CheckScope EditTimeAlgorithms::currentScope() const {
+  const auto it = scopes().find(checkId);
+  return it == scopes().end() ? CheckScope{0, 0} : it->second;
+}
+
+void EditTimeAlgorithms::readInputParameters(const boost::property_tree::ptree& configuration) {
+  CheckScope scope;
+  forEachInputParameter(configuration, [&scope](const std::string& name, const auto& parameter) {
+    for (const auto& [key, value] : parameter) {
+      if (key != "Value") continue;
+      const std::string& text = value.data();
+      if (name == "Follow links") {
+        scope.skipLinkedBlocks = text == "on" ? 0 : 1;
+      } else if (name == "Look under masks") {
+        // Anything the tool does not know, its own "none" included, is the strictest setting.
+        if (text == "all") {
+          scope.lookUnderMasks = 0;
+        } else if (text == "graphical") {
+          scope.lookUnderMasks = 2;
+        } else if (text == "functional") {
+          scope.lookUnderMasks = 3;
+        } else {
+          scope.lookUnderMasks = 1;
+        }
+      }
+    }
+  });
+  scopes()[checkId] = scope;
+}
+
+void EditTimeAlgorithms::clearScopes() { scopes().clear(); }
 
 }  // namespace bkedittimecheck

@@ -1,17 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "src/algorithms/edittimealgorithms.h"
 
 namespace bkedittimecheck {
 
-/// The internal first entry of every table, "internal.RemoveBlock": on the worker it forgets the
-/// blocks whose handles wait on `bkEditBD::deletedHandles`, and their violations.
+/// "internal.RemoveBlock", plumbing of every run: forgets the deleted blocks of the diagram and
+/// their violations: bkEditBD::processDeletions. It stands in every table ahead of the real checks,
+/// reports nothing and is never selected. Worker thread only.
 class RemoveBlock : public EditTimeAlgorithms {
  public:
-  /// Main thread. `severity` is 5 in every table.
+  /// Any thread. Never throws beyond allocation.
   RemoveBlock(std::wstring diagramName, std::uint32_t severity);
+
+  /// Worker thread. False when the diagram has no data; true otherwise.
+  bool runCheck() override;
 };
 
 }  // namespace bkedittimecheck

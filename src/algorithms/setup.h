@@ -1,17 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "src/algorithms/edittimealgorithms.h"
 
 namespace bkedittimecheck {
 
-/// The internal second entry of every table, "internal.DBsetup": on the worker it folds the
-/// queues of `bkEditBD` into its worker-side maps.
+/// "internal.DBsetup", plumbing of every run: folds the queues of the main thread into the
+/// worker-side maps: bkEditBD::processChanges. It stands in every table ahead of the real checks,
+/// reports nothing and is never selected. Worker thread only.
 class Setup : public EditTimeAlgorithms {
  public:
-  /// Main thread. Severity is always 5.
+  /// Any thread. The severity is 5. Never throws beyond allocation.
   explicit Setup(std::wstring diagramName);
+
+  /// Worker thread. Always true; does nothing when the diagram has no data.
+  bool runCheck() override;
 };
 
 }  // namespace bkedittimecheck

@@ -57,6 +57,9 @@ class bkEditBlock {
   void setFullPath(std::wstring path) { fullPath = std::move(path); }
   /// Worker. `Setup` updates the comment state after a subsystem above was (un)commented.
   void setIsCommented(bool commented) { isCommented = commented ? 1 : 0; }
+  /// Any thread. True when the snapshot carries a chart's input data or record; such blocks stay
+  /// in the block map between passes. The chart objects are not captured yet, so always false.
+  bool hasChartData() const { return false; }
   /// Worker. Drops the rule-auditor part between passes.
   void dropRaEditBlock() { raEditBlock.reset(); }
 

@@ -1,8 +1,18 @@
 #include "src/workerthread/asynctaskmanager.h"
 
+#include <atomic>
 #include <vector>
 
 namespace bkedittimecheck {
+namespace {
+
+// Raised before an item is queued and lowered after it ran, so that a reader never sees 0 while
+// an item is on its way or in progress.
+std::atomic<std::int64_t> outstanding{0};
+
+}  // namespace
+
+std::int64_t AsyncTaskManager::outstandingCount() { return outstanding.load(); }
 
 AsyncTaskManager& AsyncTaskManager::instance() {
   static AsyncTaskManager manager;
@@ -14,12 +24,19 @@ AsyncTaskManager::AsyncTaskManager() : blockara::TimerThread(0, 1.0) { start(); 
 AsyncTaskManager::~AsyncTaskManager() {
   stop();
   ConcurrentQueueItem* item = nullptr;
-  while (immediateQueue.try_pop(item)) delete item;
-  while (batchQueue.try_pop(item)) delete item;
+  while (immediateQueue.try_pop(item)) {
+    delete item;
+    outstanding.fetch_sub(1);
+  }
+  while (batchQueue.try_pop(item)) {
+    delete item;
+    outstanding.fetch_sub(1);
+  }
 }
 
 void AsyncTaskManager::enqueue(std::unique_ptr<WorkerQueueFunc> func, bool useBatchQueue) {
   auto* item = new ConcurrentQueueItem{std::move(func)};
+  outstanding.fetch_add(1);
   (useBatchQueue ? batchQueue : immediateQueue).push(item);
 }
 
@@ -31,6 +48,7 @@ void AsyncTaskManager::onTimer() {
     } catch (...) {
     }
     delete item;
+    outstanding.fetch_sub(1);
   }
   std::vector<ConcurrentQueueItem*> batch;
   while (batchQueue.try_pop(item)) batch.push_back(item);
@@ -40,6 +58,7 @@ void AsyncTaskManager::onTimer() {
     } catch (...) {
     }
     delete b;
+    outstanding.fetch_sub(1);
   }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include <tbb/cache_aligned_allocator.h>
@@ -14,7 +15,8 @@ namespace bkedittimecheck {
 /// every queued item in order of arrival.
 ///
 /// Thread contract: `enqueue` from any thread; `onTimer` on the timer thread. The two queues are
-/// lock-free concurrent queues and need no further guard.
+/// lock-free concurrent queues and need no further guard; the count of outstanding items is an
+/// atomic.
 class AsyncTaskManager : public blockara::TimerThread {
  public:
   /// Any thread. The process-wide queue; its thread starts on first use.
@@ -25,6 +27,10 @@ class AsyncTaskManager : public blockara::TimerThread {
   /// Any thread. Takes ownership of `func` and queues it; `useBatchQueue` false selects the
   /// immediate queue, the one this engine uses.
   void enqueue(std::unique_ptr<WorkerQueueFunc> func, bool useBatchQueue);
+
+  /// Any thread. Items queued and not yet finished, over the life of the process; 0 before the
+  /// first item and without making the manager.
+  static std::int64_t outstandingCount();
 
   /// Timer thread. Runs the queued items until both queues are empty; an item that throws is
   /// dropped and the loop goes on.

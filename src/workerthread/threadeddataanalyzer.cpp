@@ -6,6 +6,7 @@
 #include "src/edittimecontroller.h"
 #include "src/edittimeengine.h"
 #include "src/hostinterface.h"
+#include "src/profiler.h"
 
 namespace bkedittimecheck {
 
@@ -14,9 +15,15 @@ ThreadedDataAnalyzer::ThreadedDataAnalyzer(std::shared_ptr<EditTimeAlgorithms> a
     : algorithm(std::move(algorithm)), engineId(engineId) {}
 
 void ThreadedDataAnalyzer::run(void* /*context*/) {
+  Profiler profiler("ENGINE", "ParallelThreadTime");
   const std::wstring name = algorithm->getDiagramName();
   EditTimeController& controller = EditTimeController::instance();
   std::shared_ptr<EditTimeEngine> engine = controller.findEngine(name);
+  // The main thread may close the engine meanwhile; its end then belongs to the main thread.
+  struct Release {
+    std::shared_ptr<EditTimeEngine>& engine;
+    ~Release() { releaseOnMainThread(std::move(engine)); }
+  } release{engine};
   if (!engine || engine->engineId() != engineId) {
     controller.forgetClosingEngine(name, engineId);
     return;
@@ -36,6 +43,7 @@ void ThreadedDataAnalyzer::run(void* /*context*/) {
       // A failing check is dropped; its pass stays counted, as nothing can tell how far it got.
     }
   }
+  profiler.stop();
   if (engine->queuedCount() == 0) {
     try {
       requestStyling();
@@ -51,8 +59,9 @@ void ThreadedDataAnalyzer::requestStyling() {
   if (data) {
     for (auto it = data->blocks.begin(); it != data->blocks.end();) {
       const int kind = it->second->getBlockKind();
-      const bool keep =
-          kind == 22 || kind == 51 || kind == 56 || kind == 57 || kind == 123 || kind == 125;
+      // Cross-block checks need these between passes; everything else lives for one pass.
+      const bool keep = kind == 22 || kind == 51 || kind == 56 || kind == 57 || kind == 123 ||
+                        kind == 125 || it->second->hasChartData();
       if (keep) {
         it->second->dropRaEditBlock();
         ++it;

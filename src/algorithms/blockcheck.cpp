@@ -1,0 +1,72 @@
+#include "src/algorithms/blockcheck.h"
+
+#include <algorithm>
+#include <map>
+#include <memory>
+
+#include "src/algorithms/edittimeviolation.h"
+#include "src/bkeditbd.h"
+#include "src/configuration/edittimecheckselector.h"
+#include "src/constraints/bkeditblock.h"
+#include "src/edittimecontroller.h"
+#include "src/violationdatabase.h"
+
+namespace bkedittimecheck {
+
+bool BlockCheck::runCheck() {
+  EditTimeController& controller = EditTimeController::instance();
+  const std::shared_ptr<bkEditBD> data = controller.findEditBD(diagramName);
+  const std::shared_ptr<ViolationDatabase> database = controller.findViolationDatabase(diagramName);
+  if (!data || !database) return false;
+
+  // A copy, so that the Setup of a later run cannot change the map under this walk.
+  const std::map<double, std::shared_ptr<bkEditBlock>> blocks = data->blocks;
+  if (wantsParameters()) readParameters(EditTimeCheckSelector::getCheckConfiguration(checkId));
+  beginRun();
+
+  const std::vector<std::string> types = violationTypes();
+  std::vector<std::shared_ptr<EditTimeViolation>> records(types.size());
+  std::vector<Verdict> verdicts(types.size());
+  for (const auto& [handle, block] : blocks) {
+    if (!block || !block->hasRaEditBlock()) continue;
+    if (!considers(*block)) continue;
+    for (std::size_t i = 0; i < types.size(); ++i) {
+      records[i] = std::make_shared<EditTimeViolation>(checkId, types[i], severity, handle);
+      records[i]->isCommented = block->getIsCommented() ? 1 : 0;
+      records[i]->blockPath = block->getFullPath();
+    }
+    const CheckScope scope = currentScope();
+    if (data->isOutsideScope(*block, scope.skipLinkedBlocks, scope.lookUnderMasks)) {
+      for (const auto& record : records) database->remove(record);
+      continue;
+    }
+    std::fill(verdicts.begin(), verdicts.end(), Verdict::Remove);
+    decide(*block, verdicts);
+    for (std::size_t i = 0; i < types.size(); ++i) {
+      if (verdicts[i] == Verdict::Add) {
+        database->add(records[i]);
+      } else if (verdicts[i] == Verdict::Remove) {
+        database->remove(records[i]);
+      }
+    }
+  }
+  return true;
+}
+
+void BlockCheck::decide(const bkEditBlock& block, std::vector<Verdict>& verdicts) const {
+  verdicts.front() = decideOne(block);
+}
+
+bool BlockCheck::wantsParameters() const { return inputParametersChanged(); }
+
+void BlockCheck::readParameters(const boost::property_tree::ptree& configuration) {
+  readInputParameters(configuration);
+}
+
+void BlockCheck::beginRun() {}
+
+bool BlockCheck::considers(const bkEditBlock& /*block*/) const { return true; }
+
+Verdict BlockCheck::decideOne(const bkEditBlock& /*block*/) const { return Verdict::Remove; }
+
+}  // namespace bkedittimecheck

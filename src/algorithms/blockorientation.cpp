@@ -1,0 +1,17 @@
+#include "src/algorithms/blockorientation.h"
+
+#include <utility>
+
+#include "src/constraints/bkeditblock.h"
+
+namespace bkedittimecheck {
+
+BlockOrientation::BlockOrientation(std::wstring diagramName, std::uint32_t severity)
+    : BlockCheck("orvanta.kabe.kb_0403", std::move(diagramName), severity) {}
+
+Verdict BlockOrientation::decideOne(const bkEditBlock& block) const {
+  return block.getBlockKind() == 131 && block.getRaEditBlock()->orientation != 0 ? Verdict::Add
+                                                                                 : Verdict::Remove;
+}
+
+}  // namespace bkedittimecheck

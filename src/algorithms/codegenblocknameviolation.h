@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "src/algorithms/codegenfootnotes.h"
+#include "src/algorithms/namecheck.h"
+
+namespace bkedittimecheck {
+
+/// "orvanta.codegen.BlockNames": names of blocks that code generation accepts, searched line by
+/// line. Severity 3; the violation type is "CodegenBlockNameViolation". Worker thread only.
+class CodegenBlockNameViolation : public NameCheck {
+ public:
+  /// Any thread. Never throws beyond allocation.
+  CodegenBlockNameViolation(std::wstring diagramName, std::uint32_t severity);
+
+  /// The last expression read, shared by all instances and diagrams.
+  static std::string prohibitedNamePattern;
+
+  std::vector<std::string> violationTypes() const override { return {"CodegenBlockNameViolation"}; }
+
+ protected:
+  std::string& pattern() const override { return prohibitedNamePattern; }
+  Verdict decideOne(const bkEditBlock& block) const override;
+
+ private:
+  const FootnoteTags codegenFootnoteTags;     // filled in the constructor
+  const FootnoteTags productionFootnoteTags;  // built as the tool builds it; never consulted
+};
+
+}  // namespace bkedittimecheck

@@ -1,0 +1,23 @@
+#include "src/algorithms/portnameviolation.h"
+
+#include <utility>
+
+#include "src/constraints/bkeditblock.h"
+
+namespace bkedittimecheck {
+
+std::string PortNameViolation::prohibitedNamePattern;
+
+PortNameViolation::PortNameViolation(std::wstring diagramName, std::uint32_t severity)
+    : NameCheck("orvanta.kabe.kb_0405", std::move(diagramName), severity) {}
+
+bool PortNameViolation::considers(const bkEditBlock& block) const {
+  return block.getBlockKind() == 66 || block.getBlockKind() == 67 || block.getBlockKind() == 88;
+}
+
+Verdict PortNameViolation::decideOne(const bkEditBlock& block) const {
+  // A port with a hidden name is checked all the same.
+  return searchWhole(compiled, block.getBlockName()) ? Verdict::Add : Verdict::Remove;
+}
+
+}  // namespace bkedittimecheck

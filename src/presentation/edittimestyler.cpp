@@ -1,0 +1,147 @@
+#include "src/presentation/edittimestyler.h"
+
+#include <map>
+#include <utility>
+
+#include "host/style/classselector.h"
+#include "host/style/glow.h"
+#include "host/style/style.h"
+#include "src/violationdatabase.h"
+
+namespace bkedittimecheck {
+namespace {
+
+namespace ds = diagram::style;
+
+void addGlowRule(ds::Styler& styler, const wchar_t* className, const ds::Color& color) {
+  const ds::Glow glow(color, 10, false, 1.0);
+  ds::Style style;
+  style.set("Glow", glow);
+  styler.addRule(ds::ClassSelector(className, L""), style);
+}
+
+}  // namespace
+
+const std::wstring& editTimeStylerName() {
+  static const std::wstring name = L"Orvanta.EditTimeCheckingStyler";
+  return name;
+}
+
+ds::Styler* createEditTimeStyler() {
+  // An earlier engine already put the rules in place; adding them again would double them.
+  if (ds::Styler* existing = ds::getStyler(editTimeStylerName())) return existing;
+  ds::createStyler(editTimeStylerName(), L"", 0.0);
+  ds::Styler* styler = ds::getStyler(editTimeStylerName());
+  addGlowRule(*styler, L"Warn", ds::Color(0.9, 0.5, 0.0, 0.9));
+  addGlowRule(*styler, L"Error", ds::Color(1.0, 0.0, 0.0, 1.0));
+  return styler;
+}
+
+const char* violationCategory(std::uint32_t severity) {
+  switch (severity) {
+    case 1:
+      return "EDITTIME_ERROR";
+    case 3:
+      return "RAWARNING";
+    case 4:
+      return "RAERROR";
+    default:
+      return "EDITTIME_WARNING";
+  }
+}
+
+EditTimeStyling::EditTimeStyling(ViolationDatabase& violations, ds::Styler& styler,
+                                 BlockAlive isAlive, ViolationExcluded isExcluded)
+    : violations(violations),
+      styler(styler),
+      isAlive(std::move(isAlive)),
+      isExcluded(std::move(isExcluded)) {}
+
+void EditTimeStyling::applyStyling() {
+  for (double handle : violations.pendingClears()) {
+    if (!isAlive(handle)) continue;
+    styler.removeClass(handle, L"Warn");
+    styler.removeClass(handle, L"Error");
+  }
+  violations.clearPendingClears();
+
+  for (const auto& [handle, commented] : violations.blocksWithEditTimeWarnings()) {
+    if (!isAlive(handle)) continue;
+    if (commented) {
+      styler.removeClass(handle, L"Warn");
+    } else {
+      styler.applyClass(handle, L"Warn");
+    }
+  }
+
+  // Runs after the edit-time warnings on purpose: a commented or exempted rule-auditor
+  // violation costs the block the "Warn" that the step above gave it.
+  for (const auto& [handle, records] : violations.auditorViolations()) {
+    if (!isAlive(handle)) continue;
+    for (const EditTimeViolation& record : records) {
+      if (!record.isCommented && !isExcluded(handle, record)) {
+        styler.applyClass(handle, L"Warn");
+        break;
+      }
+      styler.removeClass(handle, L"Warn");
+    }
+  }
+
+  // Exclusions govern only "Warn": an exempted rule-auditor error still shows red.
+  for (const auto& [handle, commented] : violations.blocksWithErrors()) {
+    if (!isAlive(handle)) continue;
+    if (commented) {
+      styler.removeClass(handle, L"Error");
+    } else {
+      styler.applyClass(handle, L"Error");
+    }
+  }
+}
+
+void EditTimeStyling::removeStyling(std::uint32_t code) {
+  violations.dropDeadBlocks(isAlive);
+  const auto removeFrom = [this](const std::map<double, bool>& blocks, const wchar_t* className) {
+    for (const auto& entry : blocks) styler.removeClass(entry.first, className);
+  };
+  switch (code) {
+    case 8:
+      // A block that also has an edit-time warning keeps its "Warn".
+      removeFrom(violations.blocksWithOnlyAuditorViolations(), L"Warn");
+      violations.removeAuditorViolations();
+      break;
+    case 11:
+      removeFrom(violations.blocksWithErrors(), L"Error");
+      violations.removeErrors();
+      break;
+    case 13:
+      removeFrom(violations.blocksWithEditTimeWarnings(), L"Warn");
+      violations.removeWarnings();
+      break;
+    default:
+      removeFrom(violations.blocksWithEditTimeWarnings(), L"Warn");
+      removeFrom(violations.blocksWithErrors(), L"Error");
+      break;
+  }
+}
+
+void EditTimeStyling::removeBlockResults(double handle) {
+  violations.removeAll(handle);
+  if (!isAlive(handle)) return;
+  styler.removeClass(handle, L"Warn");
+  styler.removeClass(handle, L"Error");
+}
+
+std::vector<std::string> EditTimeStyling::getBlockViolationStrings(double handle) const {
+  std::vector<std::string> strings;
+  if (!isAlive(handle)) return strings;
+  for (const EditTimeViolation& record : violations.violationsOf(handle)) {
+    // The comment state plays no part here: a commented block still reports.
+    if ((record.severity == 3 || record.severity == 4) && isExcluded(handle, record)) continue;
+    strings.push_back(record.violationType);
+    strings.push_back(record.checkId);
+    strings.push_back(violationCategory(record.severity));
+  }
+  return strings;
+}
+
+}  // namespace bkedittimecheck

@@ -1,0 +1,95 @@
+#include "src/configuration/edittimecheckselector.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "host/prefs/directories.h"
+#include "host/prefs/edittimepreferences.h"
+#include "src/algorithms/edittimealgorithms.h"
+
+namespace bkedittimecheck {
+namespace {
+
+namespace fs = std::filesystem;
+namespace pt = boost::property_tree;
+
+class EditTimeCheckSelectorLoadTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    base = fs::temp_directory_path() /
+           ("bketc_selector_" +
+            std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+    fs::remove_all(base);
+    fs::create_directories(base / "prefs");
+    fs::create_directories(base / "root");
+    svSetPreferencesDirectory((base / "prefs").string());
+    svSetNumeriaRoot((base / "root").string());
+  }
+  void TearDown() override { fs::remove_all(base); }
+
+  static void write(const fs::path& file, const std::string& cells) {
+    std::ofstream(file) << "<RAConfiguration><CheckCellArray>" << cells
+                        << "</CheckCellArray></RAConfiguration>";
+  }
+
+  fs::path base;
+};
+
+TEST_F(EditTimeCheckSelectorLoadTest, LoadsThePreferenceFileFirstAndAnswersPerCheck) {
+  write(base / "given.xml", "<Check><ID>given</ID><Selected>true</Selected></Check>");
+  EditTimeAlgorithms::setInputParametersChanged(false);
+  EditTimeCheckSelector::loadCheckSelection((base / "given.xml").wstring());
+  EXPECT_TRUE(EditTimeAlgorithms::inputParametersChanged());
+  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap(),
+            (std::map<std::string, bool>{{"given", true}}));
+  EXPECT_EQ(bk::bkedittimecheck::bkutils::EditTimePreferences::checkSelectionMap(),
+            EditTimeCheckSelector::getCheckSelectionMap());
+
+  write(base / "prefs" / "edittimecheckcustomization.xml",
+        "<Check><ID>a</ID><Selected>true</Selected><InputParameters><InputParameter Name=\"x\">"
+        "<Value>1</Value></InputParameter></InputParameters></Check>"
+        "<Check><ID>a</ID><Selected>false</Selected><Extra>second</Extra></Check>"
+        "<Check><Selected>true</Selected><ID>late</ID></Check>");
+  EditTimeCheckSelector::loadCheckSelection((base / "given.xml").wstring());
+  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap(),
+            (std::map<std::string, bool>{{"", true}, {"a", true}}));
+  const pt::ptree entry = EditTimeCheckSelector::getCheckConfiguration("a");
+  EXPECT_EQ(entry.get<std::string>("ID"), "a");
+  EXPECT_EQ(entry.get<std::string>("InputParameters.InputParameter.Value"), "1");  // the first
+  // Every ID child counts for the lookup, also one behind "Selected".
+  EXPECT_EQ(EditTimeCheckSelector::getCheckConfiguration("late").get<std::string>("ID"), "late");
+  EXPECT_TRUE(EditTimeCheckSelector::getCheckConfiguration("missing").empty());
+}
+
+TEST_F(EditTimeCheckSelectorLoadTest, NoFileChangesNothingAndABadFileThrows) {
+  write(base / "root.xml", "<Check><ID>kept</ID><Selected>true</Selected></Check>");
+  EditTimeCheckSelector::loadCheckSelection((base / "root.xml").wstring());
+  EditTimeCheckSelector::loadCheckSelection(L"");  // nothing anywhere
+  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap().count("kept"), 1u);
+
+  std::ofstream(base / "bad.xml") << "<RAConfiguration><CheckCellArray>";
+  EXPECT_THROW(EditTimeCheckSelector::loadCheckSelection((base / "bad.xml").wstring()),
+               pt::ptree_error);
+  std::ofstream(base / "empty.xml") << "<RAConfiguration/>";
+  EXPECT_THROW(EditTimeCheckSelector::loadCheckSelection((base / "empty.xml").wstring()),
+               pt::ptree_bad_path);
+  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap().count("kept"), 1u);
+  // The tree is already the new one: the lookup of an entry now fails.
+  EXPECT_THROW(EditTimeCheckSelector::getCheckConfiguration("kept"), pt::ptree_bad_path);
+}
+
+TEST_F(EditTimeCheckSelectorLoadTest, TheInstalledFileIsTheLastResort) {
+  const fs::path installed =
+      base / "root/toolbox/blockara/blockara/ruleauditor/resources/edittimecheckcustomization.xml";
+  fs::create_directories(installed.parent_path());
+  write(installed, "<Check><ID>installed</ID><Selected>true</Selected></Check>");
+  EditTimeCheckSelector::loadCheckSelection((base / "no-such.xml").wstring());
+  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap(),
+            (std::map<std::string, bool>{{"installed", true}}));
+}
+
+}  // namespace
+}  // namespace bkedittimecheck

@@ -1,0 +1,164 @@
+// How each host batch reaches the queues of bkEditBD and the event codes of the table.
+#include <gtest/gtest.h>
+
+#include "host/model/bkblock.h"
+#include "tests/src/enginefixture.h"
+
+namespace bkedittimecheck::testing {
+namespace {
+
+using Names = std::vector<std::string>;
+
+class EngineBatchTest : public EngineFixture {
+ protected:
+  void SetUp() override {
+    EngineFixture::SetUp();
+    d = open(u"m");
+    engine = engineOf(u"m");
+    ASSERT_TRUE(engine);
+    data = engine->getData().get();
+    // Start every case from empty queues: the opening scan took routing blocks already.
+    takeChanged(*data);
+    takeEvents();
+  }
+  blockara::DiagramEditing& e() { return d->editing(); }
+
+  BKRootBD* d = nullptr;
+  std::shared_ptr<EditTimeEngine> engine;
+  bkEditBD* data = nullptr;
+};
+
+TEST_F(EngineBatchTest, AddedBlocksOnlyRoutingBlocksAreTakenAndDeletionsRunFirst) {
+  e().addBlock(u"m", "SubSystem", u"hidden");
+  takeChanged(*data);
+  takeEvents();
+  {
+    blockara::EditBatch batch(*d);
+    e().addBlock(u"m", "Gain", u"g");                  // on view, but held back until scanned
+    e().addBlock(u"m/hidden", "Goto", u"go");          // routing: taken though not on view
+    e().addBlock(u"m/hidden", "DataStoreMemory", u"ds");
+    e().addBlock(u"m/hidden", "Constant", u"c");       // neither routing nor on view
+  }
+  EXPECT_EQ(takeChanged(*data), (Names{"go", "ds"}));
+  EXPECT_TRUE(takeDeleted(*data).empty());
+  EXPECT_EQ(takeEvents(), (std::vector<Event>{{19, false}, {18, false}}));
+}
+
+TEST_F(EngineBatchTest, ChangedBlocksAreTakenWhenRoutingOrOnView) {
+  e().addBlock(u"m", "SubSystem", u"hidden");
+  e().addBlock(u"m", "Gain", u"onView");
+  e().addBlock(u"m/hidden", "Gain", u"offView");
+  e().addBlock(u"m/hidden", "From", u"from");
+  takeChanged(*data);
+  takeEvents();
+  {
+    blockara::EditBatch batch(*d);
+    e().setProperties(u"m/onView", {{"Gain", std::string("2")}});
+    e().setProperties(u"m/hidden/offView", {{"Gain", std::string("3")}});
+    e().setProperties(u"m/hidden/from", {{"GotoTag", std::string("B")}});
+  }
+  EXPECT_EQ(takeChanged(*data), (Names{"onView", "from"}));
+  EXPECT_EQ(takeEvents(), (std::vector<Event>{{21, false}}));
+
+  // Opening an editor on the subsystem brings its blocks on view.
+  Blockara::StudioApp::open(d)->openEditor(u"m/hidden");
+  blockara::EventLoop::instance().runUntilIdle();
+  takeEvents();
+  e().setProperties(u"m/hidden/offView", {{"Gain", std::string("4")}});
+  EXPECT_EQ(takeChanged(*data), (Names{"offView"}));
+}
+
+TEST_F(EngineBatchTest, RoutingBlocksAreAlwaysTakenUpToTheThousandth) {
+  {
+    blockara::EditBatch batch(*d);
+    for (int i = 0; i < 1001; ++i) e().addBlock(u"m", "Goto", i18n::to_u16string("g" + std::to_string(i)));
+  }
+  const Names taken = takeChanged(*data);
+  ASSERT_EQ(taken.size(), 1000u);
+  EXPECT_EQ(taken.back(), "g999");
+  EXPECT_TRUE(data->tooManyRoutingBlocks);
+  // Past the limit a Goto is an ordinary block: taken on a change only when on view.
+  e().setProperties(u"m/g1000", {{"GotoTag", std::string("Z")}});
+  EXPECT_EQ(takeChanged(*data), (Names{"g1000"}));
+}
+
+TEST_F(EngineBatchTest, DeletedBlocksAndVariantSubsystems) {
+  BKBlock* gain = e().addBlock(u"m", "Gain", u"g");
+  const double gainHandle = gain->getHandle();
+  e().addBlock(u"m", "SubSystem", u"v", {{"Variant", std::string("on")}});
+  EXPECT_EQ(data->variantSubsystemCount, 1u);
+  EXPECT_EQ(takeEvents().back(), (Event{18, true}));
+
+  // A change of a variant subsystem counts it again: only additions and deletions are balanced
+  // by the host, changes are not.
+  e().setProperties(u"m/v", {{"Variant", std::string("on")}});
+  EXPECT_EQ(data->variantSubsystemCount, 2u);
+  e().setProperties(u"m/v", {{"Variant", std::string("off")}});
+  takeEvents();
+  takeChanged(*data);
+
+  e().deleteBlock(u"m/g");  // kept as an undo object: its handle still resolves
+  EXPECT_EQ(takeDeleted(*data), (std::vector<double>{gainHandle}));
+  EXPECT_EQ(takeEvents(), (std::vector<Event>{{19, true}}));
+
+  e().setProperties(u"m/v", {{"Variant", std::string("on")}});
+  const unsigned before = data->variantSubsystemCount;
+  e().deleteBlock(u"m/v");
+  EXPECT_EQ(data->variantSubsystemCount, before - 1);
+
+  // Without undo history the deleted block is gone at once: its handle is queued, the count
+  // stays as it was.
+  e().addBlock(u"m", "SubSystem", u"w", {{"Variant", std::string("on")}});
+  const unsigned withW = data->variantSubsystemCount;
+  e().setUndoDepth(0);
+  takeDeleted(*data);
+  e().deleteBlock(u"m/w");
+  EXPECT_EQ(takeDeleted(*data).size(), 1u);
+  EXPECT_EQ(data->variantSubsystemCount, withW);
+}
+
+TEST_F(EngineBatchTest, CommentChangesRouteByKind) {
+  e().addBlock(u"m", "Goto", u"go");
+  e().addBlock(u"m", "Gain", u"g");
+  BKBlock* sub = e().addBlock(u"m", "SubSystem", u"s");
+  takeChanged(*data);
+  takeEvents();
+
+  e().setCommentState(u"m/g", 1);  // not routing, not a subsystem: nothing to check
+  EXPECT_TRUE(takeChanged(*data).empty());
+  EXPECT_TRUE(takeEvents().empty());
+
+  e().setCommentState(u"m/go", 1);
+  EXPECT_EQ(takeChanged(*data), (Names{"go"}));
+  EXPECT_EQ(takeEvents(), (std::vector<Event>{{3, false}}));
+
+  e().setCommentState(u"m/s", 2);
+  auto added = takeAll(data->blkProperties);
+  ASSERT_EQ(added.size(), 1u);
+  EXPECT_TRUE(added[0].isAdded);
+  EXPECT_EQ(added[0].pathWithSlash, L"m/s/");
+  EXPECT_EQ(added[0].handle, sub->getHandle());
+
+  e().setCommentState(u"m/s", 0);
+  auto removed = takeAll(data->blkProperties);
+  ASSERT_EQ(removed.size(), 1u);
+  EXPECT_FALSE(removed[0].isAdded);
+  EXPECT_EQ(takeEvents().back(), (Event{3, false}));
+}
+
+TEST_F(EngineBatchTest, RenamedSubsystemsQueueTheirPathChange) {
+  e().addBlock(u"m", "SubSystem", u"s");
+  e().addBlock(u"m/s", "Goto", u"go");
+  takeChanged(*data);
+  takeAll(data->subsysNameChanges);
+  takeEvents();
+  e().renameBlock(u"m/s", u"t");
+  auto changes = takeAll(data->subsysNameChanges);
+  ASSERT_EQ(changes.size(), 1u);
+  EXPECT_EQ(changes[0].oldPath, L"m/s");
+  EXPECT_EQ(changes[0].newPath, L"m/t");
+  EXPECT_EQ(takeEvents(), (std::vector<Event>{{20, false}}));
+}
+
+}  // namespace
+}  // namespace bkedittimecheck::testing

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/model/bkrootbd.h"
+#include "host/model/diagramediting.h"
+#include "host/prefs/edittimepreferences.h"
+#include "host/runtime/eventloop.h"
+#include "host/runtime/timerthread.h"
+#include "host/studio/studioapp.h"
+#include "src/bkeditbd.h"
+#include "src/edittimecontroller.h"
+#include "src/edittimeengine.h"
+#include "src/hostinterface.h"
+#include "src/moduleentries.h"
+
+namespace bkedittimecheck::testing {
+
+/// A diagram opened in the reference host as the program opens one (signals registered, one
+/// editor on the root, signal 1 raised), with the worker's timer in manual mode and the events
+/// that reach the diagram's table recorded.
+class EngineFixture : public ::testing::Test {
+ protected:
+  struct Event {
+    int code;
+    bool hasVariants;
+    bool operator==(const Event&) const = default;
+  };
+
+  void SetUp() override {
+    blockara::EventLoop::instance().adoptCurrentThread();
+    blockara::TimerThread::setDefaultMode(blockara::TimerThread::manual);
+    bk::bkedittimecheck::bkutils::setShowEditTimeIssues(true);
+  }
+
+  void TearDown() override { bkBlockDiagramSet::closeAll(); }
+
+  static EditTimeController& controller() { return EditTimeController::instance(); }
+
+  /// Opens a diagram for editing and, when an engine arose, starts recording its events.
+  BKRootBD* open(const std::u16string& name, int kind = BKRootBD::Model, bool auditor = false) {
+    BKRootBD* d = bkBlockDiagramSet::create(name, kind);
+    if (auditor) d->setAuditorMode(true);
+    RegisterEditBdEvents(d);
+    RegisterCompBdEvents(d->getCompBD());
+    RegisterExecPlugins(d->getExecBD());
+    Blockara::StudioApp::open(d)->openEditor(name);
+    d->notifyOpened();
+    observe(name);
+    return d;
+  }
+
+  /// Records the events of the engine now registered under `name`, if any.
+  void observe(const std::u16string& name) {
+    if (auto e = engineOf(name)) {
+      e->getAlgorithmTable().setEventObserver(
+          [this](int code, bool variants, std::size_t) { events.push_back({code, variants}); });
+    }
+  }
+
+  static std::shared_ptr<EditTimeEngine> engineOf(const std::u16string& name) {
+    return controller().findEngine(toWide(name));
+  }
+
+  std::vector<Event> takeEvents() { return std::exchange(events, {}); }
+
+  /// Pops every snapshot from `changedBlocks`, returning the block names in order.
+  static std::vector<std::string> takeChanged(bkEditBD& data) {
+    std::vector<std::string> names;
+    std::shared_ptr<bkEditBlock> block;
+    while (data.changedBlocks.try_pop(block)) names.push_back(block->getBlockName());
+    return names;
+  }
+
+  /// Pops every handle from `deletedHandles`.
+  static std::vector<double> takeDeleted(bkEditBD& data) {
+    std::vector<double> handles;
+    double handle = 0;
+    while (data.deletedHandles.try_pop(handle)) handles.push_back(handle);
+    return handles;
+  }
+
+  template <typename T>
+  static std::vector<T> takeAll(EditQueue<T>& queue) {
+    std::vector<T> out;
+    T item;
+    while (queue.try_pop(item)) out.push_back(std::move(item));
+    return out;
+  }
+
+  std::vector<Event> events;
+};
+
+}  // namespace bkedittimecheck::testing
