@@ -40,14 +40,6 @@ BKBlock* checkBlock(lua_State* L, int index = 1) {
   return block;
 }
 
-// The block at the path argument `index`, or a Lua error naming the path.
-BKBlock* checkBlockAt(lua_State* L, BKRootBD* diagram, int index) {
-  bksvString path = checkUString(L, index);
-  BKBlock* block = diagram->findBlock(path);
-  if (!block) luaL_error(L, "no block at %s", ConvertUStringToStdString(path).c_str());
-  return block;
-}
-
 int comment(lua_State* L) {
   BKRootBD* d = checkDiagram(L);
   bksvString path = checkUString(L, 2);
@@ -374,7 +366,8 @@ constexpr char kBlockTypeName[] = "blockara.Block";
 void makeType(lua_State* L, const char* name, const luaL_Reg* methods, lua_CFunction index,
               lua_CFunction eq, lua_CFunction tostring) {
   luaL_newmetatable(L, name);
-  luaL_newlib(L, methods);
+  lua_newtable(L);
+  luaL_setfuncs(L, methods, 0);
   lua_setfield(L, -2, "methods");
   lua_pushcfunction(L, index);
   lua_setfield(L, -2, "__index");

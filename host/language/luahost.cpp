@@ -16,17 +16,26 @@ constexpr const char* resolverKey = "blockara.resolveFunction";
 
 // Finds a host-language function by its dotted name (see LuaHost::callFunction).
 constexpr const char* resolverSource = R"lua(
+-- A module that is not there means no such function; a module that fails to load keeps its error.
+local function loadModule(module)
+  local ok, m = pcall(require, module)
+  if ok then return m end
+  if type(m) == "string" and m:find("module '" .. module .. "' not found:", 1, true) == 1 then
+    error("blockara:nvm:UnknownFunction: There is no host-language module '" .. module .. "'.", 0)
+  end
+  error(m, 0)
+end
 return function(name)
   local module, fn = name:match("^(.*)%.([^.]+)$")
   if not module then
     local g = rawget(_G, name)
     if type(g) == "function" then return g end
-    local m = require(name)
+    local m = loadModule(name)
     if type(m) == "function" then return m end
     if type(m) == "table" and type(m[name]) == "function" then return m[name] end
     error("blockara:nvm:UnknownFunction: There is no host-language function '" .. name .. "'.", 0)
   end
-  local m = require(module)
+  local m = loadModule(module)
   local f = type(m) == "table" and m[fn]
   if type(f) ~= "function" then
     error("blockara:nvm:UnknownFunction: Module '" .. module .. "' has no function '" .. fn .. "'.", 0)
@@ -54,12 +63,15 @@ std::string leadingIdentifier(const std::string& message) {
     ++end;
   }
   std::string token = message.substr(0, end);
+  bool colonAfter = !token.empty() && token.back() == ':';
   while (!token.empty() && token.back() == ':') token.pop_back();
   if (token.empty() || token.find(':') == std::string::npos ||
       !std::isalpha(static_cast<unsigned char>(token[0]))) {
     return {};
   }
-  if (end < message.size() && message[end] != ' ' && message[end] != '\n') return {};
+  // The identifier ends the message, or a colon and a space (or line end) follow it.
+  if (end == message.size()) return token;
+  if (!colonAfter || (message[end] != ' ' && message[end] != '\n')) return {};
   return token;
 }
 

@@ -83,7 +83,8 @@ void pushNxArray(lua_State* L, const nxArray& value);
 nxArray toNxArray(lua_State* L, int index);
 
 /// Runs `body(L)` and turns a C++ exception into a Lua error whose message is the exception's
-/// `what()` (for message-ID exceptions: identifier, ": " and text); Lua's own errors pass through.
+/// `what()` (for message-ID exceptions: identifier, ": " and text), and any other exception into a
+/// Lua error saying so; Lua's own errors pass through.
 /// Use it in every C function that calls C++ code that may throw.
 template <class F>
 int luaGuard(lua_State* L, F&& body) {
@@ -92,6 +93,12 @@ int luaGuard(lua_State* L, F&& body) {
     return body(L);
   } catch (const std::exception& e) {
     error = e.what();
+  } catch (void*) {
+    throw;  // a Lua error: the C++ build of Lua throws a pointer to its own jump record
+  } catch (...) {
+    // Anything else would reach Lua's own handler, which would take a stray stack value for the
+    // error message.
+    error = "a native function failed with an exception of unknown type";
   }
   lua_pushlstring(L, error.data(), error.size());
   return lua_error(L);

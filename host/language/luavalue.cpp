@@ -1,6 +1,7 @@
 // Conversions between Lua values and host-language arrays, and the `nx` helper table.
 
 #include <algorithm>
+#include <limits>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -16,13 +17,38 @@ using luabridge::arrayType;
 
 constexpr int maxDepth = 100;
 
+// The empty double array is Lua's nil, which a table cannot hold as a value.
+bool isNil(const nxArray& v) {
+  return v.classID() == nxClassID::Double && v.rows() == 0 && v.cols() == 0;
+}
+
+// A cell row is a sequence only without nils; a struct is a table only when none of its fields
+// is nil and its fields are in the sorted order in which a table's keys come back.
+bool plainCell(const nxArray& v) {
+  if (v.rows() != 1) return false;
+  for (std::size_t i = 0; i < v.numel(); ++i) {
+    if (isNil(v.getCell(i))) return false;
+  }
+  return true;
+}
+
+bool plainStruct(const nxArray& v) {
+  const auto& names = v.fieldNames();
+  if (!v.isScalar() || names.empty()) return false;
+  for (std::size_t f = 0; f < names.size(); ++f) {
+    if (f > 0 && !(names[f - 1] < names[f])) return false;
+    if (isNil(*v.getField(0, names[f]))) return false;
+  }
+  return true;
+}
+
 bool plainForm(const nxArray& v) {
   switch (v.classID()) {
     case nxClassID::Char: return v.rows() == 1;
-    case nxClassID::Double: return v.isScalar() || (v.rows() == 0 && v.cols() == 0);
+    case nxClassID::Double: return v.isScalar() || isNil(v);
     case nxClassID::Logical: return v.isScalar();
-    case nxClassID::Cell: return v.rows() == 1;
-    case nxClassID::Struct: return v.isScalar() && !v.fieldNames().empty();
+    case nxClassID::Cell: return plainCell(v);
+    case nxClassID::Struct: return plainStruct(v);
     case nxClassID::Object: return v.isScalar();
     case nxClassID::UInt32: return false;
   }
@@ -33,6 +59,8 @@ nxArray convert(lua_State* L, int index, int depth);
 
 nxArray tableToArray(lua_State* L, int index, int depth) {
   index = lua_absindex(L, index);
+  // Each level of nesting holds a key and a value on the stack.
+  luaL_checkstack(L, 3, "converting a nested Lua table");
   lua_Integer maxKey = 0;
   std::size_t count = 0;
   bool stringKeys = false, otherKeys = false;
@@ -197,7 +225,10 @@ int arrayToString(lua_State* L) {
 }
 
 int arrayEq(lua_State* L) {
-  lua_pushboolean(L, checkArray(L, 1) == checkArray(L, 2));
+  // Lua also asks an array whether it equals an object; that is false, not an error.
+  const nxArray* a = luabridge::testArray(L, 1);
+  const nxArray* b = luabridge::testArray(L, 2);
+  lua_pushboolean(L, a && b && *a == *b);
   return 1;
 }
 
@@ -213,6 +244,10 @@ int nxArrayNew(lua_State* L) {
   return luaGuard(L, [](lua_State* L) {
     std::string cls = luaL_checkstring(L, 1);
     std::size_t rows = checkSize(L, 2), cols = checkSize(L, 3);
+    if (cols != 0 && rows > std::numeric_limits<std::size_t>::max() / cols) {
+      throw std::invalid_argument("nx.array: " + std::to_string(rows) + "x" +
+                                  std::to_string(cols) + " is too large");
+    }
     std::size_t n = rows * cols;
     if (cls == "char") {
       std::size_t len = 0;
@@ -231,7 +266,14 @@ int nxArrayNew(lua_State* L) {
     nxArray out;
     if (cls == "double") {
       std::vector<double> v(n);
-      for (std::size_t i = 0; i < n; ++i, lua_pop(L, 1)) { element(i); v[i] = lua_tonumber(L, -1); }
+      for (std::size_t i = 0; i < n; ++i, lua_pop(L, 1)) {
+        element(i);
+        if (!lua_isnil(L, -1) && lua_type(L, -1) != LUA_TNUMBER) {
+          throw std::invalid_argument("nx.array: double element " + std::to_string(i + 1) +
+                                      " is not a number");
+        }
+        v[i] = lua_tonumber(L, -1);
+      }
       out = nxArray::doubleMatrix(rows, cols, std::move(v));
     } else if (cls == "logical") {
       std::vector<bool> v(n);
@@ -241,7 +283,16 @@ int nxArrayNew(lua_State* L) {
       std::vector<std::uint32_t> v(n);
       for (std::size_t i = 0; i < n; ++i, lua_pop(L, 1)) {
         element(i);
-        v[i] = static_cast<std::uint32_t>(lua_tointeger(L, -1));
+        int isInteger = 0;
+        lua_Integer value = lua_tointegerx(L, -1, &isInteger);
+        if (lua_isnil(L, -1)) {
+          value = 0;
+        } else if (lua_type(L, -1) != LUA_TNUMBER || !isInteger || value < 0 ||
+                   value > 0xFFFFFFFFll) {
+          throw std::invalid_argument("nx.array: uint32 element " + std::to_string(i + 1) +
+                                      " is not an integer in 0..4294967295");
+        }
+        v[i] = static_cast<std::uint32_t>(value);
       }
       out = nxArray::uint32Matrix(rows, cols, std::move(v));
     } else if (cls == "cell") {
@@ -364,7 +415,14 @@ void pushNxArray(lua_State* L, const nxArray& value) {
 
 nxArray toNxArray(lua_State* L, int index) {
   luaL_checkstack(L, 4, "converting a Lua value");
-  return convert(L, index, 0);
+  index = lua_absindex(L, index);
+  int top = lua_gettop(L);
+  try {
+    return convert(L, index, 0);
+  } catch (...) {
+    lua_settop(L, top);  // a failure deep inside a table leaves its keys and values behind
+    throw;
+  }
 }
 
 namespace luabridge {

@@ -329,7 +329,9 @@ std::u16string toUtf16(std::string_view text) {
         if ((cb & 0xC0) != 0x80) ok = false;
         v = (v << 6) | (cb & 0x3F);
       }
-      if (ok && v <= 0x10FFFF && !(v >= 0xD800 && v <= 0xDFFF)) {
+      // The shortest form only: an overlong sequence is as invalid as a broken one.
+      static const char32_t smallest[5] = {0, 0, 0x80, 0x800, 0x10000};
+      if (ok && v >= smallest[len] && v <= 0x10FFFF && !(v >= 0xD800 && v <= 0xDFFF)) {
         c = v;
       } else {
         len = 1;

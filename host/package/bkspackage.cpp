@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <random>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace bksPackageHelper {
@@ -96,6 +97,9 @@ PartMap readPackage(const std::filesystem::path& path) {
 }
 
 PartMap readPackageFromBuffer(const std::uint8_t* data, std::size_t size, const std::string& label) {
+  // libzip takes no bytes at all for an empty archive; a package file of no bytes is refused,
+  // and so are no bytes in memory.
+  if (size == 0) throw PackageError(label + ": not a readable package: it has no bytes");
   zip_error_t error;
   zip_error_init(&error);
   zip_source_t* source = zip_source_buffer_create(data, size, 0, &error);
@@ -123,6 +127,16 @@ void writePackage(const std::filesystem::path& path, const PartMap& parts) {
   temp.push_back('\0');
   int fd = mkstemp(temp.data());
   if (fd < 0) throw PackageError(path.string() + ": cannot create a temporary file in " + dir.string());
+  // mkstemp makes the file private; the package gets the permissions of the file it replaces,
+  // or those of any new file.
+  struct stat existing;
+  if (::stat(path.c_str(), &existing) == 0 && S_ISREG(existing.st_mode)) {
+    ::fchmod(fd, existing.st_mode & 07777);
+  } else {
+    mode_t mask = ::umask(0);
+    ::umask(mask);
+    ::fchmod(fd, 0666 & ~mask);
+  }
   close(fd);
   std::filesystem::path tempPath(temp.data());
   auto discard = [&] {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <mutex>
 #include <thread>
 
 #include "host/language/cmddistributor.h"
@@ -7,6 +8,8 @@
 #include "host/language/luahost.h"
 #include "host/language/nvm.h"
 #include "host/runtime/eventloop.h"
+#include "nxarrayprint.h"
+#include "testclass.h"
 
 namespace {
 
@@ -59,13 +62,12 @@ TEST_F(EvaluationTest, RequestFromAnotherThreadRunsOnMainThreadAtNextPump) {
 }
 
 TEST_F(EvaluationTest, LuaErrorArrivesAsRuntimeExceptionAndExtractionErrorsPropagate) {
-  auto failing = postFromWorker<void>("testmods.Calls.fail", 0,
-                                      {nxArray::charRow("bkedittimecheck:edittimecheck:X: bad")},
-                                      [](const std::shared_ptr<CmdEvent>& e) { detail::completedResults(e); });
+  auto failing = postFromWorker<void>(
+      "testmods.Calls.fail", 0, {nxArray::charRow("bkedittimecheck:edittimecheck:X: bad")},
+      [](const std::shared_ptr<CmdEvent>& e) { detail::completedResults(e); });
   // A result of the wrong class is the extraction's error.
-  auto wrongClass = postFromWorker<std::vector<bool>>("testmods.Calls.add", 1,
-                                                      {nxArray::doubleScalar(1), nxArray::doubleScalar(2)},
-                                                      flagsOf);
+  auto wrongClass = postFromWorker<std::vector<bool>>(
+      "testmods.Calls.add", 1, {nxArray::doubleScalar(1), nxArray::doubleScalar(2)}, flagsOf);
   blockara::EventLoop::instance().runPosted();
   try {
     failing.get();
@@ -119,7 +121,8 @@ TEST_F(EvaluationTest, SynchronousEvaluationNeverThrows) {
                               {nxArray::doubleScalar(1), nxArray::doubleScalar(2)}),
             nullptr);
   EXPECT_EQ(out.at(0), nxArray::doubleScalar(3));
-  auto diagnostic = bksvFEVAL_NoThrow(0, out, "testmods.Calls.fail", {nxArray::charRow("a:b:C: no")});
+  auto diagnostic =
+      bksvFEVAL_NoThrow(0, out, "testmods.Calls.fail", {nxArray::charRow("a:b:C: no")});
   ASSERT_NE(diagnostic, nullptr);
   EXPECT_EQ(diagnostic->identifier, "a:b:C");
   std::string warned;
@@ -135,6 +138,227 @@ TEST_F(EvaluationTest, SynchronousEvaluationNeverThrows) {
   EXPECT_EQ(offThread->identifier, "blockara:nvm:NotMainThread");
   host.reset();
   EXPECT_NE(bksvFEVAL_NoThrow(0, out, "testmods.Calls.add", {}), nullptr);
+}
+
+/// A sink that keeps what it gets.
+class RecordingSink : public Sink {
+ public:
+  void write(std::string_view text) override {
+    std::lock_guard<std::mutex> lock(mutex);
+    texts.emplace_back(text);
+  }
+  std::vector<std::string> taken() {
+    std::lock_guard<std::mutex> lock(mutex);
+    return texts;
+  }
+
+ private:
+  std::mutex mutex;
+  std::vector<std::string> texts;  // guarded by mutex
+};
+
+std::vector<nxArray> allResults(const std::shared_ptr<CmdEvent>& event) {
+  return detail::completedResults(event);
+}
+
+/// The identifier and message of the exception a future holds ("<value>" when none).
+template <class R>
+std::pair<std::string, std::string> failureOf(std::future<R>& future) {
+  try {
+    future.get();
+  } catch (const RuntimeException& e) {
+    return {e.getIdentifier(), e.getMessage()};
+  } catch (const std::exception& e) {
+    return {"<not a RuntimeException>", e.what()};
+  }
+  return {"<value>", ""};
+}
+
+TEST_F(EvaluationTest, RequestsFromSeveralThreadsRunInPostingOrder) {
+  auto vm = nvm::Factory::getCurrentLocalMVM();
+  std::mutex postingMutex;
+  std::vector<std::string> posted;                         // guarded by postingMutex
+  std::vector<std::future<std::vector<nxArray>>> futures;  // guarded by postingMutex
+  std::vector<std::thread> workers;
+  for (int t = 0; t < 4; ++t) {
+    workers.emplace_back([&, t] {
+      for (int i = 0; i < 5; ++i) {
+        std::string tag = std::to_string(t) + "." + std::to_string(i);
+        auto data = std::make_shared<FEvalArrayData>(std::vector<nxArray>{nxArray::charRow(tag)});
+        auto request = std::make_shared<CmdRequest>(
+            3, vm->getSink(0), vm->getSink(1),
+            std::make_shared<FEvalIIP>("testmods.Calls.record", 1, data, 3));
+        auto delegate = std::make_shared<PromiseDelegateT<std::vector<nxArray>>>(allResults);
+        // Posting and noting the order under one lock gives the order the loop must keep.
+        std::lock_guard<std::mutex> lock(postingMutex);
+        futures.push_back(delegate->getFuture());
+        vm->getDistributor().submitRequest(request, delegate);
+        posted.push_back(tag);
+      }
+    });
+  }
+  for (auto& w : workers) w.join();
+  EXPECT_EQ(vm->getDistributor().trackedCount(), 20u);
+  EXPECT_EQ(blockara::EventLoop::instance().runPosted(), 20u);
+  EXPECT_EQ(vm->getDistributor().trackedCount(), 0u);
+  std::string expectedLog;
+  for (std::size_t i = 0; i < posted.size(); ++i) {
+    expectedLog += (i ? "," : "") + posted[i];
+    EXPECT_EQ(futures[i].get(), std::vector<nxArray>{nxArray::doubleScalar(double(i + 1))}) << i;
+  }
+  std::vector<nxArray> log;
+  ASSERT_EQ(bksvFEVAL_NoThrow(1, log, "testmods.Calls.log", {}), nullptr);
+  EXPECT_EQ(log.at(0), nxArray::charRow(expectedLog));
+}
+
+TEST_F(EvaluationTest, FailedRequestsCompleteWithTheirErrorAndWriteItToTheErrorSink) {
+  auto vm = nvm::Factory::getCurrentLocalMVM();
+  auto output = std::make_shared<RecordingSink>();
+  auto errors = std::make_shared<RecordingSink>();
+  auto post = [&](std::shared_ptr<const FEvalOpaqueData> data, const std::string& name, int nlhs) {
+    auto request = std::make_shared<CmdRequest>(3, output, errors,
+                                                std::make_shared<FEvalIIP>(name, nlhs, data, 3));
+    auto delegate = std::make_shared<PromiseDelegateT<std::vector<nxArray>>>(allResults);
+    auto future = delegate->getFuture();
+    vm->getDistributor().submitRequest(request, delegate);
+    return future;
+  };
+  auto args = [](std::vector<nxArray> a) { return std::make_shared<FEvalArrayData>(std::move(a)); };
+  class FailingData : public FEvalOpaqueData {
+    std::vector<nxArray> toArrays() const override { throw std::runtime_error("arguments lost"); }
+  };
+  auto widgetLike = nxArray::cellRow({nxArray::charRow("x")});
+  std::vector<std::future<std::vector<nxArray>>> futures;
+  futures.push_back(
+      post(args({nxArray::charRow("pkg:area:Broke: broken")}), "testmods.Calls.fail", 0));
+  futures.push_back(post(args({nxArray::charRow("plain text")}), "testmods.Calls.fail", 0));
+  futures.push_back(post(args({}), "testmods.Calls.nothing", 1));
+  futures.push_back(post(args({}), "no.such.module.fn", 1));
+  futures.push_back(post(args({}), "testmods.Broken.fn", 1));
+  futures.push_back(post(args({}), "testmods.Raising.fn", 1));
+  futures.push_back(post(args({}), "testmods.Calls.giveFunction", 1));
+  futures.push_back(post(std::make_shared<FailingData>(), "testmods.Calls.echo", 1));
+  futures.push_back(post(args({widgetLike}), "testmods.Calls.echo", 1));
+  blockara::EventLoop::instance().runPosted();
+
+  EXPECT_EQ(failureOf(futures[0]),
+            std::make_pair(std::string("pkg:area:Broke"), std::string("pkg:area:Broke: broken")));
+  EXPECT_EQ(failureOf(futures[1]), std::make_pair(std::string(), std::string("plain text")));
+  EXPECT_EQ(failureOf(futures[2]).first, "blockara:nvm:UnknownFunction");
+  EXPECT_EQ(failureOf(futures[3]).first, "blockara:nvm:UnknownFunction");
+  auto broken = failureOf(futures[4]);
+  EXPECT_EQ(broken.first, "");
+  EXPECT_NE(broken.second.find("Broken.lua"), std::string::npos) << broken.second;
+  EXPECT_EQ(failureOf(futures[5]).first, "testmods:load:Refused");
+  EXPECT_EQ(failureOf(futures[6]).first, "blockara:nvm:BadResult");
+  EXPECT_EQ(failureOf(futures[7]), std::make_pair(std::string(), std::string("arguments lost")));
+  EXPECT_EQ(futures[8].get(), std::vector<nxArray>{widgetLike});
+
+  auto written = errors->taken();
+  ASSERT_EQ(written.size(), 8u);
+  EXPECT_EQ(written[0], "pkg:area:Broke: broken");
+  EXPECT_EQ(written[7], "arguments lost");
+  EXPECT_TRUE(output->taken().empty());
+}
+
+TEST_F(EvaluationTest, ObjectsCannotCrossThreadsAndMissingLanguageIsAnError) {
+  testclass::registerTestPackage();
+  auto& distributor = nvm::Factory::getCurrentLocalMVM()->getDistributor();
+  auto extract = [](const std::shared_ptr<CmdEvent>& e) { return detail::completedResults(e); };
+  // An object made in Lua is a fine synchronous result but cannot be serialized for a request.
+  std::vector<nxArray> out;
+  ASSERT_EQ(host->runString("function makeWidget() return Test.pkg.Widget() end"), std::nullopt);
+  EXPECT_EQ(bksvFEVAL_NoThrow(1, out, "makeWidget", {}), nullptr);
+  EXPECT_TRUE(out.at(0).isObject());
+  auto objectResult = postFromWorker<std::vector<nxArray>>("makeWidget", 1, {}, extract);
+  blockara::EventLoop::instance().runPosted();
+  auto failure = failureOf(objectResult);
+  EXPECT_EQ(failure.first, "");
+  EXPECT_NE(failure.second.find("object arrays cannot cross threads"), std::string::npos);
+
+  // The future's request is tracked until the loop runs it; the wait callback may pump the loop.
+  auto delegate = std::make_shared<PromiseDelegateT<std::vector<nxArray>>>(extract);
+  auto future = delegate->getFuture();
+  auto vm = nvm::Factory::getCurrentLocalMVM();
+  auto id = distributor.submitRequest(
+      std::make_shared<CmdRequest>(
+          3, vm->getSink(0), vm->getSink(1),
+          std::make_shared<FEvalIIP>("testmods.Calls.add", 2,
+                                     std::make_shared<FEvalArrayData>(std::vector<nxArray>{
+                                         nxArray::doubleScalar(1), nxArray::doubleScalar(2)}),
+                                     3)),
+      delegate);
+  VariadicTaskReference reference(distributor, id);
+  EXPECT_FALSE(reference.isDone());
+  EXPECT_FALSE(delegate->isPromiseDone());
+  int pumped = 0;
+  delegate->setWaitCallback(
+      [&] { pumped += static_cast<int>(blockara::EventLoop::instance().runPosted()); });
+  delegate->waitTillReady();
+  EXPECT_EQ(pumped, 1);
+  EXPECT_TRUE(reference.isDone());
+  EXPECT_TRUE(delegate->isPromiseDone());
+  // Fewer results than asked for: the missing ones are empty.
+  EXPECT_EQ(future.get(), (std::vector<nxArray>{nxArray::doubleScalar(3), nxArray()}));
+
+  // Without the host language, requests and synchronous calls fail with their identifier.
+  host.reset();
+  auto orphan = postFromWorker<std::vector<nxArray>>("testmods.Calls.add", 1, {}, extract);
+  blockara::EventLoop::instance().runPosted();
+  EXPECT_EQ(failureOf(orphan).first, "blockara:nvm:NoHostLanguage");
+  auto diagnostic = bksvFEVAL_NoThrow(0, out, "testmods.Calls.add", {});
+  ASSERT_NE(diagnostic, nullptr);
+  EXPECT_EQ(diagnostic->identifier, "blockara:nvm:NoHostLanguage");
+}
+
+TEST_F(EvaluationTest, FunctionNamesResolveToGlobalsModulesAndTheirFunctions) {
+  ASSERT_EQ(host->runString("function twice(x) return x .. x end"), std::nullopt);
+  struct Case {
+    const char* name;
+    nxArray expected;
+  };
+  const Case cases[] = {
+      {"twice", nxArray::charRow("xx")},
+      {"lonefn", nxArray::charRow("lone:x")},
+      {"lonetable", nxArray::charRow("table:x")},
+      {"testmods.pkgfn.run", nxArray::charRow("init:x")},
+  };
+  for (const Case& c : cases) {
+    std::vector<nxArray> out;
+    auto diagnostic = bksvFEVAL_NoThrow(1, out, c.name, {nxArray::charRow("x")});
+    EXPECT_EQ(diagnostic, nullptr) << c.name << ": " << (diagnostic ? diagnostic->message : "");
+    ASSERT_EQ(out.size(), 1u) << c.name;
+    EXPECT_EQ(out[0], c.expected) << c.name;
+  }
+  for (const char* missing :
+       {"nosuchglobal", "testmods.Calls.nothing", "testmods.nosuch.fn", "testmods.pkgfn.nothing"}) {
+    std::vector<nxArray> out;
+    auto diagnostic = bksvFEVAL_NoThrow(1, out, missing, {});
+    ASSERT_NE(diagnostic, nullptr) << missing;
+    EXPECT_EQ(diagnostic->identifier, "blockara:nvm:UnknownFunction") << missing;
+    EXPECT_EQ(diagnostic->message.rfind("blockara:nvm:UnknownFunction: ", 0), 0u);
+  }
+  EXPECT_EQ(lua_gettop(host->state()), 0);
+}
+
+TEST_F(EvaluationTest, ErrorIdentifiersAreTakenOnlyFromAWellFormedStart) {
+  struct Case {
+    const char* message;
+    const char* identifier;
+  };
+  const Case cases[] = {
+      {"a:b:C: text", "a:b:C"},  {"a:b: text", "a:b"},          {"a:b:C", "a:b:C"},
+      {"a:b:C:\nmore", "a:b:C"}, {"a_1:b2:C3: x", "a_1:b2:C3"}, {"plain: text", ""},
+      {"a:b:C text", ""},        {"a:b:C:text", "a:b:C:text"},  {"1a:b: text", ""},
+      {"http://host: down", ""}, {"[string]:1: a:b:C: x", ""},  {"", ""},
+  };
+  for (const Case& c : cases) {
+    std::vector<nxArray> out;
+    auto diagnostic =
+        bksvFEVAL_NoThrow(0, out, "testmods.Calls.fail", {nxArray::charRow(c.message)});
+    ASSERT_NE(diagnostic, nullptr) << c.message;
+    EXPECT_EQ(diagnostic->identifier, c.identifier) << c.message;
+  }
 }
 
 }  // namespace

@@ -1,9 +1,10 @@
+#include "host/language/messagecatalog.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <regex>
 
-#include "host/language/messagecatalog.h"
 #include "host/language/messageid.h"
 
 namespace {
@@ -27,14 +28,15 @@ TEST(MessageCatalogTest, SubstitutesArgumentsAndFormsIdentifiers) {
 TEST(MessageCatalogTest, CatalogueHasATextForEveryEngineIdentifier) {
   auto& catalog = bkmsg::MessageCatalog::instance();
   catalog.load(std::string(BKETC_RESOURCE_DIR) + "/messages.xml");
-  for (const char* id : {"UnknownBuiltInBlock", "InvalidBlockParameterName",
-                         "UnsupportedNumberOfConstraintValues", "UnsupportedValueOperator",
-                         "InvalidParameterValueInput", "UnsupportedParamValue",
-                         "InvalidParameterValueNonStruct", "UnsupportedPreReqType"}) {
+  for (const char* id :
+       {"UnknownBuiltInBlock", "InvalidBlockParameterName", "UnsupportedNumberOfConstraintValues",
+        "UnsupportedValueOperator", "InvalidParameterValueInput", "UnsupportedParamValue",
+        "InvalidParameterValueNonStruct", "UnsupportedPreReqType"}) {
     EXPECT_TRUE(catalog.contains(std::string("bkedittimecheck:edittimecheck:") + id)) << id;
   }
-  for (const char* id : {"InvalidObject", "UnknownMember", "ReadOnlyProperty", "NoMatchingSignature",
-                         "NotConstructible", "UnknownClass", "ConversionFailed"}) {
+  for (const char* id :
+       {"InvalidObject", "UnknownMember", "ReadOnlyProperty", "NoMatchingSignature",
+        "NotConstructible", "UnknownClass", "ConversionFailed"}) {
     EXPECT_TRUE(catalog.contains(std::string("blockara:ncos:") + id)) << id;
   }
 }
@@ -52,6 +54,89 @@ TEST(MessageCatalogTest, BadCatalogueNamesTheFileAndKeepsTexts) {
     EXPECT_NE(std::string(e.what()).find(path), std::string::npos);
   }
   EXPECT_EQ(catalog.identifiers().size(), before);
+}
+
+TEST(MessageCatalogTest, SubstitutionReplacesOnlyKnownArgumentNumbers) {
+  using bkmsg::MessageCatalog;
+  std::vector<std::string> eleven;
+  for (int i = 0; i < 11; ++i) eleven.push_back("a" + std::to_string(i));
+  struct Case {
+    const char* pattern;
+    std::vector<std::string> args;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {"{0}{0}", {"x"}, "xx"},
+      {"{1} before {0}", {"x", "y"}, "y before x"},
+      {"{10}", eleven, "a10"},
+      {"{}", {"x"}, "{}"},
+      {"{0", {"x"}, "{0"},
+      {"{-1}", {"x"}, "{-1}"},
+      {"{ 0}", {"x"}, "{ 0}"},
+      {"{1234}", {"x"}, "{1234}"},
+      {"{0}-{1}", {"{1}", "b"}, "{1}-b"},  // an argument is not substituted again
+      {"", {"x"}, ""},
+      {"}{0}{", {"x"}, "}x{"},
+  };
+  for (const Case& c : cases)
+    EXPECT_EQ(MessageCatalog::substitute(c.pattern, c.args), c.expected) << c.pattern;
+}
+
+TEST(MessageCatalogTest, LaterFilesWinAndMissingTextsShowArguments) {
+  auto& catalog = bkmsg::MessageCatalog::instance();
+  std::string path = ::testing::TempDir() + "/override.xml";
+  std::ofstream(path) << "<catalogue><component name='bkedittimecheck:edittimecheck'>"
+                         "<message id='InvalidBlockParameterName'>Other {1}/{0}</message>"
+                         "</component><ignored/></catalogue>";
+  catalog.load(path);
+  InvalidBlockParameterName e(std::u16string(u"G\u00e4in"), "Sum");
+  EXPECT_STREQ(e.what(),
+               "bkedittimecheck:edittimecheck:InvalidBlockParameterName: Other Sum/G\xc3\xa4in");
+  EXPECT_EQ(e.arguments(), (std::vector<std::string>{"G\xc3\xa4in", "Sum"}));
+  EXPECT_EQ(catalog.text("no:such:Id"), "");
+  EXPECT_EQ(catalog.format("no:such:Id", {}), "");
+  // Without text or arguments the message is the identifier alone.
+  EXPECT_STREQ(NotInCatalogue().what(), "bkedittimecheck:edittimecheck:NotInCatalogue");
+}
+
+TEST(MessageCatalogTest, EveryMalformedCatalogueIsRefusedWhole) {
+  auto& catalog = bkmsg::MessageCatalog::instance();
+  struct Case {
+    const char* content;
+    const char* problem;
+  };
+  const Case cases[] = {
+      {"<catalogue><component name='x'>", "cannot read message catalogue"},
+      {"not xml at all <", "cannot read message catalogue"},
+      {"<other/>", "no <catalogue> element"},
+      {"<catalogue><component><message id='A'>t</message></component></catalogue>",
+       "<component> without a name"},
+      {"<catalogue><component name='x:y'><message id='Good'>t</message><message>t</message>"
+       "</component></catalogue>",
+       "<message> without an id in component x:y"},
+  };
+  int n = 0;
+  for (const Case& c : cases) {
+    std::string path = ::testing::TempDir() + "/malformed" + std::to_string(n++) + ".xml";
+    std::ofstream(path) << c.content;
+    try {
+      catalog.load(path);
+      FAIL() << c.content;
+    } catch (const std::runtime_error& e) {
+      std::string what = e.what();
+      EXPECT_EQ(what.rfind(path + ": ", 0), 0u) << what;
+      EXPECT_NE(what.find(c.problem), std::string::npos) << what;
+    }
+  }
+  // The good message before the bad one was not kept either.
+  EXPECT_FALSE(catalog.contains("x:y:Good"));
+  std::string missing = ::testing::TempDir() + "/absent-catalogue.xml";
+  try {
+    catalog.load(missing);
+    FAIL();
+  } catch (const std::runtime_error& e) {
+    EXPECT_NE(std::string(e.what()).find(missing), std::string::npos);
+  }
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ std::string dump(const BKRootBD* d) {
       if (auto* n = std::get_if<double>(&v)) out += std::to_string(*n);
       if (auto* ns = std::get_if<std::vector<double>>(&v))
         for (double x : *ns) out += std::to_string(x) + ",";
-      if (auto* r = std::get_if<BlockRecordList>(&v)) out += b->getParamText(name);
+      if (std::holds_alternative<BlockRecordList>(v)) out += b->getParamText(name);
     }
     out += "\n";
   }

@@ -93,8 +93,9 @@ TEST_F(StudioTest, ConnectionsStopAtDisableListenerDeathAndDiagramClose) {
   studio->openEditor(u"m/s");  // must not reach the destroyed listener
   EXPECT_EQ(studio->activeEditorChangedEventService().connectionCount(), 2u);
 
+  double handle = d->getHandle();
   bkBlockDiagramSet::close(d);
-  EXPECT_TRUE(StudioApp::getAllStudioAppsFor(d->getHandle()).empty());
+  EXPECT_TRUE(StudioApp::getAllStudioAppsFor(handle).empty());
   d = nullptr;
 }
 

@@ -1,0 +1,1 @@
+error("testmods:load:Refused: the module refuses to load", 0)

@@ -1,0 +1,264 @@
+#include <gtest/gtest.h>
+
+#include "host/language/luahost.h"
+#include "host/runtime/eventloop.h"
+#include "nxarrayprint.h"
+#include "testgadget.h"
+
+namespace {
+
+using blockara::LuaHost;
+
+class LuaNcosTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    blockara::EventLoop::instance().adoptCurrentThread();
+    testclass::registerGadget();
+    host = std::make_unique<LuaHost>(blockara::LuaHostOptions{
+        BKETC_RESOURCE_DIR, {std::string(BKETC_SOURCE_DIR) + "/tests/host/language/lua"}, true});
+  }
+  /// Runs code and returns its error ("" when none).
+  std::string run(const std::string& code) { return host->runString(code).value_or(""); }
+  /// The error object of `code` run under pcall, as Lua sees it ("<no error>" when none).
+  std::string errorOf(const std::string& code) {
+    std::string wrapped = "local ok, e = pcall(function() " + code +
+                          " end) lastError = ok and '<no error>' or tostring(e)";
+    std::string failure = run(wrapped);
+    if (!failure.empty()) return "<outer failure> " + failure;
+    lua_getglobal(host->state(), "lastError");
+    std::string e = lua_tostring(host->state(), -1);
+    lua_pop(host->state(), 1);
+    return e;
+  }
+  std::unique_ptr<LuaHost> host;
+};
+
+TEST_F(LuaNcosTest, OverloadsAreTriedOwnClassFirstThenSuperclasses) {
+  EXPECT_EQ(run(R"(
+    local g = Test.pkg.Gadget()
+    -- the gadget's logical form takes a double too, and is declared before the widget's forms
+    assert(g:describe(true) == "logical:true")
+    assert(g:describe(0) == "logical:false")
+    assert(g:describe(7) == "logical:true")
+    -- a char row only fits the widget's form
+    assert(g:describe("s") == "char:s")
+    -- a plain widget keeps its own double form
+    assert(Test.pkg.Widget():describe(7) == "double:7")
+    -- inherited properties and methods, static-form methods taking the subclass
+    g.Name = "sub"; assert(g.Name == "sub")
+    assert(g:greet("x", nx.uint32(2)) == "hi x;hi x;")
+    Test.pkg.Widget.addTag(g, "t"); g:addTag("u")
+    assert(#g.Tags == 2 and g.Tags[2] == "u")
+    -- uint32 arguments: a double holding an integer in range, or the largest uint32
+    assert(g:greet("y", 1) == "hi y;")
+    assert(g:greet("z", 0) == "")
+  )"),
+            "");
+}
+
+TEST_F(LuaNcosTest, ConstructorsAreChosenByArgumentsAndAnnounceTheirObjects) {
+  auto before = ncos::BindingRegistry::instance().announcedCount();
+  EXPECT_EQ(run(R"(
+    local plain = Test.pkg.Gadget()
+    assert(plain.Name == "")
+    local named = Test.pkg.Gadget("bolt")
+    assert(named.Name == "named:bolt")
+    assert(tostring(named) == "Test.pkg.Gadget object")
+    assert(tostring(Test.pkg.Gadget) == "class Test.pkg.Gadget")
+    assert(Test.pkg.Gadget.name == "Test.pkg.Gadget")
+    assert(tostring(Test.pkg) == "package Test.pkg")
+    assert(named ~= plain and named == named)
+  )"),
+            "");
+  EXPECT_EQ(ncos::BindingRegistry::instance().announcedCount(), before + 2);
+  EXPECT_EQ(errorOf("Test.pkg.Gadget(1)").rfind("blockara:ncos:NoMatchingSignature: ", 0), 0u);
+  EXPECT_EQ(errorOf("Test.pkg.Gadget('a', 'b')").rfind("blockara:ncos:NoMatchingSignature: ", 0),
+            0u);
+}
+
+TEST_F(LuaNcosTest, PropertiesOfEveryFormReadWriteAndRefuseWrongValues) {
+  EXPECT_EQ(run(R"(
+    local g = Test.pkg.Gadget()
+    -- uint32: read back as a uint32 array; a double holding an integer in range is taken
+    g.Count = 4294967295
+    assert(g.Count == nx.uint32(4294967295) and g.Count:class() == "uint32")
+    g.Count = nx.uint32(0); assert(g.Count == nx.uint32(0))
+    -- a read-only property still reads
+    assert(g.Serial == nx.uint32(42))
+    g.Ratio = nx.uint32(3); assert(g.Ratio == 3)
+    g.Ratio = -0.5; assert(g.Ratio == -0.5)
+    -- a wide string property keeps characters beyond the basic plane
+    g.Label = "Grüße 😀"; assert(g.Label == "Grüße 😀")
+    -- logical properties take a double scalar
+    g.Enabled = 1; assert(g.Enabled == true)
+    -- an object property gives a borrowed object that refers to the same native object
+    local w = Test.pkg.Widget(); w.Name = "parent"
+    g.Parent = w
+    assert(g.Parent == w and g.Parent.Name == "parent")
+    -- a subclass object is a widget too
+    g.Parent = g; assert(g.Parent.Name == g.Name)
+    -- an object vector property: an object array, or empty
+    local other = Test.pkg.Widget()
+    g.Children = nx.array("object", 1, 2, {w, other})
+    local c = g.Children
+    assert(c:class() == "Test.pkg.Widget" and #c == 2 and c[1] == w and c[2] == other)
+    g.Children = nil
+    local r, n = nx.size(g.Children); assert(r == 0 and n == 0)
+    -- a string vector property takes one char row as a vector of one
+    g.Tags = "only"; assert(#g.Tags == 1 and g.Tags[1] == "only")
+    g.Tags = {}; assert(#g.Tags == 0)
+    g.Tags = nx.column({"a", "b"}); assert(#g.Tags == 2)
+  )"),
+            "");
+  struct Case {
+    const char* code;
+    const char* identifier;
+  };
+  const Case cases[] = {
+      {"Test.pkg.Gadget().Serial = 1", "blockara:ncos:ReadOnlyProperty"},
+      {"Test.pkg.Gadget().Count = -1", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Count = 4294967296", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Count = 1.5", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Count = nx.array('uint32', 1, 2, {1, 2})",
+       "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Ratio = 'x'", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Ratio = true", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Label = 5", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Label = nx.array('char', 2, 1, 'ab')", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Enabled = 'yes'", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Tags = {1, 2}", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Tags = nx.array('cell', 2, 2)", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Parent = 'w'", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Gadget().Children = {Test.pkg.Widget()}", "blockara:ncos:ConversionFailed"},
+      {"Test.pkg.Widget().Count = 1", "blockara:ncos:UnknownMember"},
+      {"local x = Test.pkg.Widget().Serial", "blockara:ncos:UnknownMember"},
+      {"local x = Test.pkg.Gadget.nothing", "blockara:ncos:UnknownMember"},
+  };
+  for (const Case& c : cases) {
+    std::string e = errorOf(c.code);
+    EXPECT_EQ(e.rfind(std::string(c.identifier) + ": ", 0), 0u) << c.code << " gave " << e;
+  }
+  // A refused value leaves the property as it was.
+  EXPECT_EQ(run("local g = Test.pkg.Gadget(); g.Count = 3; pcall(function() g.Count = -1 end);"
+                "assert(g.Count == nx.uint32(3))"),
+            "");
+}
+
+TEST_F(LuaNcosTest, StaticAndInstanceCallsAreKeptApart) {
+  EXPECT_EQ(run(R"(
+    local g, w = Test.pkg.Gadget(), Test.pkg.Widget()
+    -- a static method taking an object vector: empty, one object, an object array
+    assert(Test.pkg.Gadget.liveCount(nil) == 0)
+    assert(Test.pkg.Gadget.liveCount(g) == 1)
+    assert(Test.pkg.Gadget.liveCount(nx.array("object", 1, 2, {g, w})) == 2)
+    -- in static form (object first) it can be called with ':' as well
+    assert(g:liveCount() == 1)
+    -- a method looked up on an object is a function that needs the object back
+    local m = g.describe; assert(m(g, true) == "logical:true")
+  )"),
+            "");
+  struct Case {
+    const char* code;
+    const char* prefix;
+  };
+  const Case cases[] = {
+      // an instance method through the class
+      {"Test.pkg.Gadget.describe(Test.pkg.Gadget(), true)", "blockara:ncos:NoMatchingSignature: "},
+      // a static method without its object argument on an object
+      {"Test.pkg.Widget():getShared()", "blockara:ncos:NoMatchingSignature: "},
+      // a static-form method given something that is not the object
+      {"Test.pkg.Widget.addTag('w', 't')", "blockara:ncos:NoMatchingSignature: "},
+      // a static method given something that is no object vector
+      {"Test.pkg.Gadget.liveCount('x')", "blockara:ncos:NoMatchingSignature: "},
+      {"Test.pkg.Gadget():nothing()", "blockara:ncos:UnknownMember: "},
+      // '.' instead of ':' on a method
+      {"local g = Test.pkg.Gadget(); g.describe(true)",
+       "method 'describe' must be called on an object"},
+      {"numeria.mixin.Heterogeneous()", "blockara:ncos:NotConstructible: "},
+  };
+  for (const Case& c : cases) {
+    std::string e = errorOf(c.code);
+    EXPECT_NE(e.find(c.prefix), std::string::npos) << c.code << " gave " << e;
+    // Message-ID errors come without a position in front.
+    if (std::string(c.prefix).rfind("blockara:", 0) == 0) {
+      EXPECT_EQ(e.rfind(c.prefix, 0), 0u) << e;
+    }
+  }
+  // The message names the method, the class and the argument classes.
+  EXPECT_EQ(errorOf("Test.pkg.Gadget():describe({})"),
+            "blockara:ncos:NoMatchingSignature: No form of 'describe' of class 'Test.pkg.Gadget' "
+            "takes the arguments (cell).");
+}
+
+TEST_F(LuaNcosTest, DeadObjectsFailEveryUseWithInvalidObject) {
+  testclass::transientWidget() = std::make_unique<testclass::Widget>();
+  ASSERT_EQ(run("held = Test.pkg.Widget.getTransient(); g = Test.pkg.Gadget(); g.Parent = held"),
+            "");
+  testclass::transientWidget().reset();
+  for (const char* code : {"held.Name = 'x'", "local n = held.Name", "held:describe('x')",
+                           "held:addTag('x')", "Test.pkg.Widget.addTag(held, 'x')",
+                           "Test.pkg.Gadget():greet('x', 1) held:greet('x', 1)"}) {
+    EXPECT_EQ(errorOf(code), "blockara:ncos:InvalidObject: Invalid or deleted object.") << code;
+  }
+  // Unknown names are still told apart from dead objects.
+  EXPECT_EQ(errorOf("local n = held.Missing").rfind("blockara:ncos:UnknownMember: ", 0), 0u);
+  EXPECT_EQ(run("assert(held == held); assert(tostring(held):find('deleted'))"
+                "assert(nx.class(held) == 'Test.pkg.Widget')"
+                "assert(Test.pkg.Gadget.liveCount(nx.array('object', 1, 2, {held, g})) == 1)"),
+            "");
+}
+
+TEST_F(LuaNcosTest, NativeFailuresBecomeLuaErrorsAndLuaErrorsStayInsideCallbacks) {
+  EXPECT_EQ(errorOf("Test.pkg.Gadget():throwStd()"), "native failure");
+  EXPECT_EQ(errorOf("Test.pkg.Gadget():throwOther()"),
+            "a native function failed with an exception of unknown type");
+  EXPECT_EQ(errorOf("Test.pkg.Gadget():setOperator('zz')"),
+            "bkedittimecheck:edittimecheck:UnsupportedValueOperator: 'zz' is not a supported value "
+            "operator. Use one of: or, eq, regex, range, gt, ge, lt, le.");
+  // Lua called back from native code called from Lua: its error comes back as a diagnostic and
+  // the outer call goes on.
+  EXPECT_EQ(run(R"(
+    local g = Test.pkg.Gadget()
+    assert(g:callBack("testmods.Calls.upper") == "FROM NATIVE")
+    assert(g:callBack("testmods.Calls.fail") == "failed:")
+    assert(g:callBack("testmods.Calls.nothing") == "failed:blockara:nvm:UnknownFunction")
+    -- the error of a nested call that has an identifier keeps it
+    function raiseTagged() error("x:y:Z: tagged", 0) end
+    assert(g:callBack("raiseTagged") == "failed:x:y:Z")
+  )"),
+            "");
+  EXPECT_EQ(lua_gettop(host->state()), 0);
+}
+
+TEST_F(LuaNcosTest, PackagesAreResolvedWhenReadSoLaterChangesShow) {
+  EXPECT_EQ(run("assert(Late == nil); assert(Test.nothing == nil)"), "");
+  class Thing : public ncos::factory::NcosFactoryClassInfo {
+   public:
+    Thing() : NcosFactoryClassInfo("Thing", "A class of a package added late") {}
+
+   protected:
+    void populate() override {
+      addSuperclass(ncos::COSNameID("Test.pkg.Widget"), 1, 0, 1);
+      addConstructor(ncos::factory::makeConstructor<testclass::Widget>("Late.sub.Thing"));
+    }
+  };
+  class LatePackage : public ncos::COSPackageInfo {
+   public:
+    LatePackage() : COSPackageInfo("Late.sub") {}
+    void populate(ncos::COSPackage& package) override {
+      package.addClass(ncos::factory::allocate<Thing>());
+    }
+  };
+  ncos::COSPackage::addPackage(std::make_unique<LatePackage>());
+  EXPECT_EQ(run("late = Late.sub.Thing(); late.Name = 'late'; LateClass = Late.sub.Thing"), "");
+  ASSERT_TRUE(ncos::COSPackage::removePackage("Late"));
+  // The package is gone; its objects still work; the class held in Lua is unknown now.
+  EXPECT_EQ(run("assert(Late == nil); assert(late.Name == 'late')"), "");
+  EXPECT_EQ(errorOf("LateClass()"),
+            "blockara:ncos:UnknownClass: There is no class 'Late.sub.Thing'.");
+  // A Lua global of the same name as a package wins over the package.
+  EXPECT_EQ(
+      run("Test = 5; assert(Test == 5); Test = nil; assert(tostring(Test) == 'package Test')"), "");
+}
+
+}  // namespace
