@@ -1,9 +1,12 @@
 // The engine's switches and refreshes: what each changes, in which order, and which table it runs.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include "host/model/bkblock.h"
+#include "src/configuration/exclusionmanager.h"
 #include "src/presentation/edittimestyler.h"
 #include "src/violationdatabase.h"
 #include "tests/src/enginefixture.h"
@@ -274,6 +277,59 @@ TEST_F(EngineSwitchTest, CleanupAtCloseStopsListeningToTheStudios) {
   studio->focus(u"m");
   blockara::EventLoop::instance().runUntilIdle();
   EXPECT_TRUE(take().empty());  // the closed engine hears nothing
+}
+
+}  // namespace
+}  // namespace bkedittimecheck::testing
+
+namespace bkedittimecheck::testing {
+namespace {
+
+class EngineExclusionTest : public EngineFixture {};
+
+TEST_F(EngineExclusionTest, ExemptedAndCommentedFindingsLoseTheirGlowNotTheirRecords) {
+  BKRootBD* d = open(u"m", BKRootBD::Model, true);
+  d->editing().addBlock(u"m", "Gain", u"free");
+  d->editing().addBlock(u"m", "Gain", u"exempt");
+  d->editing().addBlock(u"m", "Gain", u"quiet");
+  auto engine = engineOf(u"m");
+  ASSERT_TRUE(engine);
+  const auto handle = [&](const char16_t* p) { return d->findBlock(p)->getHandle(); };
+  const auto add = [&](double h, std::uint32_t severity, bool commented) {
+    auto v = std::make_shared<EditTimeViolation>("c1", "t" + std::to_string(severity), severity, h);
+    v->isCommented = commented;
+    engine->getViolations()->add(v);
+  };
+  add(handle(u"m/free"), 3, false);
+  add(handle(u"m/exempt"), 3, false);
+  add(handle(u"m/exempt"), 4, false);  // a rule-auditor error
+  add(handle(u"m/quiet"), 3, true);
+
+  const auto file = std::filesystem::temp_directory_path() / "bketc_switch_exclusions.xml";
+  std::ofstream(file) << "<rsccat><SystemList><System><ExclusionList><Exclusion><RuleList>"
+                         "<Rule Type=\"Block\" SID=\"off\"><paramValue>exempt</paramValue></Rule>"
+                         "</RuleList><CheckIDList><CheckID>c1</CheckID></CheckIDList></Exclusion>"
+                         "</ExclusionList></System></SystemList></rsccat>";
+  controller().refreshExclusionsWithPartFile(L"m", file.wstring());
+  std::filesystem::remove(file);
+
+  auto* styler = createEditTimeStyler();
+  const auto classes = [&](const char16_t* p) { return styler->classesOf(handle(p)); };
+  using Classes = decltype(classes(u"m/free"));
+  EXPECT_EQ(classes(u"m/free"), (Classes{L"Warn"}));
+  EXPECT_EQ(classes(u"m/exempt"), (Classes{L"Error"}));  // exemptions govern only the orange
+  EXPECT_TRUE(classes(u"m/quiet").empty());
+  // The records stay; the report leaves the exempted ones out.
+  EXPECT_EQ(engine->getViolations()->violationsOf(handle(u"m/exempt")).size(), 2u);
+  EXPECT_TRUE(controller().getViolations(L"m", handle(u"m/exempt")).empty());
+  EXPECT_EQ(controller().getViolations(L"m", handle(u"m/quiet")).size(), 3u);
+
+  // A failed reload throws before the styling pass; outside the rule auditor nothing reloads.
+  EXPECT_ANY_THROW(controller().refreshExclusionsWithPartFile(L"m", L"/no/such/file.xml"));
+  d->setAuditorMode(false);
+  controller().refreshExclusionsWithPartFile(L"m", L"/no/such/file.xml");
+  controller().refreshExclusions(L"m");
+  EXPECT_EQ(engine->getExclusions()->getExclusions().size(), 1u);
 }
 
 }  // namespace
