@@ -5,6 +5,7 @@
 
 #include "host/studio/studioapp.h"
 #include "src/bkeditbd.h"
+#include "src/configuration/edittimecheckselector.h"
 #include "src/edittimeengine.h"
 #include "src/hostinterface.h"
 #include "src/presentation/edittimestyler.h"
@@ -87,8 +88,10 @@ void EditTimeEngine::requeueMasks() {
   }
 }
 
-void EditTimeEngine::populateBlockParamConstraintData(const std::wstring& /*path*/) {
+void EditTimeEngine::populateBlockParamConstraintData(const std::wstring& path) {
   algorithmTable.auditorChecksEnabled = true;
+  // A file that does not parse throws here, through the caller, to the host language.
+  EditTimeCheckSelector::loadCheckSelection(path);
   restartAuditorScan();
 }
 
