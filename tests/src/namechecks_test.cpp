@@ -9,36 +9,11 @@
 namespace bkedittimecheck::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Edit = std::function<void(BKRootBD*)>;
 
 const char* const kPattern = "Regular expression for prohibited names:";
 
 class NameChecksTest : public RoadFixture {
  protected:
-  struct Case {
-    std::string what;
-    std::string checks;  // the customization's Check elements
-    Edit edit;
-    Lines expected;
-  };
-
-  // Each case on a diagram of its own, "m<n>", so that no case sees another's blocks.
-  void runCases(const std::vector<Case>& cases) {
-    int n = 0;
-    for (const Case& c : cases) {
-      writeCustomization(c.checks);
-      const std::u16string name = u"m" + i18n::to_u16string(std::to_string(++n));
-      BKRootBD* d = openAuditor(name);
-      ASSERT_TRUE(settle());
-      c.edit(d);
-      ASSERT_TRUE(settle()) << c.what;
-      Lines expected;
-      for (const std::string& line : c.expected) expected.push_back("m" + std::to_string(n) + line);
-      EXPECT_EQ(records(name), expected) << c.what;
-    }
-  }
-
   static std::string nameCheck(const std::string& id, const std::string& pattern,
                                const std::string& masks = "graphical",
                                const std::string& links = "on") {
@@ -86,6 +61,79 @@ TEST_F(NameChecksTest, BlockNameViolationTakesShownNamesLineByLine) {
       {"a check not selected runs not", check(kb0402, {{kPattern, {"g"}}}, "false"),
        [](BKRootBD* d) { place(d, u"m7", "Gain", u"g"); }, {}},
   });
+}
+
+TEST_F(NameChecksTest, PortSubsystemAndCodegenNameChecksTakeTheirOwnBlocks) {
+  runCases({
+      {"ports: whole name, hidden names too, kinds 66, 67 and 88 only",
+       nameCheck("orvanta.kabe.kb_0405", "^b|p"),
+       [](BKRootBD* d) {
+         place(d, u"m1", "Inport", u"a\nb");  // ^ only at the whole name's start
+         place(d, u"m1", "Outport", u"p1", {{"ShowName", false}});
+         place(d, u"m1", "InportShadow", u"p2");
+         place(d, u"m1", "Gain", u"p3");
+       },
+       {"/p1|orvanta.kabe.kb_0405|PortNameViolation|3",
+        "/p2|orvanta.kabe.kb_0405|PortNameViolation|3"}},
+      {"subsystems: plain ones, hidden names too; inlined and function ones not",
+       nameCheck("orvanta.kabe.kb_0406", "s"),
+       [](BKRootBD* d) {
+         place(d, u"m2", "SubSystem", u"s1", {{"ShowName", false}});
+         place(d, u"m2", "SubSystem", u"s2",
+               {{"TreatAsAtomicUnit", true}, {"FunctionPackaging", std::string("Inline")}});
+         place(d, u"m2", "SubSystem", u"s3", {{"IsBlockaraFunction", true}});
+         place(d, u"m2", "SubSystem", u"s4",
+               {{"TreatAsAtomicUnit", true},
+                {"FunctionPackaging", std::string("Reusable function")}});
+         place(d, u"m2", "Gain", u"s5");
+       },
+       {"/s1|orvanta.kabe.kb_0406|SubsystemNameViolation|3",
+        "/s4|orvanta.kabe.kb_0406|SubsystemNameViolation|3"}},
+      {"code generation names: supported or harmless footnotes only",
+       nameCheck("orvanta.codegen.BlockNames", "x"),
+       [](BKRootBD* d) {
+         place(d, u"m3", "Gain", u"x1");
+         place(d, u"m3", "NoCodegen", u"x2");  // unsupported, no footnote: left alone
+         place(d, u"m3", "Harmless", u"x3");   // known footnotes: support values not read
+         place(d, u"m3", "Unknown", u"x4");    // an unknown tag: left alone
+         place(d, u"m3", "Blank", u"x5");      // a blank before the tag makes it unknown
+         place(d, u"m3", "Gain", u"x6", {{"ShowName", false}});
+       },
+       {"/x1|orvanta.codegen.BlockNames|CodegenBlockNameViolation|3",
+        "/x3|orvanta.codegen.BlockNames|CodegenBlockNameViolation|3"}},
+  });
+}
+
+TEST_F(NameChecksTest, MasksDecideTheScopeByTheirKind) {
+  // m<n>/sub holds a block "x"; the subsystem's mask kind and "Look under masks" decide.
+  const auto under = [](const std::string& masks, blockara::PropertyMap mask) -> Case {
+    return {masks,
+            check("orvanta.kabe.kb_0402",
+                  {{kPattern, {"x"}}, {"Look under masks", {"graphical", masks}}}),
+            [mask](BKRootBD* d) {
+              const std::u16string root = d->getName();
+              place(d, root, "SubSystem", u"sub", mask);
+              Blockara::StudioApp::open(d)->openEditor(root + u"/sub");
+              d->editing().addBlock(root + u"/sub", "Gain", u"x");
+              d->editing().setProperties(root + u"/sub/x", {{"Gain", std::string("2")}});
+            },
+            {}};
+  };
+  const blockara::PropertyMap graphicalMask{{"MaskType", std::string("M")},
+                                            {"MaskParameters", 1.0}};
+  const blockara::PropertyMap emptyMask{{"MaskType", std::string("M")}};
+  const blockara::PropertyMap functionalMask{{"MaskType", std::string("M")},
+                                             {"MaskInitialization", std::string("k=1")}};
+  std::vector<Case> cases{under("all", functionalMask), under("none", graphicalMask),
+                          under("graphical", emptyMask), under("graphical", graphicalMask),
+                          under("functional", emptyMask), under("functional", functionalMask),
+                          under("bogus", {})};
+  const char* const hit = "/sub/x|orvanta.kabe.kb_0402|BlockNameViolation|3";
+  cases[0].expected = {hit};  // all: masks are not consulted
+  cases[3].expected = {hit};  // graphical: a mask with parameters is looked under
+  cases[4].expected = {hit};  // functional: only an initialized mask hides
+  cases[6].expected = {hit};  // no mask above: an unknown word hides nothing
+  runCases(cases);
 }
 
 TEST_F(NameChecksTest, RenamingAndDeletingClearTheRecordAndTheGlow) {

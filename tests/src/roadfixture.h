@@ -6,6 +6,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <memory>
 #include <sstream>
@@ -26,6 +27,9 @@
 #include "tests/src/enginefixture.h"
 
 namespace bkedittimecheck::testing {
+
+using Lines = std::vector<std::string>;
+using Edit = std::function<void(BKRootBD*)>;
 
 /// The whole road of an edit in one process: a customization file in a preferences directory of
 /// the test's own, the module initialized, the host language up on the installed resources (so
@@ -152,10 +156,33 @@ class RoadFixture : public EngineFixture {
   <BlockType Name="Unknown" Code="304"><Capability Number="8" Support="0"/>
     <Footnote Kind="codegen">FnIgnoredCodeGen,FnBogus</Footnote></BlockType>
   <BlockType Name="Blank" Code="305"><Capability Number="9" Support="0"/>
-    <Footnote Kind="production"> FnIgnoredCodeGen</Footnote></BlockType>
+    <Footnote Kind="production">FnIgnoredCodeGen, FnReliesOnMemOp</Footnote></BlockType>
 )";
     xml.insert(xml.rfind("</BlockLibrary>"), extra);
     BlockLibrary::instance().loadFromString(xml, "test library");
+  }
+
+  struct Case {
+    std::string what;
+    std::string checks;  // the customization's Check elements
+    Edit edit;
+    Lines expected;
+  };
+
+  /// Runs each case on a fresh diagram "m<n>"; expected lines leave out the diagram name.
+  void runCases(const std::vector<Case>& cases) {
+    int n = 0;
+    for (const Case& c : cases) {
+      writeCustomization(c.checks);
+      const std::u16string name = u"m" + i18n::to_u16string(std::to_string(++n));
+      BKRootBD* d = openAuditor(name);
+      ASSERT_TRUE(settle());
+      c.edit(d);
+      ASSERT_TRUE(settle()) << c.what;
+      Lines expected;
+      for (const std::string& line : c.expected) expected.push_back("m" + std::to_string(n) + line);
+      EXPECT_EQ(records(name), expected) << c.what;
+    }
   }
 
   std::filesystem::path prefDir;
