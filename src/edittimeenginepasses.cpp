@@ -155,6 +155,7 @@ void EditTimeEngine::requeueMasks() {
 
 void EditTimeEngine::populateBlockParamConstraintData(const std::wstring& path) {
   algorithmTable.auditorChecksEnabled = true;
+  // A file that does not parse throws here, through the caller, to the host language.
   EditTimeCheckSelector::loadCheckSelection(path);
   if (featureOn(BKFEAT_BlockConstraintCheckAuthoring)) {
     // The constraint data of the configuration is built here once its reader exists.
