@@ -1,9 +1,22 @@
 #include "src/algorithmtable.h"
 
+#include <map>
 #include <utility>
 
+#include "src/algorithms/bkciunsupportedblocks.h"
+#include "src/algorithms/blocknameposition.h"
+#include "src/algorithms/blocknameviolation.h"
+#include "src/algorithms/blockorientation.h"
+#include "src/algorithms/codegenblocknameviolation.h"
+#include "src/algorithms/portblockicondisplay.h"
+#include "src/algorithms/portnameviolation.h"
+#include "src/algorithms/productioncodegensupport.h"
+#include "src/algorithms/prohibitedblocks.h"
+#include "src/algorithms/prohibitedsinks.h"
 #include "src/algorithms/removeblock.h"
 #include "src/algorithms/setup.h"
+#include "src/algorithms/subsystemnameviolation.h"
+#include "src/configuration/edittimecheckselector.h"
 #include "src/features.h"
 #include "src/hostinterface.h"
 #include "src/workerthread/asynctaskmanager.h"
@@ -49,9 +62,41 @@ void AlgorithmTable::appendInteractiveChecks(int code, bool hasVariants) {
   (void)hasVariants;
 }
 
-void AlgorithmTable::appendSelectedChecks(int code) {
-  // The rule-auditor checks that the check selector has on are appended here, in table order.
-  (void)code;
+void AlgorithmTable::appendSelectedChecks(int /*code*/) {
+  // One copy of the selection per table; a check is on when its ID maps to true.
+  const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
+  const auto selected = [&selection](const char* id) {
+    const auto it = selection.find(id);
+    return it != selection.end() && it->second;
+  };
+  const auto append = [this, &selected](const char* id, auto make) {
+    if (selected(id)) pendingAlgorithms.push_back(make());
+  };
+  // The constraint checks come first once their class is in the table; their IDs are kept in
+  // constraintCheckIds by the configuration load.
+  const std::wstring& name = diagramName;
+  append("orvanta.kabe.kb_0401", [&] { return std::make_shared<BlockNamePosition>(name, 3); });
+  append("orvanta.kabe.kb_0407", [&] { return std::make_shared<ProhibitedBlocks>(name, 3); });
+  append("orvanta.kabe.kb_0408", [&] { return std::make_shared<ProhibitedSinks>(name, 3); });
+  append("orvanta.kabe.kb_0402", [&] { return std::make_shared<BlockNameViolation>(name, 3); });
+  append("orvanta.kabe.kb_0405", [&] { return std::make_shared<PortNameViolation>(name, 3); });
+  append("orvanta.kabe.kb_0404", [&] { return std::make_shared<PortBlockIconDisplay>(name, 3); });
+  append("orvanta.kabe.kb_0403", [&] { return std::make_shared<BlockOrientation>(name, 3); });
+  append("orvanta.kabe.kb_0406",
+         [&] { return std::make_shared<SubsystemNameViolation>(name, 3); });
+  // These four run a second time in every table. Nothing depends on it but the work done: the
+  // second run repeats the first one's adds and removes.
+  append("orvanta.kabe.kb_0404", [&] { return std::make_shared<PortBlockIconDisplay>(name, 3); });
+  append("orvanta.kabe.kb_0405", [&] { return std::make_shared<PortNameViolation>(name, 3); });
+  append("orvanta.kabe.kb_0403", [&] { return std::make_shared<BlockOrientation>(name, 3); });
+  append("orvanta.kabe.kb_0406",
+         [&] { return std::make_shared<SubsystemNameViolation>(name, 3); });
+  append("orvanta.codegen.PCGSupport",
+         [&] { return std::make_shared<ProductionCodeGenSupport>(name, 3); });
+  append("orvanta.codegen.BlockNames",
+         [&] { return std::make_shared<CodegenBlockNameViolation>(name, 3); });
+  append("orvanta.bkci.UnsupportedBlocks",
+         [&] { return std::make_shared<BKCIUnsupportedBlocks>(name, 3); });
 }
 
 void AlgorithmTable::startPending() {

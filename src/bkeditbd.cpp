@@ -1,6 +1,7 @@
 #include "src/bkeditbd.h"
 
 #include <algorithm>
+#include <unordered_set>
 #include <vector>
 
 #include "src/features.h"
@@ -13,10 +14,10 @@ namespace {
 // thread; later ones are treated like any other block.
 constexpr std::uint32_t kRoutingBlockLimit = 1000;
 
+// A hash set, since a diagram may show thousands of graphs and this runs at every slice.
 void keepWanted(const std::vector<bkGraph*>& wanted, std::vector<bkGraph*>& done) {
-  std::erase_if(done, [&](bkGraph* g) {
-    return std::find(wanted.begin(), wanted.end(), g) == wanted.end();
-  });
+  const std::unordered_set<const bkGraph*> keep(wanted.begin(), wanted.end());
+  std::erase_if(done, [&](bkGraph* g) { return keep.count(g) == 0; });
 }
 
 }  // namespace

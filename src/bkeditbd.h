@@ -59,6 +59,25 @@ class bkEditBD {
   /// Main thread. Replaces both wanted lists of graphs; each done list keeps only wanted graphs.
   void setWantedGraphs(const std::vector<bkGraph*>& graphs);
 
+  /// Main thread. Snapshots `block` onto `changedBlocks` only when it is a routing block (the
+  /// whole-diagram walk). Returns true when a snapshot was pushed.
+  bool noteRoutingBlock(BKBlock* block);
+
+  /// Main thread. True while the rule-auditor scan has graphs left: the wanted and done lists
+  /// differ in length and `auditorMode` is set. Only lengths count.
+  bool hasAuditorGraphsToScan() const;
+  /// Main thread. True while the interactive scan's wanted and done lists differ in length.
+  bool hasVisibleGraphsToScan() const;
+
+  /// Main thread. Scans the first graph of `auditorGraphs` not yet in `auditorGraphsDone`, if
+  /// any: marks it done and, unless it is unusable or its owner was taken already (a chart, or
+  /// a subsystem shown twice), notes its blocks for the rule-auditor checks. One graph a call.
+  /// Host exceptions pass to the caller.
+  void scanNextAuditorGraph();
+  /// Main thread. The same on `visibleGraphs`: every block of the graph, commented ones
+  /// included, is snapshotted onto `changedBlocks`.
+  void scanNextVisibleGraph();
+
   /// Main thread. Mask kind of a subsystem block: 1 none, 4 initialization set, else 2 or 3.
   static std::int32_t maskKindOf(BKBlock* block);
 
@@ -82,7 +101,7 @@ class bkEditBD {
   /// block map; `renamed` moves paths instead. Drops entries that are no longer commented.
   void syncCommentedSubsystems(bool renamed);
 
-  // ---- identity
+  // ---- identity (set at construction)
   const std::wstring name;
 
   // ---- worker
@@ -119,6 +138,11 @@ class bkEditBD {
   bool hasStateAccessBlocks = false;
   std::map<std::string, std::vector<std::shared_ptr<BlockParameterConstraint>>>
       parameterDataByBlockType;
+
+ private:
+  // True when the owner of `graph` was walked already in this scan (recorded in `pathsDone`)
+  // or is a chart, whose inside is never walked.
+  bool isOwnerTaken(const bkGraph* graph, std::set<std::wstring>& pathsDone);
 };
 
 }  // namespace bkedittimecheck

@@ -32,12 +32,18 @@ void EditTimeController::updateDiagnostic(const std::wstring& name) {
 }
 
 void EditTimeController::refreshExclusions(const std::wstring& name) {
-  if (auto engine = findEngine(name)) engine->applyStyling();
+  if (auto engine = findEngine(name)) {
+    engine->refreshExclusions();
+    engine->applyStyling();
+  }
 }
 
 void EditTimeController::refreshExclusionsWithPartFile(const std::wstring& name,
-                                                       const std::wstring& /*file*/) {
-  if (auto engine = findEngine(name)) engine->applyStyling();
+                                                       const std::wstring& file) {
+  if (auto engine = findEngine(name)) {
+    engine->refreshExclusionsWithPartFile(file);
+    engine->applyStyling();
+  }
 }
 
 void EditTimeController::getViolations(const std::string& name) {

@@ -4,7 +4,13 @@
 
 #include "host/prefs/bkfeature.h"
 #include "host/signals/pluginchangereport.h"
+#include "host/model/bkglue.h"
+#include "host/model/bkgraph.h"
 #include "src/bkeditbd.h"
+#include "src/configuration/edittimecheckselector.h"
+#include "src/configuration/exclusionmanager.h"
+#include "src/edittimetaskmanager.h"
+#include "src/edittimetaskmanagerworkspace.h"
 #include "src/features.h"
 #include "src/hostinterface.h"
 #include "src/presentation/edittimestyler.h"
@@ -50,11 +56,12 @@ EditTimeEngine::EditTimeEngine(BKRootBD* diagram)
       auditorMode(false) {
   data = std::make_shared<bkEditBD>(diagramName, auditorModeOn(diagram));
   violations = std::make_shared<ViolationDatabase>();
-  // Exclusions arrive with the exclusion manager; until then nothing is exempt.
+  checkSelector = std::make_shared<EditTimeCheckSelector>();
+  exclusions = std::make_shared<ExclusionManager>();
   styling = std::make_unique<EditTimeStyling>(
       *violations, *createEditTimeStyler(),
-      [](double handle) { return handle2Block(handle) != nullptr; },
-      [](double, const EditTimeViolation&) { return false; });
+      [](double handle) { return BKGlue::getBlockFromHandle(handle) != nullptr; },
+      [this](double handle, const EditTimeViolation& v) { return isExcluded(handle, v); });
   auditorMode = auditorModeOn(diagram);
   callDiagramFunction("edittime.EditTimeCheckingSetup.setup", diagramName);
   connectStudioListeners();
@@ -64,6 +71,11 @@ EditTimeEngine::EditTimeEngine(BKRootBD* diagram)
 }
 
 EditTimeEngine::~EditTimeEngine() = default;
+
+bool EditTimeEngine::isExcluded(double handle, const EditTimeViolation& violation) const {
+  const BKBlock* block = BKGlue::getBlockFromHandle(handle);
+  return block && exclusions->isExcluded(*block, violation);
+}
 
 bool EditTimeEngine::hasVariants() const { return data->variantSubsystemCount != 0; }
 
@@ -266,16 +278,22 @@ void EditTimeEngine::loadDefaultConfig() {
 
 void EditTimeEngine::refreshChartChecks(double blockHandle) {
   Profiler profiler("ENGINE", "REFRESH_CHARTELLE_CHART_CHECKS");
-  // The chart-state blocks of the owner's graph are noted here once chart snapshots exist.
-  (void)blockHandle;
+  std::shared_ptr<bkEditBD> keep = data;
+  if (BKBlock* block = handle2Block(blockHandle)) {
+    for (BKBlock* sibling : bkgg::graphicalBlocksOf(block->getGraph(), 1)) {
+      if (isChartBasedSubsystem(sibling)) data->noteBlock(sibling, 0);
+    }
+  }
   algorithmTable.runEvent(9, hasVariants());
 }
 
 void EditTimeEngine::refreshWorkspaceChecks(int code) {
   Profiler profiler("ENGINE", "REFRESH_WORKSPACE_CHECKS");
+  std::shared_ptr<bkEditBD> keep = data;
   data->visibleGraphsDone.clear();
   data->visiblePathsDone.clear();
   refreshVisibleGraphs();
+  data->scanNextVisibleGraph();
   algorithmTable.runEvent(code, hasVariants());
 }
 
@@ -283,6 +301,16 @@ void EditTimeEngine::refreshMissingVariables(int code) {
   if (!violations->violationsByCheck("BlockMissingVariable").empty()) {
     algorithmTable.runEvent(code, hasVariants());
   }
+}
+
+void EditTimeEngine::refreshExclusions() {
+  if (!auditorModeOn(diagram)) return;
+  exclusions->loadExclusions(diagram);
+}
+
+void EditTimeEngine::refreshExclusionsWithPartFile(const std::wstring& path) {
+  if (!auditorModeOn(diagram)) return;
+  exclusions->loadExclusionsFromFile(diagram, path);
 }
 
 void EditTimeEngine::viewChanged() {

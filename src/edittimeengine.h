@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/runtime/cooperativetaskmanager.h"
 #include "host/studio/connectionservice.h"
 #include "src/algorithmtable.h"
 
@@ -13,12 +14,18 @@ class BKBlock;
 struct PluginChangeReport;
 namespace Blockara {
 struct ActiveEditorChangedEvent;
+class StudioApp;
 }
 
 namespace bkedittimecheck {
 
 class bkEditBD;
+class EditTimeCheckSelector;
 class EditTimeStyling;
+class EditTimeTaskManager;
+class EditTimeTaskManagerWorkspace;
+class ExclusionManager;
+struct EditTimeViolation;
 class ViolationDatabase;
 
 /// The checking engine of one open diagram. It turns each host event into snapshots on the
@@ -50,7 +57,9 @@ class EditTimeEngine : public Blockara::connections::Listener {
   /// Main thread. A block's comment status changed (null allowed).
   void commentStatusChanged(BKBlock* block);
 
-  /// Main thread. The switches; each ends with at most one table run.
+  /// Main thread. The switches; each ends with at most one table run. Exceptions of the
+  /// customization and exclusions readers pass to the caller (`checksOn` under the rule
+  /// auditor, `enableAuditor`, `loadConfig`, `loadDefaultConfig`).
   void checksOn(int code);
   void errorsOn();
   void warningsOn();
@@ -64,6 +73,11 @@ class EditTimeEngine : public Blockara::connections::Listener {
   void refreshChartChecks(double blockHandle);
   void refreshWorkspaceChecks(int code);
   void refreshMissingVariables(int code);
+
+  /// Main thread. Under the rule auditor only: reloads the exclusions the regular way, or from
+  /// the file `path`. Throws what `ExclusionManager` throws; nothing is restyled here.
+  void refreshExclusions();
+  void refreshExclusionsWithPartFile(const std::wstring& path);
 
   /// Main thread. The view changed: refresh the graphs on view and run the table with code 2.
   void viewChanged();
@@ -85,14 +99,30 @@ class EditTimeEngine : public Blockara::connections::Listener {
   /// Main thread. The three strings (type, check ID, category) of each violation of a block.
   std::vector<std::string> getBlockViolationStrings(double blockHandle) const;
 
-  /// Main thread. Stops listening and calls the host-language cleanup function.
+  /// Main thread. Takes the rule-auditor task out of its session, stops listening to the
+  /// studios and calls the host-language cleanup function (a failure there is dropped). The
+  /// workspace task stays: its slice finds no engine and does nothing.
   void cleanupOnModelClose();
 
-  /// Main thread. Schedule and run the slices of the two scans.
+  /// Main thread. Appends a task for the next slice of the rule-auditor scan (only under the
+  /// rule auditor) or of the interactive scan, when that scan has graphs left; a finished or
+  /// missing session of this engine is replaced by a new ordered one. Tasks are not
+  /// deduplicated.
   void scheduleDiagramTask();
   void scheduleWorkspaceTask();
+  /// Main thread. One slice: refresh the graphs on view, scan the next graph of the scan, run
+  /// the table with code 1.
   void runDiagramSlice();
   void runWorkspaceSlice();
+  /// Main thread. The engine's task session and latest tasks; null before the first.
+  const std::shared_ptr<Performance::CooperativeTaskManager::OrderedTaskSession>& getTaskSession()
+      const {
+    return taskSession;
+  }
+  const std::shared_ptr<EditTimeTaskManager>& getDiagramTask() const { return diagramTask; }
+  const std::shared_ptr<EditTimeTaskManagerWorkspace>& getWorkspaceTask() const {
+    return workspaceTask;
+  }
 
   /// Main thread. Takes the graphs behind the visible editors into both wanted lists.
   void refreshVisibleGraphs();
@@ -120,6 +150,8 @@ class EditTimeEngine : public Blockara::connections::Listener {
   AlgorithmTable& getAlgorithmTable() { return algorithmTable; }
   /// Main thread. Copy of the rule-auditor bit at construction.
   bool getAuditorMode() const { return auditorMode; }
+  /// Main thread. The diagram's exclusions.
+  const std::shared_ptr<ExclusionManager>& getExclusions() const { return exclusions; }
 
  private:
   bool hasVariants() const;
@@ -129,16 +161,28 @@ class EditTimeEngine : public Blockara::connections::Listener {
   void restartAuditorScan();
   void requeueMasks();
   void populateBlockParamConstraintData(const std::wstring& path);
+  bool isExcluded(double handle, const EditTimeViolation& violation) const;
+
+  using StudioConnection =
+      Blockara::connections::TypedConnection<EditTimeEngine, Blockara::ActiveEditorChangedEvent>;
 
   AlgorithmTable algorithmTable;
+  std::shared_ptr<Performance::CooperativeTaskManager::OrderedTaskSession> taskSession;  // main
+  std::shared_ptr<EditTimeTaskManager> diagramTask;             // main
+  std::shared_ptr<EditTimeTaskManagerWorkspace> workspaceTask;  // main
   BKRootBD* diagram;
   std::wstring diagramName;
+  std::shared_ptr<EditTimeCheckSelector> checkSelector;
+  std::shared_ptr<ExclusionManager> exclusions;  // main
   bool editsOn = true;
   std::uint32_t id;
   std::shared_ptr<ViolationDatabase> violations;
   std::shared_ptr<bkEditBD> data;
   std::unique_ptr<EditTimeStyling> styling;  // main thread; refers to `violations`
   bool auditorMode;
+  // The connections made to the studios' active-editor events (owned by the studios' services);
+  // main thread.
+  std::vector<std::pair<Blockara::StudioApp*, StudioConnection*>> studioConnections;
 };
 
 }  // namespace bkedittimecheck

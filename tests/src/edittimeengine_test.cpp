@@ -64,6 +64,7 @@ TEST_F(EngineBatchTest, ChangedBlocksAreTakenWhenRoutingOrOnView) {
   Blockara::StudioApp::open(d)->openEditor(u"m/hidden");
   blockara::EventLoop::instance().runUntilIdle();
   takeEvents();
+  takeChanged(*data);  // the view change rescanned the root
   e().setProperties(u"m/hidden/offView", {{"Gain", std::string("4")}});
   EXPECT_EQ(takeChanged(*data), (Names{"offView"}));
 }

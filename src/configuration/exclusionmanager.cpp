@@ -1,0 +1,273 @@
+#include "src/configuration/exclusionmanager.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <mutex>
+#include <sstream>
+
+#include <boost/property_tree/ptree.hpp>
+#include <boost/property_tree/xml_parser.hpp>
+
+#include "host/model/bkglue.h"
+#include "host/model/bkgraph.h"
+#include "host/model/bkrootbd.h"
+#include "host/package/bkblockdiagramloadsave.h"
+#include "host/package/bkspackage.h"
+#include "host/prefs/edittimepreferences.h"
+#include "src/algorithms/edittimeviolation.h"
+#include "src/hostinterface.h"
+
+namespace bkedittimecheck {
+
+namespace {
+
+namespace pt = boost::property_tree;
+
+// The temporary copies of package parts stay while the process runs (a later reader may still
+// want them) and go when it ends.
+class TemporaryCopies {
+ public:
+  ~TemporaryCopies() {
+    std::error_code ignored;
+    for (const auto& file : files) std::filesystem::remove(file, ignored);
+  }
+  void keep(std::filesystem::path file) {
+    std::lock_guard<std::mutex> lock(mutex);
+    files.push_back(std::move(file));
+  }
+
+ private:
+  std::mutex mutex;
+  std::vector<std::filesystem::path> files;  // guarded by mutex
+};
+
+TemporaryCopies& temporaryCopies() {
+  static TemporaryCopies copies;
+  return copies;
+}
+
+std::size_t lineAt(const std::string& text, std::size_t offset) {
+  return 1 + static_cast<std::size_t>(std::count(text.begin(), text.begin() + offset, '\n'));
+}
+
+// The reader parses recursively, one stack frame per element level: a file nested deep enough
+// would exhaust the main thread's stack. This scan counts element depth without recursion and
+// refuses such a file before it reaches the reader. Malformed markup is left for the reader.
+void refuseDeepNesting(const std::string& text, const std::string& file) {
+  int depth = 0;
+  std::size_t i = 0;
+  const auto skipPast = [&](const char* end) {
+    const std::size_t at = text.find(end, i);
+    i = at == std::string::npos ? text.size() : at + std::char_traits<char>::length(end);
+  };
+  while ((i = text.find('<', i)) != std::string::npos) {
+    const std::size_t start = i;
+    if (text.compare(i, 4, "<!--") == 0) {
+      skipPast("-->");
+    } else if (text.compare(i, 9, "<![CDATA[") == 0) {
+      skipPast("]]>");
+    } else if (text.compare(i, 2, "<?") == 0) {
+      skipPast("?>");
+    } else if (text.compare(i, 2, "<!") == 0 || text.compare(i, 2, "</") == 0) {
+      if (text[i + 1] == '/') --depth;
+      skipPast(">");
+    } else {
+      char quote = 0;
+      std::size_t j = i + 1;
+      for (; j < text.size(); ++j) {
+        const char c = text[j];
+        if (quote) {
+          if (c == quote) quote = 0;
+        } else if (c == '"' || c == '\'') {
+          quote = c;
+        } else if (c == '>') {
+          break;
+        }
+      }
+      const bool selfClosing = j < text.size() && text[j - 1] == '/';
+      if (!selfClosing && ++depth > ExclusionManager::maxNesting) {
+        throw pt::xml_parser_error(
+            "elements nest deeper than " + std::to_string(ExclusionManager::maxNesting) +
+                " levels",
+            file, lineAt(text, start));
+      }
+      i = j + 1;
+    }
+  }
+}
+
+pt::ptree readExclusionsTree(const std::wstring& path) {
+  const std::filesystem::path file(path);
+  const std::string name = file.string();
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) {
+    throw pt::xml_parser_error("cannot open file: no such regular file", name, 0);
+  }
+  std::ifstream in(file, std::ios::binary);
+  std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  if (!in.good() && !in.eof()) throw pt::xml_parser_error("cannot read file", name, 0);
+  refuseDeepNesting(text, name);
+  pt::ptree tree;
+  std::istringstream stream(text);
+  try {
+    pt::read_xml(stream, tree, pt::xml_parser::no_comments);
+  } catch (const pt::xml_parser_error& e) {
+    throw pt::xml_parser_error(e.message(), name, e.line());
+  }
+  return tree;
+}
+
+std::wstring attribute(const pt::ptree& attributes, const char* name, const std::wstring& old) {
+  const auto value = attributes.get_optional<std::string>(pt::ptree::path_type(name, '\0'));
+  return value ? fromNarrow(*value) : old;
+}
+
+ExclusionRule readRule(const pt::ptree& node) {
+  ExclusionRule rule;
+  for (const auto& [name, child] : node) {
+    if (name == "<xmlattr>") {
+      rule.regExp = attribute(child, "RegExp", rule.regExp);
+      rule.sid = attribute(child, "SID", rule.sid);
+      if (auto type = child.get_optional<std::string>(pt::ptree::path_type("Type", '\0'))) {
+        rule.kind = ExclusionRule::kindOf(*type);
+      }
+    } else if (name == "paramValue") {
+      rule.paramValue = fromNarrow(child.data());
+    }
+  }
+  return rule;
+}
+
+// Makes the "Subsystem" and "Block" rules speak of full paths.
+void resolveRule(ExclusionRule& rule, BKRootBD* diagram) {
+  if (rule.kind != ExclusionRule::Subsystem && rule.kind != ExclusionRule::Block) return;
+  if (!diagram) return;
+  if (rule.sid != L"off") {
+    if (BKBlock* block = SIDServiceBK::findBlock(diagram, toNarrow(rule.paramValue))) {
+      rule.paramValue = toWide(block->getFullPath(false));
+    }
+    return;
+  }
+  rule.paramValue = diagramNameOf(diagram) + L"/" + rule.paramValue;
+}
+
+Exclusion readExclusion(const pt::ptree& node, BKRootBD* diagram) {
+  Exclusion exclusion;
+  for (const auto& [name, child] : node) {
+    if (name == "<xmlattr>") {
+      exclusion.rationale = attribute(child, "Rationale", exclusion.rationale);
+    } else if (name == "RuleList") {
+      for (const auto& [ruleName, ruleNode] : child) {
+        if (ruleName != "Rule") continue;
+        ExclusionRule rule = readRule(ruleNode);
+        resolveRule(rule, diagram);
+        exclusion.rules.push_back(std::move(rule));
+      }
+    } else if (name == "CheckIDList") {
+      for (const auto& [idName, idNode] : child) {
+        if (idName == "CheckID") exclusion.checkIds.push_back(fromNarrow(idNode.data()));
+      }
+    }
+  }
+  return exclusion;
+}
+
+BKBlock* parentSubsystem(const BKBlock& block) {
+  const bkGraph* graph = block.getGraph();
+  return graph ? graph->getOwner() : nullptr;
+}
+
+bool libraryRuleHolds(const BKBlock& block, const std::wstring& prefix) {
+  for (const BKBlock* at = &block; at; at = parentSubsystem(*at)) {
+    const std::wstring reference = toWide(BKRootBlockPlatformInfo::getReferenceBlock(at, -1));
+    if (reference.empty()) return false;
+    if (reference.starts_with(prefix)) return true;
+  }
+  return false;
+}
+
+bool isInside(const std::wstring& path, const std::wstring& subsystem) {
+  if (!path.starts_with(subsystem)) return false;
+  return path.size() == subsystem.size() || path[subsystem.size()] == L'/';
+}
+
+}  // namespace
+
+void ExclusionManager::loadExclusions(BKRootBD* diagram) {
+  if (!diagram) return;
+  std::wstring path = toWide(diagram->getExclusionFilePath());
+  if (path.empty()) {
+    const auto reader = bkBlockDiagramLoadSave::get(diagram).getPackageReader();
+    if (!reader || !reader->hasPart(exclusionsPart)) return;
+    const std::filesystem::path copy = bksPackageHelper::makeTemporaryFile(".xml");
+    temporaryCopies().keep(copy);
+    bksPackageHelper::reader::partToFile(*reader, exclusionsPart, copy);
+    path = copy.wstring();
+  }
+  loadExclusionsFromFile(diagram, path);
+}
+
+void ExclusionManager::loadExclusionsFromFile(BKRootBD* diagram, const std::wstring& path) {
+  const pt::ptree tree = readExclusionsTree(path);
+  exclusions.clear();
+  const pt::ptree& list = tree.get_child("rsccat.SystemList.System.ExclusionList");
+  for (const auto& [name, node] : list) {
+    if (name == "Exclusion") exclusions.push_back(readExclusion(node, diagram));
+  }
+
+  bk::bkedittimecheck::bkutils::EditTimePreferences::ExclusionMap published;
+  for (const Exclusion& exclusion : exclusions) {
+    auto rule = std::find_if(exclusion.rules.begin(), exclusion.rules.end(),
+                             [](const auto& r) { return r.kind == ExclusionRule::Subsystem; });
+    if (rule != exclusion.rules.end()) published.emplace(rule->paramValue, exclusion.checkIds);
+  }
+  bk::bkedittimecheck::bkutils::EditTimePreferences::setCEExclusions(
+      diagram ? diagramNameOf(diagram) : std::wstring(), std::move(published));
+}
+
+bool ExclusionManager::isExcluded(const BKBlock& block, const EditTimeViolation& violation) const {
+  for (const Exclusion& exclusion : exclusions) {
+    for (const ExclusionRule& rule : exclusion.rules) {
+      switch (rule.kind) {
+        case ExclusionRule::Subsystem:
+          if (isInside(toWide(block.getFullPath(false)), rule.paramValue) &&
+              exclusion.coversCheck(violation.checkId)) {
+            return true;
+          }
+          break;
+        case ExclusionRule::Library:
+          // The first library rule reached answers for the whole test, even with false.
+          return libraryRuleHolds(block, rule.paramValue);
+        case ExclusionRule::Chartelle:
+        case ExclusionRule::BlockParameters:
+          break;
+        case ExclusionRule::MaskType: {
+          const BKBlock* parent = parentSubsystem(block);
+          const BKMask* mask = parent ? parent->getMask() : nullptr;
+          if (mask && toWide(mask->type) == rule.paramValue) return true;
+          break;
+        }
+        case ExclusionRule::Block:
+          if (toWide(block.getFullPath(false)) == rule.paramValue &&
+              exclusion.coversCheck(violation.checkId)) {
+            return true;
+          }
+          break;
+        case ExclusionRule::BlockType:
+          if (toWide(block.getTypeName()) == rule.paramValue &&
+              exclusion.coversCheck(violation.checkId)) {
+            return true;
+          }
+          break;
+        default:
+          return false;
+      }
+    }
+  }
+  return false;
+}
+
+}  // namespace bkedittimecheck

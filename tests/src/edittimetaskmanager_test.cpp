@@ -1,0 +1,202 @@
+// The two graph scans: one system level per cooperative slice, the next slice only after the
+// styling of a pass, and tasks that outlive their engine.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "host/runtime/cooperativetaskmanager.h"
+#include "src/edittimetaskmanager.h"
+#include "src/edittimetaskmanagerworkspace.h"
+#include "tests/src/enginefixture.h"
+
+namespace bkedittimecheck::testing {
+namespace {
+
+using Performance::CooperativeTaskManager;
+using Names = std::vector<std::string>;
+
+class ScanTest : public EngineFixture {
+ protected:
+  // A root with one block and three subsystems of one block each, every level in an editor.
+  BKRootBD* build(bool auditor, const std::vector<std::u16string>& editors) {
+    BKRootBD* d = open(u"m", BKRootBD::Model, auditor);
+    auto& e = d->editing();
+    e.addBlock(u"m", "Gain", u"r");
+    for (const char16_t* s : {u"s1", u"s2", u"s3"}) {
+      e.addBlock(u"m", "SubSystem", s);
+      e.addBlock(std::u16string(u"m/") + s, "Gain", std::u16string(u"in_") + s);
+    }
+    e.addBlock(u"m", "Chart", u"c");
+    e.addBlock(u"m/c", "Gain", u"in_c");
+    Blockara::StudioApp* studio = Blockara::StudioApp::open(d);
+    for (const auto& path : editors) studio->openEditor(path);
+    blockara::EventLoop::instance().runUntilIdle();
+    engine = engineOf(u"m");
+    data = engine->getData().get();
+    takeChanged(*data);
+    takeEvents();
+    return d;
+  }
+
+  void styled() { controller().applyStyle(L"m", engine->engineId()); }
+
+  static Names sorted(Names names) {
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  std::shared_ptr<EditTimeEngine> engine;
+  bkEditBD* data = nullptr;
+};
+
+TEST_F(ScanTest, OneGraphPerSliceAndTheNextOnlyAfterStyling) {
+  build(true, {u"m/s1", u"m/s2", u"m/s3"});
+  ASSERT_EQ(data->visibleGraphs.size(), 4u);
+  ASSERT_EQ(data->visibleGraphsDone.size(), 1u);  // the view change scanned the root
+  ASSERT_EQ(data->auditorGraphsDone.size(), 1u);
+  EXPECT_FALSE(CooperativeTaskManager::hasPendingWork());
+
+  for (const std::string s : {"s1", "s2", "s3"}) {
+    styled();  // a finished pass: one task for each scan, in one ordered session
+    ASSERT_TRUE(engine->getTaskSession());
+    EXPECT_EQ(engine->getTaskSession()->size(), 2u);
+
+    ASSERT_TRUE(CooperativeTaskManager::processNext());  // the rule-auditor slice
+    EXPECT_EQ(takeChanged(*data), Names{"in_" + s}) << s;
+    EXPECT_EQ(takeEvents(), (std::vector<Event>{{1, false}}));
+    EXPECT_EQ(data->auditorPathsDone.count(L"m/" + fromNarrow(s)), 1u);
+
+    ASSERT_TRUE(CooperativeTaskManager::processNext());  // the interactive slice
+    EXPECT_EQ(takeChanged(*data), Names{"in_" + s}) << s;
+    EXPECT_EQ(takeEvents(), (std::vector<Event>{{1, false}}));
+
+    // Until the pass of the slices is styled the chain waits here, whatever the worker does.
+    EXPECT_FALSE(CooperativeTaskManager::hasPendingWork());
+    blockara::EventLoop::instance().runUntilIdle();
+    EXPECT_TRUE(takeChanged(*data).empty());
+  }
+  EXPECT_FALSE(data->hasAuditorGraphsToScan());
+  EXPECT_FALSE(data->hasVisibleGraphsToScan());
+
+  // With every wanted graph done, styling schedules nothing.
+  const auto last = engine->getDiagramTask();
+  styled();
+  EXPECT_EQ(engine->getDiagramTask(), last);
+  EXPECT_FALSE(CooperativeTaskManager::hasPendingWork());
+}
+
+TEST_F(ScanTest, ATwiceShownSubsystemIsWalkedOnceAndAChartNever) {
+  // Without the rule auditor only the interactive scan makes tasks.
+  build(false, {u"m/s1", u"m/s1", u"m/c"});
+  ASSERT_EQ(data->visibleGraphs.size(), 4u);
+  // With both display switches off a slice's table holds only the two internal entries: it
+  // queues nothing, no pass is styled, and so nothing schedules the next slice.
+  engine->getAlgorithmTable().showErrors = false;
+  engine->getAlgorithmTable().showWarnings = false;
+  Names seen;
+  for (int round = 0; round < 4; ++round) {
+    styled();
+    EXPECT_FALSE(engine->getDiagramTask());
+    blockara::EventLoop::instance().runUntilIdle();
+    EXPECT_EQ(engine->queuedCount(), 0);
+    EXPECT_FALSE(engine->hasUnstyledPasses());
+    EXPECT_FALSE(CooperativeTaskManager::hasPendingWork());
+    for (auto& name : takeChanged(*data)) seen.push_back(name);
+  }
+  EXPECT_EQ(seen, Names{"in_s1"});
+  // The repeated graph counts in the wanted list only: the lengths keep differing, and each
+  // further slice scans nothing but still runs its table.
+  EXPECT_EQ(data->visibleGraphsDone.size(), 3u);
+  EXPECT_TRUE(data->hasVisibleGraphsToScan());
+  takeEvents();
+  styled();
+  blockara::EventLoop::instance().runUntilIdle();
+  EXPECT_TRUE(takeChanged(*data).empty());
+  EXPECT_EQ(takeEvents(), (std::vector<Event>{{1, false}}));
+}
+
+TEST_F(ScanTest, AGraphLeavingTheViewLeavesTheDoneListAndANewOneIsScannedInTurn) {
+  BKRootBD* d = build(false, {u"m/s1"});
+  styled();
+  blockara::EventLoop::instance().runUntilIdle();
+  EXPECT_EQ(takeChanged(*data), Names{"in_s1"});
+  // s1 goes off view, s2 comes on: s2 is next; s1 is scanned again only if it comes back.
+  Blockara::StudioApp::open(d)->closeEditors(u"m/s1");
+  Blockara::StudioApp::open(d)->openEditor(u"m/s2");
+  blockara::EventLoop::instance().runUntilIdle();
+  takeChanged(*data);
+  styled();
+  blockara::EventLoop::instance().runUntilIdle();
+  EXPECT_EQ(takeChanged(*data), Names{"in_s2"});
+  EXPECT_FALSE(data->hasVisibleGraphsToScan());
+}
+
+TEST_F(ScanTest, TheTaskLeftBehindAtCloseDoesNoHarm) {
+  build(true, {u"m/s1", u"m/s2"});
+  styled();
+  auto session = engine->getTaskSession();
+  ASSERT_TRUE(session);
+  ASSERT_EQ(session->size(), 2u);
+  std::weak_ptr<EditTimeTaskManagerWorkspace> workspace = engine->getWorkspaceTask();
+
+  controller().closeEngine(L"m");
+  // The rule-auditor task is taken out; the workspace task stays on purpose.
+  EXPECT_EQ(session->size(), 1u);
+  EXPECT_EQ(engine->getDiagramTask()->owner(), nullptr);
+  const std::size_t visibleDone = data->visibleGraphsDone.size();
+  const std::size_t auditorDone = data->auditorGraphsDone.size();
+
+  blockara::EventLoop::instance().runUntilIdle();
+  EXPECT_TRUE(workspace.expired() || !workspace.lock()->owner());  // it ran and left
+  EXPECT_EQ(data->visibleGraphsDone.size(), visibleDone);
+  EXPECT_EQ(data->auditorGraphsDone.size(), auditorDone);
+  EXPECT_TRUE(takeChanged(*data).empty());
+  EXPECT_TRUE(takeEvents().empty());
+  EXPECT_FALSE(engineOf(u"m"));
+
+  // A task of a name that has no engine is valid and finishes in one slice.
+  EditTimeTaskManager stale(L"gone");
+  EXPECT_TRUE(stale.isValid());
+  EXPECT_TRUE(stale.onProcess());
+}
+
+TEST_F(ScanTest, ThousandsOfLevelsAreScannedOneLevelASlice) {
+  // Editors open before the engine exists, so that opening them costs no view changes.
+  bk::bkedittimecheck::bkutils::setShowEditTimeIssues(false);
+  BKRootBD* d = open(u"big", BKRootBD::Model, false);
+  constexpr int levels = 1500;
+  {
+    blockara::EditBatch batch(*d);
+    for (int i = 0; i < levels; ++i) {
+      const std::u16string name = i18n::to_u16string("s" + std::to_string(i));
+      d->editing().addBlock(u"big", "SubSystem", name);
+      d->editing().addBlock(u"big/" + name, "Gain", u"a");
+      d->editing().addBlock(u"big/" + name, "Gain", u"b");
+    }
+  }
+  Blockara::StudioApp* studio = Blockara::StudioApp::open(d);
+  for (int i = 0; i < levels; ++i) {
+    studio->openEditor(i18n::to_u16string("big/s" + std::to_string(i)));
+  }
+  blockara::EventLoop::instance().runUntilIdle();
+  bk::bkedittimecheck::bkutils::setShowEditTimeIssues(true);
+  controller().on(L"big");
+  auto big = engineOf(u"big");
+  ASSERT_TRUE(big);
+  bkEditBD& bd = *big->getData();
+  takeChanged(bd);
+
+  int slices = 0;
+  while (bd.hasVisibleGraphsToScan() && slices <= levels) {
+    controller().applyStyle(L"big", big->engineId());
+    ASSERT_TRUE(CooperativeTaskManager::processNext());
+    ++slices;
+    // Never more than one level's blocks in one slice.
+    ASSERT_EQ(takeChanged(bd).size(), 2u) << slices;
+    ASSERT_FALSE(CooperativeTaskManager::hasPendingWork());
+  }
+  EXPECT_EQ(slices, levels);
+}
+
+}  // namespace
+}  // namespace bkedittimecheck::testing

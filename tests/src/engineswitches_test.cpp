@@ -1,0 +1,336 @@
+// The engine's switches and refreshes: what each changes, in which order, and which table it runs.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "host/model/bkblock.h"
+#include "src/configuration/exclusionmanager.h"
+#include "src/presentation/edittimestyler.h"
+#include "src/violationdatabase.h"
+#include "tests/src/enginefixture.h"
+
+namespace bkedittimecheck::testing {
+namespace {
+
+using Trace = std::vector<std::string>;
+
+class EngineSwitchTest : public EngineFixture {
+ protected:
+  void SetUp() override {
+    EngineFixture::SetUp();
+    d = open(u"m");
+    d->editing().addBlock(u"m", "Gain", u"g");
+    d->editing().addBlock(u"m", "Gain", u"h");
+    d->editing().addBlock(u"m", "SubSystem", u"s");
+    d->editing().addBlock(u"m/s", "Goto", u"hiddenGoto");
+    engine = engineOf(u"m");
+    ASSERT_TRUE(engine);
+    watch(*engine);
+    g = d->findBlock(u"m/g")->getHandle();
+    h = d->findBlock(u"m/h")->getHandle();
+    takeChanged(*engine->getData());  // the routing block taken when it was added
+  }
+
+  void TearDown() override {
+    createEditTimeStyler()->setObserver({});
+    EngineFixture::TearDown();
+  }
+
+  // Records every table run and every class change with the switches as they stand then.
+  void watch(EditTimeEngine& e) {
+    EditTimeEngine* at = &e;
+    e.getAlgorithmTable().setEventObserver([this, at](int code, bool, std::size_t) {
+      trace.push_back("run " + std::to_string(code) + flags(*at) +
+                      " scanned=" + std::to_string(at->getData()->visibleGraphsDone.size()));
+    });
+    createEditTimeStyler()->setObserver([this, at](double handle, const std::wstring& c, bool on) {
+      trace.push_back(std::string(on ? "+" : "-") + toNarrow(c) + (handle == g ? " g" : " h") +
+                      flags(*at));
+    });
+  }
+
+  static std::string flags(EditTimeEngine& e) {
+    const AlgorithmTable& t = e.getAlgorithmTable();
+    return std::string(" E") + (t.showErrors ? "1" : "0") + " W" + (t.showWarnings ? "1" : "0") +
+           " RA" + (t.auditorChecksEnabled ? "1" : "0");
+  }
+
+  void add(double handle, const char* check, std::uint32_t severity) {
+    engine->getViolations()->add(
+        std::make_shared<EditTimeViolation>(check, "type", severity, handle));
+  }
+
+  std::vector<std::string> severitiesOf(double handle) const {
+    std::vector<std::string> out;
+    for (const auto& v : engine->getViolations()->violationsOf(handle)) {
+      out.push_back(v.checkId + ":" + std::to_string(v.severity));
+    }
+    std::sort(out.begin(), out.end());
+    return out;
+  }
+
+  Trace take() { return std::exchange(trace, {}); }
+
+  BKRootBD* d = nullptr;
+  std::shared_ptr<EditTimeEngine> engine;
+  double g = 0;
+  double h = 0;
+  Trace trace;
+};
+
+TEST_F(EngineSwitchTest, ErrorsOffRemovesStylingFirstWarningsOffClearsTheFlagFirst) {
+  add(g, "err", 1);
+  add(g, "err2", 1);
+  add(h, "warn", 0);
+  add(h, "warn2", 0);
+  engine->applyStyling();
+  take();
+
+  controller().turnOffErrors(L"m");
+  // The red goes while errors are still on; only then is the switch cleared. One error a block
+  // leaves the store.
+  EXPECT_EQ(take(), (Trace{"-Error g E1 W1 RA0"}));
+  EXPECT_FALSE(engine->getAlgorithmTable().showErrors);
+  EXPECT_EQ(severitiesOf(g).size(), 1u);
+
+  controller().turnOffWarnings(L"m");
+  // Warnings the other way round: the switch is already off when the orange goes.
+  EXPECT_EQ(take(), (Trace{"-Warn h E0 W0 RA0"}));
+  EXPECT_EQ(severitiesOf(h).size(), 1u);
+
+  // Both at once: errors first, then warnings, each in its own order.
+  engine->getAlgorithmTable().showErrors = true;
+  engine->getAlgorithmTable().showWarnings = true;
+  engine->applyStyling();
+  take();
+  controller().turnOffErrorsAndWarnings(L"m");
+  EXPECT_EQ(take(), (Trace{"-Error g E1 W1 RA0", "-Warn h E0 W0 RA0"}));
+  EXPECT_TRUE(engine->getViolations()->violationsOf(g).empty());
+  EXPECT_TRUE(engine->getViolations()->violationsOf(h).empty());
+}
+
+TEST_F(EngineSwitchTest, SwitchesOnRunTheirTablesAfterSettingTheFlags) {
+  engine->errorsOff();
+  engine->warningsOff();
+  EXPECT_TRUE(take().empty());  // off switches run no table
+  controller().turnOnErrors(L"m");
+  controller().turnOnWarnings(L"m");
+  controller().turnOffErrorsAndWarnings(L"m");
+  controller().turnOnErrorsAndWarnings(L"m");
+  controller().on(L"m");
+  EXPECT_EQ(take(), (Trace{"run 1 E1 W0 RA0 scanned=1", "run 1 E1 W1 RA0 scanned=1",
+                           "run 15 E1 W1 RA0 scanned=1", "run 1 E1 W1 RA0 scanned=1"}));
+}
+
+TEST_F(EngineSwitchTest, WarningsOnNeverCreatesAnEngineErrorsOnDoes) {
+  controller().closeEngine(L"m");
+  controller().turnOnWarnings(L"m");
+  controller().turnOffErrors(L"m");
+  controller().turnOffWarnings(L"m");
+  EXPECT_FALSE(engineOf(u"m"));
+  controller().turnOnErrors(L"m");
+  auto made = engineOf(u"m");
+  ASSERT_TRUE(made);
+  EXPECT_NE(made, engine);
+  EXPECT_TRUE(made->getAlgorithmTable().showErrors);
+}
+
+TEST_F(EngineSwitchTest, TheWholeDiagramIsWalkedOnceInAnEnginesLife) {
+  // An engine made without the opening walk: the preference was off when the diagram opened.
+  controller().closeEngine(L"m");
+  bk::bkedittimecheck::bkutils::setShowEditTimeIssues(false);
+  controller().turnOnErrors(L"m");  // made, but the walk waits for the preference
+  auto fresh = engineOf(u"m");
+  ASSERT_TRUE(fresh);
+  EXPECT_FALSE(fresh->getData()->initialScanDone);
+  takeChanged(*fresh->getData());
+
+  bk::bkedittimecheck::bkutils::setShowEditTimeIssues(true);
+  controller().turnOnErrors(L"m");
+  EXPECT_TRUE(fresh->getData()->initialScanDone);
+  // The walk takes the routing block off view; the restarted visible scan takes the root.
+  std::vector<std::string> first = takeChanged(*fresh->getData());
+  std::sort(first.begin(), first.end());
+  EXPECT_EQ(first, (std::vector<std::string>{"g", "h", "hiddenGoto", "s"}));
+
+  controller().turnOnErrors(L"m");
+  std::vector<std::string> second = takeChanged(*fresh->getData());
+  std::sort(second.begin(), second.end());
+  EXPECT_EQ(second, (std::vector<std::string>{"g", "h", "s"}));
+}
+
+TEST_F(EngineSwitchTest, TheWalkCountsVariantsAndNotesSubsystemsAndListeners) {
+  controller().closeEngine(L"m");
+  d->editing().addBlock(u"m", "SubSystem", u"v", {{"Variant", std::string("on")}});
+  d->editing().addBlock(u"m", "SubSystem", u"quiet");
+  d->editing().setCommentState(u"m/quiet", 1);
+  d->editing().addBlock(u"m/s", "EventListener", u"listen");
+  controller().turnOnErrors(L"m");
+  auto fresh = engineOf(u"m");
+  ASSERT_TRUE(fresh);
+  bkEditBD& data = *fresh->getData();
+  EXPECT_EQ(data.variantSubsystemCount, 1u);
+  EXPECT_EQ(data.handleToSubsystem.size(), 3u);  // s, v and the commented one
+  const auto listeners = takeAll(data.subsysProperties);
+  ASSERT_EQ(listeners.size(), 1u);
+  EXPECT_EQ(listeners[0].path, L"m/s/listen");
+  const auto commented = takeAll(data.blkProperties);
+  ASSERT_EQ(commented.size(), 1u);
+  EXPECT_EQ(commented[0].pathWithSlash, L"m/quiet/");
+  EXPECT_TRUE(commented[0].isAdded);
+}
+
+TEST_F(EngineSwitchTest, RemoveStylingByCode) {
+  const auto fill = [&] {
+    add(g, "ra", 3);  // rule-auditor warning only
+    add(h, "ra", 3);
+    add(h, "warn", 0);  // h also carries an edit-time warning
+    add(h, "err", 1);
+    engine->getAlgorithmTable().auditorChecksEnabled = true;
+    engine->applyStyling();
+    take();
+  };
+  fill();
+  controller().disableRA(L"m");
+  // The switch goes before the styling; h keeps its orange for its own warning.
+  EXPECT_EQ(take(), (Trace{"-Warn g E1 W1 RA0"}));
+  EXPECT_TRUE(engine->getViolations()->violationsOf(g).empty());
+  EXPECT_EQ(severitiesOf(h), (std::vector<std::string>{"err:1", "warn:0"}));
+
+  engine->removeStyling(L"m", 11);
+  EXPECT_EQ(take(), (Trace{"-Error h E1 W1 RA0"}));
+  engine->removeStyling(L"m", 13);
+  EXPECT_EQ(take(), (Trace{"-Warn h E1 W1 RA0"}));
+  EXPECT_TRUE(engine->getViolations()->violationsOf(h).empty());
+
+  // Any other code takes both classes off and keeps every record.
+  fill();
+  engine->removeStyling(L"m", 2);
+  EXPECT_EQ(take(), (Trace{"-Warn h E1 W1 RA1", "-Error h E1 W1 RA1"}));
+  EXPECT_EQ(severitiesOf(g), (std::vector<std::string>{"ra:3"}));
+  EXPECT_EQ(severitiesOf(h), (std::vector<std::string>{"err:1", "ra:3", "warn:0"}));
+}
+
+TEST_F(EngineSwitchTest, AuditorSwitchesAndConfigurations) {
+  d->setAuditorMode(true);
+  d->editing().setProperties(u"m/s", {{"MaskType", std::string("Filter")}});
+  take();
+  controller().enableRA(L"m");
+  bkEditBD& data = *engine->getData();
+  EXPECT_EQ(take(), (Trace{"run 7 E1 W1 RA1 scanned=1"}));
+  EXPECT_EQ(data.auditorGraphsDone.size(), 1u);
+  // Masks are queued again for every known subsystem.
+  bool sawMask = false;
+  for (const MaskedBlock& m : takeAll(data.maskedBlocks)) sawMask |= m.path == L"m/s";
+  EXPECT_TRUE(sawMask);
+
+  add(g, "ra", 3);
+  engine->applyStyling();
+  take();
+  controller().switchConfiguration(L"/no/such/config.xml", L"m");
+  // The old configuration's findings go before the new checks run.
+  EXPECT_EQ(take(), (Trace{"-Warn g E1 W1 RA1", "run 7 E1 W1 RA1 scanned=1"}));
+  EXPECT_TRUE(engine->getViolations()->violationsOf(g).empty());
+  controller().switchConfiguration(L"m", L"/no/such/config.xml");  // swapped: no engine, nothing
+  controller().loadDefaultConfiguration(L"m");
+  EXPECT_EQ(take(), (Trace{"run 7 E1 W1 RA1 scanned=1"}));
+
+  controller().disableRA(L"m");
+  EXPECT_FALSE(engine->getAlgorithmTable().auditorChecksEnabled);
+  EXPECT_TRUE(data.auditorGraphsDone.empty());
+  EXPECT_TRUE(data.auditorPathsDone.empty());
+  EXPECT_TRUE(take().empty());
+
+  // Checks on under the rule auditor bring the configuration back before the table runs.
+  controller().on(L"m");
+  EXPECT_EQ(take(), (Trace{"run 1 E1 W1 RA1 scanned=1"}));
+  EXPECT_EQ(data.auditorGraphsDone.size(), 1u);
+}
+
+TEST_F(EngineSwitchTest, RefreshesAfterACompileOrAWorkspaceChange) {
+  take();
+  controller().refreshWorkspaceChecks(L"m");
+  EXPECT_EQ(take(), (Trace{"run 16 E1 W1 RA0 scanned=1"}));
+  EXPECT_EQ(takeChanged(*engine->getData()), (std::vector<std::string>{"g", "h", "s"}));
+
+  // Without a missing-variable finding no table runs.
+  engine->refreshMissingVariables(17);
+  EXPECT_TRUE(take().empty());
+  add(g, "BlockMissingVariable", 0);
+  engine->refreshMissingVariables(17);
+  EXPECT_EQ(take(), (Trace{"run 17 E1 W1 RA0 scanned=1"}));
+
+  controller().refreshBlockaraStatePortChecks(L"m", g);
+  EXPECT_EQ(take(), (Trace{"run 9 E1 W1 RA0 scanned=1"}));
+}
+
+TEST_F(EngineSwitchTest, CleanupAtCloseStopsListeningToTheStudios) {
+  take();
+  Blockara::StudioApp* studio = Blockara::StudioApp::open(d);
+  studio->openEditor(u"m/s");
+  blockara::EventLoop::instance().runUntilIdle();
+  EXPECT_EQ(take(), (Trace{"run 2 E1 W1 RA0 scanned=1"}));
+
+  controller().closeEngine(L"m");
+  studio->focus(u"m");
+  blockara::EventLoop::instance().runUntilIdle();
+  EXPECT_TRUE(take().empty());  // the closed engine hears nothing
+}
+
+}  // namespace
+}  // namespace bkedittimecheck::testing
+
+namespace bkedittimecheck::testing {
+namespace {
+
+class EngineExclusionTest : public EngineFixture {};
+
+TEST_F(EngineExclusionTest, ExemptedAndCommentedFindingsLoseTheirGlowNotTheirRecords) {
+  BKRootBD* d = open(u"m", BKRootBD::Model, true);
+  d->editing().addBlock(u"m", "Gain", u"free");
+  d->editing().addBlock(u"m", "Gain", u"exempt");
+  d->editing().addBlock(u"m", "Gain", u"quiet");
+  auto engine = engineOf(u"m");
+  ASSERT_TRUE(engine);
+  const auto handle = [&](const char16_t* p) { return d->findBlock(p)->getHandle(); };
+  const auto add = [&](double h, std::uint32_t severity, bool commented) {
+    auto v = std::make_shared<EditTimeViolation>("c1", "t" + std::to_string(severity), severity, h);
+    v->isCommented = commented;
+    engine->getViolations()->add(v);
+  };
+  add(handle(u"m/free"), 3, false);
+  add(handle(u"m/exempt"), 3, false);
+  add(handle(u"m/exempt"), 4, false);  // a rule-auditor error
+  add(handle(u"m/quiet"), 3, true);
+
+  const auto file = std::filesystem::temp_directory_path() / "bketc_switch_exclusions.xml";
+  std::ofstream(file) << "<rsccat><SystemList><System><ExclusionList><Exclusion><RuleList>"
+                         "<Rule Type=\"Block\" SID=\"off\"><paramValue>exempt</paramValue></Rule>"
+                         "</RuleList><CheckIDList><CheckID>c1</CheckID></CheckIDList></Exclusion>"
+                         "</ExclusionList></System></SystemList></rsccat>";
+  controller().refreshExclusionsWithPartFile(L"m", file.wstring());
+  std::filesystem::remove(file);
+
+  auto* styler = createEditTimeStyler();
+  const auto classes = [&](const char16_t* p) { return styler->classesOf(handle(p)); };
+  using Classes = decltype(classes(u"m/free"));
+  EXPECT_EQ(classes(u"m/free"), (Classes{L"Warn"}));
+  EXPECT_EQ(classes(u"m/exempt"), (Classes{L"Error"}));  // exemptions govern only the orange
+  EXPECT_TRUE(classes(u"m/quiet").empty());
+  // The records stay; the report leaves the exempted ones out.
+  EXPECT_EQ(engine->getViolations()->violationsOf(handle(u"m/exempt")).size(), 2u);
+  EXPECT_TRUE(controller().getViolations(L"m", handle(u"m/exempt")).empty());
+  EXPECT_EQ(controller().getViolations(L"m", handle(u"m/quiet")).size(), 3u);
+
+  // A failed reload throws before the styling pass; outside the rule auditor nothing reloads.
+  EXPECT_ANY_THROW(controller().refreshExclusionsWithPartFile(L"m", L"/no/such/file.xml"));
+  d->setAuditorMode(false);
+  controller().refreshExclusionsWithPartFile(L"m", L"/no/such/file.xml");
+  controller().refreshExclusions(L"m");
+  EXPECT_EQ(engine->getExclusions()->getExclusions().size(), 1u);
+}
+
+}  // namespace
+}  // namespace bkedittimecheck::testing
