@@ -15,6 +15,7 @@
 #include "host/prefs/bkfeatureregistry.h"
 #include "host/prefs/directories.h"
 #include "host/prefs/edittimepreferences.h"
+#include "host/runtime/cooperativetaskmanager.h"
 #include "host/runtime/eventloop.h"
 #include "host/studio/studioapp.h"
 #include "src/moduleentries.h"
@@ -89,6 +90,31 @@ int idle(lua_State* L) {
   auto timeout = std::chrono::milliseconds(static_cast<long long>(seconds * 1000.0));
   return luaGuard(L, [&](lua_State*) {
     lua_pushboolean(L, EventLoop::instance().runUntilQuiet(timeout));
+    return 1;
+  });
+}
+
+// blockara.step(): one step of the main loop, for scripts that watch work proceed. Runs the
+// host-language commands posted so far, or else one slice of the cooperative tasks; with neither
+// waiting but the checker busy, first waits (up to 10 s) for the worker to post its result.
+// Returns "posted" or "task" for what ran, false when the loop was idle.
+int step(lua_State* L) {
+  return luaGuard(L, [&](lua_State*) {
+    EventLoop& loop = EventLoop::instance();
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (loop.pendingCount() == 0 && !Performance::CooperativeTaskManager::hasPendingWork() &&
+           !loop.busyReasons().empty() && std::chrono::steady_clock::now() < deadline) {
+      loop.waitForPosted(std::chrono::milliseconds(1));
+    }
+    const char* what = loop.pendingCount() > 0 ? "posted"
+                       : Performance::CooperativeTaskManager::hasPendingWork() ? "task"
+                                                                                : nullptr;
+    if (!what) {
+      lua_pushboolean(L, false);
+      return 1;
+    }
+    loop.pumpOnce();
+    lua_pushstring(L, what);
     return 1;
   });
 }
@@ -205,6 +231,7 @@ void installLuaApi(LuaHost& host) {
   host.registerFunction("blockara.load", loadDiagram);
   host.registerFunction("blockara.diagram", findDiagram);
   host.registerFunction("blockara.idle", idle);
+  host.registerFunction("blockara.step", step);
   host.registerFunction("blockara.setPreference", setPreference);
   host.registerFunction("blockara.getPreference", getPreference);
   host.registerFunction("blockara.setPreferencesDirectory", setPreferencesDirectory);

@@ -21,26 +21,31 @@ local function show(title, d)
 end
 
 local d = blockara.load(here .. "/plant.bkd", { auditor = true })
+d:open("Plant/Controller")  -- a second window, on the controller
 blockara.idle()
-show("opened " .. d.name, d)
+show("opened " .. d.name .. " with editors on Plant and Plant/Controller", d)
 
 d:batch(function(d)
   d:add("Plant/Controller", "Gain", "gain 2!", { Gain = "0.1", Position = { 90, 150, 30, 30 } })
-  d:set("Plant/Controller/Kp", { Orientation = "up" })
+  d:set("Plant/Actuator", { Orientation = "down" })
   d:add("Plant", "Scope", "Scope", { Position = { 470, 100, 30, 30 } })
 end)
+-- New blocks are checked when their system is next scanned: the user clicks into each window.
+d:focus("Plant")
+d:focus("Plant/Controller")
 blockara.idle()
-show("after adding a badly named gain, turning Kp and adding a scope", d)
+show("after adding a badly named gain, turning a subsystem and adding a scope", d)
 
 d:rename("Plant/Controller/gain 2!", "Kd")
-d:set("Plant/Controller/Kp", { Orientation = "right" })
+d:set("Plant/Actuator", { Orientation = "right" })
 d:delete("Plant/Scope")
 blockara.idle()
 show("after fixing all three", d)
 
-d:add("Plant", "Goto", "Orphan", { GotoTag = "nowhere", Position = { 400, 120, 40, 20 } })
+d:set("Plant/Controller/In1", { IconDisplay = "Signal name" })
+d:rename("Plant/Actuator", "Actuator (fast)")
 blockara.idle()
-show("after adding a Goto without a From", d)
+show("after showing a port's signal name and renaming a subsystem badly", d)
 
 blockara.report(d, "html", out .. "/report.html")
 blockara.report(d, "sarif", out .. "/findings.sarif")
