@@ -11,12 +11,11 @@
 namespace bkedittimecheck::testing {
 namespace {
 
-const char* const kAll[] = {"orvanta.kabe.kb_0401",       "orvanta.kabe.kb_0402",
-                            "orvanta.kabe.kb_0403",       "orvanta.kabe.kb_0404",
-                            "orvanta.kabe.kb_0405",       "orvanta.kabe.kb_0406",
-                            "orvanta.kabe.kb_0407",       "orvanta.kabe.kb_0408",
-                            "orvanta.codegen.PCGSupport", "orvanta.codegen.BlockNames",
-                            "orvanta.bkci.UnsupportedBlocks"};
+const char* const kAll[] = {
+    "orvanta.kabe.kb_0401",       "orvanta.kabe.kb_0402",          "orvanta.kabe.kb_0403",
+    "orvanta.kabe.kb_0404",       "orvanta.kabe.kb_0405",          "orvanta.kabe.kb_0406",
+    "orvanta.kabe.kb_0407",       "orvanta.kabe.kb_0408",          "orvanta.codegen.PCGSupport",
+    "orvanta.codegen.BlockNames", "orvanta.bkci.UnsupportedBlocks"};
 
 class AlgorithmTableTest : public RoadFixture {
  protected:
@@ -116,9 +115,9 @@ TEST_F(AlgorithmTableTest, QueuedChecksAndPassesAreCountedAndEachPassIsStyledOnc
 }
 
 TEST_F(AlgorithmTableTest, AThrowingCheckLeavesItsPassAndTheEngineUnstyled) {
-  writeCustomization(check("orvanta.kabe.kb_0401") +
-                     check("orvanta.kabe.kb_0402",
-                           {{"Regular expression for prohibited names:", {"[unclosed"}}}));
+  writeCustomization(
+      check("orvanta.kabe.kb_0401") +
+      check("orvanta.kabe.kb_0402", {{"Regular expression for prohibited names:", {"[unclosed"}}}));
   BKRootBD* d = openAuditor(u"m");
   drain();
   auto engine = engineOf(u"m");
@@ -140,8 +139,8 @@ TEST_F(AlgorithmTableTest, AThrowingCheckLeavesItsPassAndTheEngineUnstyled) {
 }
 
 TEST_F(AlgorithmTableTest, AnEngineReplacedMidPassRunsNothingOfTheOldPass) {
-  writeCustomization(check("orvanta.kabe.kb_0402",
-                           {{"Regular expression for prohibited names:", {"bad"}}}));
+  writeCustomization(
+      check("orvanta.kabe.kb_0402", {{"Regular expression for prohibited names:", {"bad"}}}));
   BKRootBD* d = openAuditor(u"m");
   ASSERT_TRUE(settle());
   const std::uint32_t oldId = engineOf(u"m")->engineId();
