@@ -82,15 +82,13 @@ void AlgorithmTable::appendSelectedChecks(int /*code*/) {
   append("orvanta.kabe.kb_0405", [&] { return std::make_shared<PortNameViolation>(name, 3); });
   append("orvanta.kabe.kb_0404", [&] { return std::make_shared<PortBlockIconDisplay>(name, 3); });
   append("orvanta.kabe.kb_0403", [&] { return std::make_shared<BlockOrientation>(name, 3); });
-  append("orvanta.kabe.kb_0406",
-         [&] { return std::make_shared<SubsystemNameViolation>(name, 3); });
+  append("orvanta.kabe.kb_0406", [&] { return std::make_shared<SubsystemNameViolation>(name, 3); });
   // These four run a second time in every table. Nothing depends on it but the work done: the
   // second run repeats the first one's adds and removes.
   append("orvanta.kabe.kb_0404", [&] { return std::make_shared<PortBlockIconDisplay>(name, 3); });
   append("orvanta.kabe.kb_0405", [&] { return std::make_shared<PortNameViolation>(name, 3); });
   append("orvanta.kabe.kb_0403", [&] { return std::make_shared<BlockOrientation>(name, 3); });
-  append("orvanta.kabe.kb_0406",
-         [&] { return std::make_shared<SubsystemNameViolation>(name, 3); });
+  append("orvanta.kabe.kb_0406", [&] { return std::make_shared<SubsystemNameViolation>(name, 3); });
   append("orvanta.codegen.PCGSupport",
          [&] { return std::make_shared<ProductionCodeGenSupport>(name, 3); });
   append("orvanta.codegen.BlockNames",

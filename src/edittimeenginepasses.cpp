@@ -36,7 +36,8 @@ void ensureSession(
 void EditTimeEngine::connectStudioListeners() {
   namespace connections = Blockara::connections;
   connections::ConnectionService& service = connections::ConnectionService::instance();
-  for (Blockara::StudioApp* studio : Blockara::StudioApp::getAllStudioAppsFor(diagram->getHandle())) {
+  for (Blockara::StudioApp* studio :
+       Blockara::StudioApp::getAllStudioAppsFor(diagram->getHandle())) {
     std::shared_ptr<const connections::NamedThread> thread = service.getNamedThread("Numeria");
     auto& events = studio->activeEditorChangedEventService();
     std::unique_lock<std::shared_mutex> lock(service.globalWriteLock());

@@ -21,7 +21,8 @@ class LayoutAndListChecksTest : public RoadFixture {
 
 TEST_F(LayoutAndListChecksTest, LayoutChecksLookAtNameSideOrientationAndPortIcons) {
   runCases({
-      {"name on the alternate side, shown only", check("orvanta.kabe.kb_0401"),
+      {"name on the alternate side, shown only",
+       check("orvanta.kabe.kb_0401"),
        [](BKRootBD* d) {
          place(d, u"m1", "Gain", u"a", {{"NamePlacement", std::string("alternate")}});
          place(d, u"m1", "Gain", u"b",
@@ -29,14 +30,16 @@ TEST_F(LayoutAndListChecksTest, LayoutChecksLookAtNameSideOrientationAndPortIcon
          place(d, u"m1", "Gain", u"c");
        },
        {"/a|orvanta.kabe.kb_0401|BlockNamePosition|3"}},
-      {"a turned subsystem, not a turned gain", check("orvanta.kabe.kb_0403"),
+      {"a turned subsystem, not a turned gain",
+       check("orvanta.kabe.kb_0403"),
        [](BKRootBD* d) {
          place(d, u"m2", "SubSystem", u"s", {{"Orientation", std::string("down")}});
          place(d, u"m2", "Gain", u"g", {{"Orientation", std::string("down")}});
          place(d, u"m2", "SubSystem", u"t");
        },
        {"/s|orvanta.kabe.kb_0403|BlockOrientation|3"}},
-      {"port icons other than the number; kind 67 is not looked at", check("orvanta.kabe.kb_0404"),
+      {"port icons other than the number; kind 67 is not looked at",
+       check("orvanta.kabe.kb_0404"),
        [](BKRootBD* d) {
          place(d, u"m3", "Inport", u"i", {{"IconDisplay", std::string("Signal name")}});
          place(d, u"m3", "Outport", u"o",
@@ -81,7 +84,8 @@ TEST_F(LayoutAndListChecksTest, ListChecksMatchTypeAndMaskType) {
          place(d, u"m4", "Gain", u"g");
          place(d, u"m4", "Scope", u"s");
          place(d, u"m4", "Reference", u"r");
-         place(d, u"m4", "SubSystem", u"env", {{"MaskType", std::string("Environment Controller")}});
+         place(d, u"m4", "SubSystem", u"env",
+               {{"MaskType", std::string("Environment Controller")}});
        },
        {"/env|orvanta.bkci.UnsupportedBlocks|BKCIUnsupportedBlocks|3",
         "/s|orvanta.bkci.UnsupportedBlocks|BKCIUnsupportedBlocks|3"}},
@@ -101,7 +105,9 @@ TEST_F(LayoutAndListChecksTest, ListChecksMatchTypeAndMaskType) {
 }
 
 TEST_F(LayoutAndListChecksTest, LeftAloneBlocksKeepTheirRecordsAndScopeChangesRemoveThem) {
-  writeCustomization(check("orvanta.kabe.kb_0403") + check("orvanta.kabe.kb_0406", {{"Regular expression for prohibited names:", {"s"}}}));
+  writeCustomization(
+      check("orvanta.kabe.kb_0403") +
+      check("orvanta.kabe.kb_0406", {{"Regular expression for prohibited names:", {"s"}}}));
   BKRootBD* d = openAuditor(u"m");
   ASSERT_TRUE(settle());
   place(d, u"m", "SubSystem", u"s", {{"Orientation", std::string("left")}});
@@ -112,8 +118,8 @@ TEST_F(LayoutAndListChecksTest, LeftAloneBlocksKeepTheirRecordsAndScopeChangesRe
 
   // Becoming a function takes the subsystem out of the name check's hands: its record stays.
   // Turning it back right clears the orientation record.
-  d->editing().setProperties(u"m/s", {{"IsBlockaraFunction", true},
-                                      {"Orientation", std::string("right")}});
+  d->editing().setProperties(u"m/s",
+                             {{"IsBlockaraFunction", true}, {"Orientation", std::string("right")}});
   ASSERT_TRUE(settle());
   EXPECT_EQ(records(u"m"), (Lines{"m/s|orvanta.kabe.kb_0406|SubsystemNameViolation|3"}));
 

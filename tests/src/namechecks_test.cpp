@@ -9,7 +9,6 @@
 namespace bkedittimecheck::testing {
 namespace {
 
-
 const char* const kPattern = "Regular expression for prohibited names:";
 
 class NameChecksTest : public RoadFixture {
@@ -17,22 +16,29 @@ class NameChecksTest : public RoadFixture {
   static std::string nameCheck(const std::string& id, const std::string& pattern,
                                const std::string& masks = "graphical",
                                const std::string& links = "on") {
-    return check(id, {{kPattern, {pattern}}, {"Look under masks", {masks}}, {"Follow links", {links}}});
+    return check(id,
+                 {{kPattern, {pattern}}, {"Look under masks", {masks}}, {"Follow links", {links}}});
   }
 };
 
 TEST_F(NameChecksTest, BlockNameViolationTakesShownNamesLineByLine) {
   const std::string kb0402 = "orvanta.kabe.kb_0402";
   runCases({
-      {"a name with a blank", nameCheck(kb0402, "[ ]"),
+      {"a name with a blank",
+       nameCheck(kb0402, "[ ]"),
        [](BKRootBD* d) {
          place(d, u"m1", "Gain", u"bad name");
          place(d, u"m1", "Gain", u"good");
        },
        {"/bad name|orvanta.kabe.kb_0402|BlockNameViolation|3"}},
-      {"a hidden name is removed, not checked", nameCheck(kb0402, "[ ]"),
-       [](BKRootBD* d) { place(d, u"m2", "Gain", u"bad name", {{"ShowName", false}}); }, {}},
-      {"ports and plain subsystems are left to their own checks", nameCheck(kb0402, "[ ]"),
+      {"a hidden name is removed, not checked",
+       nameCheck(kb0402, "[ ]"),
+       [](BKRootBD* d) {
+         place(d, u"m2", "Gain", u"bad name", {{"ShowName", false}});
+       },
+       {}},
+      {"ports and plain subsystems are left to their own checks",
+       nameCheck(kb0402, "[ ]"),
        [](BKRootBD* d) {
          place(d, u"m3", "Inport", u"in 1");
          place(d, u"m3", "Outport", u"out 1");
@@ -43,23 +49,28 @@ TEST_F(NameChecksTest, BlockNameViolationTakesShownNamesLineByLine) {
        },
        {"/fn sub|orvanta.kabe.kb_0402|BlockNameViolation|3",
         "/masked sub|orvanta.kabe.kb_0402|BlockNameViolation|3"}},
-      {"^ matches only the first line", nameCheck(kb0402, "^b"),
+      {"^ matches only the first line",
+       nameCheck(kb0402, "^b"),
        [](BKRootBD* d) {
          place(d, u"m4", "Gain", u"a\nb");
          place(d, u"m4", "Gain", u"bx");
        },
        {"/bx|orvanta.kabe.kb_0402|BlockNameViolation|3"}},
-      {"the empty pattern finds every name", nameCheck(kb0402, ""),
+      {"the empty pattern finds every name",
+       nameCheck(kb0402, ""),
        [](BKRootBD* d) { place(d, u"m5", "Gain", u"g"); },
        {"/g|orvanta.kabe.kb_0402|BlockNameViolation|3"}},
-      {"a linked block is skipped unless links are followed", nameCheck(kb0402, "x", "graphical", "off"),
+      {"a linked block is skipped unless links are followed",
+       nameCheck(kb0402, "x", "graphical", "off"),
        [](BKRootBD* d) {
          place(d, u"m6", "Gain", u"x1", {{"LinkStatus", std::string("resolved")}});
          place(d, u"m6", "Gain", u"x2");
        },
        {"/x2|orvanta.kabe.kb_0402|BlockNameViolation|3"}},
-      {"a check not selected runs not", check(kb0402, {{kPattern, {"g"}}}, "false"),
-       [](BKRootBD* d) { place(d, u"m7", "Gain", u"g"); }, {}},
+      {"a check not selected runs not",
+       check(kb0402, {{kPattern, {"g"}}}, "false"),
+       [](BKRootBD* d) { place(d, u"m7", "Gain", u"g"); },
+       {}},
   });
 }
 
@@ -124,9 +135,12 @@ TEST_F(NameChecksTest, MasksDecideTheScopeByTheirKind) {
   const blockara::PropertyMap emptyMask{{"MaskType", std::string("M")}};
   const blockara::PropertyMap functionalMask{{"MaskType", std::string("M")},
                                              {"MaskInitialization", std::string("k=1")}};
-  std::vector<Case> cases{under("all", functionalMask), under("none", graphicalMask),
-                          under("graphical", emptyMask), under("graphical", graphicalMask),
-                          under("functional", emptyMask), under("functional", functionalMask),
+  std::vector<Case> cases{under("all", functionalMask),
+                          under("none", graphicalMask),
+                          under("graphical", emptyMask),
+                          under("graphical", graphicalMask),
+                          under("functional", emptyMask),
+                          under("functional", functionalMask),
                           under("bogus", {})};
   const char* const hit = "/sub/x|orvanta.kabe.kb_0402|BlockNameViolation|3";
   cases[0].expected = {hit};  // all: masks are not consulted
@@ -145,7 +159,8 @@ TEST_F(NameChecksTest, RenamingAndDeletingClearTheRecordAndTheGlow) {
   ASSERT_TRUE(settle());
   EXPECT_EQ(records(u"m"), (Lines{"m/bad1|orvanta.kabe.kb_0402|BlockNameViolation|3",
                                   "m/bad2|orvanta.kabe.kb_0402|BlockNameViolation|3"}));
-  EXPECT_EQ(classes(d), (std::map<std::string, std::string>{{"m/bad1", "Warn"}, {"m/bad2", "Warn"}}));
+  EXPECT_EQ(classes(d),
+            (std::map<std::string, std::string>{{"m/bad1", "Warn"}, {"m/bad2", "Warn"}}));
 
   d->editing().renameBlock(u"m/bad1", u"fine");
   d->editing().deleteBlock(u"m/bad2");

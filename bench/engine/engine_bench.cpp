@@ -1,0 +1,192 @@
+// The road of an edit on generated diagrams of 10,000 and 100,000 blocks, all on view, under the
+// rule auditor with every per-block check selected: the main thread's cost of a one-block edit,
+// the snapshot cost per block, the worker's time for one pass of the checks over every block,
+// and the time from the edit to the glow. The worker's timer runs in manual mode and the main
+// loop drives it, so the last figure is the work on the road, not the timer's period.
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/language/luahost.h"
+#include "host/model/bkgraph.h"
+#include "host/model/bkrootbd.h"
+#include "host/model/diagramediting.h"
+#include "host/prefs/directories.h"
+#include "host/prefs/edittimepreferences.h"
+#include "host/runtime/eventloop.h"
+#include "host/runtime/timerthread.h"
+#include "host/studio/studioapp.h"
+#include "host/style/styler.h"
+#include "src/algorithmtable.h"
+#include "src/bkeditbd.h"
+#include "src/constraints/bkeditblock.h"
+#include "src/edittimecontroller.h"
+#include "src/edittimeengine.h"
+#include "src/hostinterface.h"
+#include "src/moduleentries.h"
+#include "src/presentation/edittimestyler.h"
+#include "src/violationdatabase.h"
+#include "src/workerthread/asynctaskmanager.h"
+
+namespace bkedittimecheck {
+namespace {
+
+const char* const kChecks[] = {
+    "orvanta.kabe.kb_0401",       "orvanta.kabe.kb_0402",          "orvanta.kabe.kb_0403",
+    "orvanta.kabe.kb_0404",       "orvanta.kabe.kb_0405",          "orvanta.kabe.kb_0406",
+    "orvanta.kabe.kb_0407",       "orvanta.kabe.kb_0408",          "orvanta.codegen.PCGSupport",
+    "orvanta.codegen.BlockNames", "orvanta.bkci.UnsupportedBlocks"};
+
+// The host, the module and the host language, once per process.
+struct Road {
+  std::unique_ptr<blockara::LuaHost> lua;
+  std::map<int, BKRootBD*> diagrams;
+
+  Road() {
+    blockara::EventLoop::instance().adoptCurrentThread();
+    blockara::TimerThread::setDefaultMode(blockara::TimerThread::manual);
+    bk::bkedittimecheck::bkutils::setShowEditTimeIssues(true);
+    const auto prefs = std::filesystem::temp_directory_path() / "bketc_engine_bench";
+    std::filesystem::create_directories(prefs);
+    std::ofstream file(prefs / "edittimecheckcustomization.xml");
+    file << "<RAConfiguration><CheckCellArray>";
+    for (const char* id : kChecks) {
+      file << "<Check><ID>" << id << "</ID><Selected>true</Selected><InputParameters>"
+           << "<InputParameter Name=\"Regular expression for prohibited names:\">"
+           << "<Value>[ !]</Value></InputParameter>"
+           << "<InputParameter Name=\"Block type list\"><Value><T>Gain</T></Value>"
+           << "</InputParameter></InputParameters></Check>";
+    }
+    file << "</CheckCellArray></RAConfiguration>";
+    file.close();
+    svSetPreferencesDirectory(prefs.string());
+    svSetNumeriaRoot(BKETC_RESOURCE_DIR);
+    initialize_module();
+    lua = std::make_unique<blockara::LuaHost>(
+        blockara::LuaHostOptions{std::filesystem::path(BKETC_RESOURCE_DIR), {}, true});
+    AsyncTaskManager::instance();
+  }
+
+  // A diagram of `n` gains at its root, opened under the rule auditor and at rest.
+  BKRootBD* diagram(int n) {
+    if (auto it = diagrams.find(n); it != diagrams.end()) return it->second;
+    const bksvString name = u"d" + i18n::to_u16string(std::to_string(n));
+    BKRootBD* d = bkBlockDiagramSet::create(name, BKRootBD::Model);
+    d->setAuditorMode(true);
+    d->editing().setUndoDepth(0);
+    RegisterEditBdEvents(d);
+    RegisterCompBdEvents(d->getCompBD());
+    RegisterExecPlugins(d->getExecBD());
+    Blockara::StudioApp::open(d)->openEditor(name);
+    d->notifyOpened();
+    {
+      blockara::EditBatch batch(*d);
+      for (int i = 0; i < n; ++i) {
+        d->editing().addBlock(name, "Gain", u"g" + i18n::to_u16string(std::to_string(i)));
+      }
+    }
+    settle();
+    diagrams[n] = d;
+    return d;
+  }
+
+  static void settle() { blockara::EventLoop::instance().runUntilQuiet(std::chrono::minutes(5)); }
+};
+
+Road& road() {
+  static Road instance;
+  return instance;
+}
+
+std::shared_ptr<EditTimeEngine> engineOf(BKRootBD* d) {
+  return EditTimeController::instance().findEngine(toWide(d->getName()));
+}
+
+// Main thread: one property change of one block, snapshot and table included.
+void BM_OneBlockEditMainThread(benchmark::State& state) {
+  BKRootBD* d = road().diagram(static_cast<int>(state.range(0)));
+  const bksvString path = d->getName() + u"/g7";
+  double gain = 1;
+  for (auto _ : state) {
+    d->editing().setProperties(path, {{"Gain", std::to_string(gain += 1)}});
+    state.PauseTiming();
+    Road::settle();
+    state.ResumeTiming();
+  }
+}
+
+// Main thread: the snapshot of one block with its rule-tool part.
+void BM_SnapshotPerBlock(benchmark::State& state) {
+  BKRootBD* d = road().diagram(static_cast<int>(state.range(0)));
+  std::vector<BKBlock*> blocks;
+  for (std::size_t i = 0; i < d->getRootGraph()->size(); ++i) {
+    blocks.push_back(d->getRootGraph()->blockAt(i));
+  }
+  for (auto _ : state) {
+    for (BKBlock* b : blocks) benchmark::DoNotOptimize(std::make_shared<bkEditBlock>(b, true));
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(blocks.size()));
+}
+
+// Worker: one pass of every selected per-block check (the table's fifteen, the repeated four
+// included) over a snapshot of every block. Run here on the calling thread, with the worker idle.
+void BM_WorkerPassAllBlocks(benchmark::State& state) {
+  BKRootBD* d = road().diagram(static_cast<int>(state.range(0)));
+  auto engine = engineOf(d);
+  bkEditBD& data = *engine->getData();
+  std::map<double, std::shared_ptr<bkEditBlock>> snapshot;
+  for (std::size_t i = 0; i < d->getRootGraph()->size(); ++i) {
+    BKBlock* b = d->getRootGraph()->blockAt(i);
+    snapshot[b->getHandle()] = std::make_shared<bkEditBlock>(b, true);
+  }
+  AlgorithmTable& table = engine->getAlgorithmTable();
+  std::vector<std::shared_ptr<EditTimeAlgorithms>> checks;
+  table.setEventObserver([&](int, bool, std::size_t) {
+    checks.assign(table.pendingAlgorithms.begin() + 2, table.pendingAlgorithms.end());
+  });
+  d->editing().setProperties(d->getName() + u"/g1", {{"ShowName", true}});
+  table.setEventObserver({});
+  Road::settle();
+  for (auto _ : state) {
+    data.blocks = snapshot;
+    for (const auto& check : checks) check->runCheck();
+  }
+  state.counters["checks"] = static_cast<double>(checks.size());
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(snapshot.size()));
+  data.blocks.clear();
+}
+
+// Edit to glow: a rename to a prohibited name until the block carries its class.
+void BM_EditToGlow(benchmark::State& state) {
+  BKRootBD* d = road().diagram(static_cast<int>(state.range(0)));
+  const bksvString dir = d->getName() + u"/";
+  diagram::style::Styler* styler = createEditTimeStyler();
+  static std::map<BKRootBD*, bool> named;  // whether the block has its bad name, across runs
+  bool& bad = named[d];
+  for (auto _ : state) {
+    bad = !bad;
+    d->editing().renameBlock(dir + (bad ? u"g3" : u"g 3!"), bad ? u"g 3!" : u"g3");
+    Road::settle();
+    const double handle = d->findBlock(dir + (bad ? u"g 3!" : u"g3"))->getHandle();
+    const bool named =
+        !engineOf(d)->getViolations()->violationsOfBlock(handle, "orvanta.kabe.kb_0402").empty();
+    if (named != bad || styler->classesOf(handle).empty())
+      state.SkipWithError("glow not as expected");
+  }
+}
+
+BENCHMARK(BM_OneBlockEditMainThread)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_SnapshotPerBlock)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_WorkerPassAllBlocks)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_EditToGlow)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace bkedittimecheck
+
+BENCHMARK_MAIN();
