@@ -10,6 +10,7 @@
 #include "app/luatypes.h"
 #include "app/luavalues.h"
 #include "app/report.h"
+#include "app/signallog.h"
 #include "host/language/luahost.h"
 #include "host/model/bkrootbd.h"
 #include "host/prefs/bkfeatureregistry.h"
@@ -217,6 +218,7 @@ int report(lua_State* L) {
 }  // namespace
 
 void openForEditing(BKRootBD* diagram) {
+  SignalLog::attach(diagram);
   RegisterEditBdEvents(diagram);
   RegisterCompBdEvents(diagram->getCompBD());
   RegisterExecPlugins(diagram->getExecBD());

@@ -8,6 +8,7 @@
 #include "app/luaapi.h"
 #include "app/luatypes.h"
 #include "app/luavalues.h"
+#include "app/signallog.h"
 #include "host/language/luahost.h"
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
@@ -261,6 +262,17 @@ const luaL_Reg diagramMethods[] = {
        BKBlock* block = d->findBlock(checkUString(L, 2));
        if (block) pushBlock(L, block);
        else lua_pushnil(L);
+       return 1;
+     }},
+    {"signals",
+     [](lua_State* L) {
+       BKRootBD* d = checkDiagram(L);
+       std::vector<std::string> lines = SignalLog::take(d->getHandle());
+       lua_createtable(L, static_cast<int>(lines.size()), 0);
+       for (std::size_t i = 0; i < lines.size(); ++i) {
+         lua_pushlstring(L, lines[i].data(), lines[i].size());
+         lua_seti(L, -2, static_cast<lua_Integer>(i + 1));
+       }
        return 1;
      }},
     {"blocks",
