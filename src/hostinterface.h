@@ -103,8 +103,13 @@ void removeErrorAndWarnClasses(double handle);
 void callDiagramFunction(const char* function, const std::wstring& diagramName);
 
 /// Any thread. Logs the start or stop of an engine step in the host's tracer, component
-/// "EDITTIMECHECK".
-void logTracePoint(const std::string& point, bool isStart);
+/// "EDITTIMECHECK", with the two trace context strings. Never throws.
+void logTracePoint(const std::string& point, bool isStart, const std::string& contextA,
+                   const std::string& contextB);
+
+/// Any thread. Registers the engine's grouping in the host's tracer: "EDITTIMECHECK" with the
+/// groups "ENGINE", "GRAPH" and "ALGORITHMS"; the tracer's answer is dropped.
+void addTraceGrouping();
 
 /// Any thread. Posts the host-language function "edittime.Styler.applyStyle" with the diagram
 /// name and the engine id, to be run on the main thread; does not wait. A refused post is

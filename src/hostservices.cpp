@@ -33,8 +33,11 @@ void postApplyStyle(const std::wstring& diagramName, std::uint32_t engineId) {
   }
 }
 
-void logTracePoint(const std::string& point, bool isStart) {
-  ptLogBlockaraData("EDITTIMECHECK", "", "", point, isStart);
+void logTracePoint(const std::string& point, bool isStart, const std::string& contextA,
+                   const std::string& contextB) {
+  ptLogBlockaraData("EDITTIMECHECK", contextA, contextB, point, isStart);
 }
+
+void addTraceGrouping() { (void)ptAddGrouping("EDITTIMECHECK", {"ENGINE", "GRAPH", "ALGORITHMS"}); }
 
 }  // namespace bkedittimecheck

@@ -19,6 +19,14 @@ class Profiler {
   /// Logs the stop once; later calls and the destructor do nothing.
   void stop();
 
+  /// Any thread. Stores the two context strings that go with every later log call of every
+  /// scope, and registers the engine's grouping with the tracer. Nothing in the engine calls it;
+  /// a tool of the host may.
+  static void setTraceContext(const std::string& a, const std::string& b);
+
+  /// Any thread. Empties both context strings.
+  static void clearTraceContext();
+
  private:
   std::string point;
   bool isRunning;

@@ -45,7 +45,8 @@ void EditTimeCheckSelector::loadCheckSelection(const std::wstring& path) {
   std::ifstream stream(std::filesystem::path(file), std::ios::binary);
   SelectorState& s = state();
   std::lock_guard<std::mutex> lock(s.configurationMutex);
-  s.configurationTree.clear();
+  // The reader swaps the new tree in only once the whole file parsed: a file that is not
+  // well-formed leaves the previous configuration in place.
   pt::read_xml(stream, s.configurationTree, pt::xml_parser::no_comments);
   std::map<std::string, bool> selection = readCheckSelection(file);
   s.checkSelection.swap(selection);

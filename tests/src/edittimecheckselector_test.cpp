@@ -73,6 +73,8 @@ TEST_F(EditTimeCheckSelectorLoadTest, NoFileChangesNothingAndABadFileThrows) {
   std::ofstream(base / "bad.xml") << "<RAConfiguration><CheckCellArray>";
   EXPECT_THROW(EditTimeCheckSelector::loadCheckSelection((base / "bad.xml").wstring()),
                pt::ptree_error);
+  // A file that does not parse replaces nothing: the checks still find their old entries.
+  EXPECT_EQ(EditTimeCheckSelector::getCheckConfiguration("kept").get<std::string>("ID"), "kept");
   std::ofstream(base / "empty.xml") << "<RAConfiguration/>";
   EXPECT_THROW(EditTimeCheckSelector::loadCheckSelection((base / "empty.xml").wstring()),
                pt::ptree_bad_path);

@@ -110,11 +110,14 @@ TEST_F(LayoutAndListChecksTest, LeftAloneBlocksKeepTheirRecordsAndScopeChangesRe
       check("orvanta.kabe.kb_0406", {{"Regular expression for prohibited names:", {"s"}}}));
   BKRootBD* d = openAuditor(u"m");
   ASSERT_TRUE(settle());
-  place(d, u"m", "SubSystem", u"s", {{"Orientation", std::string("left")}});
+  BKBlock* s = place(d, u"m", "SubSystem", u"s", {{"Orientation", std::string("left")}});
   ASSERT_TRUE(settle());
   EXPECT_EQ(records(u"m"), (Lines{"m/s|orvanta.kabe.kb_0403|BlockOrientation|3",
                                   "m/s|orvanta.kabe.kb_0406|SubsystemNameViolation|3"}));
   EXPECT_EQ(classes(d), (std::map<std::string, std::string>{{"m/s", "Warn"}}));
+  // The canvas shows it: the engine activated the styler, so the class's glow is drawn.
+  EXPECT_EQ(diagram::style::glowOf(s->getHandle()),
+            diagram::style::Glow(diagram::style::Color(0.9, 0.5, 0.0, 0.9), 10, false, 1.0));
 
   // Becoming a function takes the subsystem out of the name check's hands: its record stays.
   // Turning it back right clears the orientation record.
