@@ -124,6 +124,36 @@ TEST_F(EngineSwitchTest, SwitchesOnRunTheirTablesAfterSettingTheFlags) {
                            "run 15 E1 W1 RA0 scanned=1", "run 1 E1 W1 RA0 scanned=1"}));
 }
 
+TEST_F(EngineSwitchTest, ASuspendedDiagramIgnoresTheSwitchesButStillLosesItsGlows) {
+  add(g, "err", 1);
+  add(h, "warn", 0);
+  add(h, "ra", 3);
+  engine->getAlgorithmTable().auditorChecksEnabled = true;
+  engine->applyStyling();
+  take();
+
+  d->setSuspended(true);
+  controller().on(L"m");
+  controller().turnOnErrors(L"m");
+  controller().turnOnWarnings(L"m");
+  controller().turnOnErrorsAndWarnings(L"m");
+  controller().enableRA(L"m");
+  EXPECT_TRUE(take().empty());
+
+  // The removal passes sit outside the gate; the switches themselves stay as they were. h loses
+  // "Warn" twice: once with its edit-time warning, once with its rule-auditor finding.
+  controller().turnOffErrors(L"m");
+  controller().turnOffWarnings(L"m");
+  controller().disableRA(L"m");
+  EXPECT_EQ(take(), (Trace{"-Error g E1 W1 RA1", "-Warn h E1 W1 RA1", "-Warn h E1 W1 RA1"}));
+  EXPECT_TRUE(engine->getAlgorithmTable().showErrors);
+  EXPECT_TRUE(engine->getAlgorithmTable().showWarnings);
+  EXPECT_TRUE(engine->getAlgorithmTable().auditorChecksEnabled);
+  EXPECT_TRUE(engine->getViolations()->violationsOf(g).empty());
+  EXPECT_TRUE(engine->getViolations()->violationsOf(h).empty());
+  d->setSuspended(false);
+}
+
 TEST_F(EngineSwitchTest, WarningsOnNeverCreatesAnEngineErrorsOnDoes) {
   controller().closeEngine(L"m");
   controller().turnOnWarnings(L"m");
