@@ -54,7 +54,12 @@ EditTimeEngine::EditTimeEngine(BKRootBD* diagram)
       diagramName(diagramNameOf(diagram)),
       id(0),
       auditorMode(false) {
+  // The styler is shared by every diagram; each new engine activates it again so that its rules
+  // show in the drawing whatever happened to it before.
+  diagram::style::Styler* styler = createEditTimeStyler();
+  styler->activate();
   data = std::make_shared<bkEditBD>(diagramName, auditorModeOn(diagram));
+  data->uniqueDataStoreMsg = uniqueDataStoreSetting(diagram);
   violations = std::make_shared<ViolationDatabase>();
   checkSelector = std::make_shared<EditTimeCheckSelector>();
   exclusions = std::make_shared<ExclusionManager>();
@@ -70,6 +75,10 @@ EditTimeEngine::EditTimeEngine(BKRootBD* diagram)
   connectStudioListeners();
   refreshVisibleGraphs();
   id = ++engineCounter;
+  // The table takes its switches from the preference as it stands now, after the host-language
+  // setup function, which may have changed it.
+  algorithmTable.showErrors = showEditTimeIssues();
+  algorithmTable.showWarnings = algorithmTable.showErrors;
   algorithmTable.engineId = id;
 }
 

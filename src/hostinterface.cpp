@@ -7,6 +7,7 @@
 #include "host/model/bkglue.h"
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
+#include "host/model/blockqueries.h"
 #include "host/model/configset.h"
 #include "host/model/subsystemblock.h"
 #include "host/studio/studioapp.h"
@@ -87,26 +88,16 @@ SubsystemFacts subsystemFactsOf(const BKBlock* block) {
 }
 
 std::string resolveRelativeBlockPath(const BKBlock* block, const std::string& relative) {
-  // "../x" names a block beside the accessor's system: climb one level per "../".
-  std::string base = ConvertUStringToStdString(block->getFullPath(false));
-  std::string rest = relative;
-  base = base.substr(0, base.rfind('/'));
-  while (rest.compare(0, 3, "../") == 0) {
-    rest = rest.substr(3);
-    const auto cut = base.rfind('/');
-    if (cut == std::string::npos) break;
-    base = base.substr(0, cut);
-  }
-  return base + "/" + rest;
+  // The host's own resolution, so that escaped "//" in names and a climb above the root read as
+  // the host reads them.
+  return ConvertUStringToStdString(BlockAccess::AccessUtil::convertRelativePathToFullPath(
+      block, i18n::to_u16string(relative)));
 }
 
 std::int32_t stateOwnerBlockId(const BKBlock* block, std::int32_t current) {
-  BKRootBD* diagram = block->getBlockDiagram();
-  if (!diagram) return current;
-  std::string owner = block->getParamText("StateOwnerBlock");
-  if (owner.compare(0, 3, "../") == 0) owner = resolveRelativeBlockPath(block, owner);
-  BKBlock* found = diagram->findBlock(i18n::to_u16string(owner));
-  return found ? found->getBlockId() : current;
+  const BKBlock* owner =
+      BKBlock::Handle2Block(BlockAccess::AccessorInterface::getResourceOwnerBlockHandle(block));
+  return owner ? owner->getBlockId() : current;
 }
 
 BKRootBD* rootOfCompiled(BKCompBD* compiled) {

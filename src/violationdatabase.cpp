@@ -24,7 +24,12 @@ void ViolationDatabase::add(const ViolationPtr& violation) {
 void ViolationDatabase::remove(const ViolationPtr& violation) {
   std::lock_guard<std::mutex> lock(mutex);
   auto entry = byBlock.find(violation->blockHandle);
-  if (entry == byBlock.end()) return;
+  // A block with no records still has its classes cleared: a glow left by an engine that was
+  // replaced (a rename, a reopen) goes at the first pass that finds the block clean.
+  if (entry == byBlock.end()) {
+    pendingClearList.push_back(violation->blockHandle);
+    return;
+  }
   const bool erased = entry->second.erase(violation) > 0;
   if (erased || entry->second.empty()) pendingClearList.push_back(violation->blockHandle);
   if (entry->second.empty()) byBlock.erase(entry);
@@ -53,8 +58,9 @@ void ViolationDatabase::removeAll(double blockHandle) {
 void ViolationDatabase::removeByCheck(double blockHandle, const std::string& checkId) {
   std::lock_guard<std::mutex> lock(mutex);
   auto entry = byBlock.find(blockHandle);
-  if (entry == byBlock.end()) return;
-  std::erase_if(entry->second, [&](const ViolationPtr& v) { return v->checkId == checkId; });
+  if (entry != byBlock.end()) {
+    std::erase_if(entry->second, [&](const ViolationPtr& v) { return v->checkId == checkId; });
+  }
   pendingClearList.push_back(blockHandle);
 }
 

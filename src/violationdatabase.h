@@ -35,8 +35,8 @@ class ViolationDatabase {
   void add(const ViolationPtr& violation);
 
   /// Any thread. Erases the equal record from its block's set; an unknown handle is no error.
-  /// The handle goes on `pendingClears` when a record was erased or the set is empty; an empty
-  /// set leaves the map.
+  /// The handle goes on `pendingClears` when a record was erased or the block has no records
+  /// (an unknown handle included); an empty set leaves the map.
   void remove(const ViolationPtr& violation);
 
   /// Any thread. Erases every record of this check and type over all blocks; a block left
@@ -46,7 +46,8 @@ class ViolationDatabase {
   /// Any thread. Forgets every record of one block.
   void removeAll(double blockHandle);
 
-  /// Any thread. Erases one block's records of one check and puts the handle on `pendingClears`.
+  /// Any thread. Erases one block's records of one check and puts the handle on `pendingClears`,
+  /// also for an unknown handle.
   void removeByCheck(double blockHandle, const std::string& checkId);
 
   /// Any thread. Copies of one block's records; empty for an unknown handle.

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include <lua.hpp>
+
 #include "host/language/luahost.h"
 #include "tests/src/enginefixture.h"
 
@@ -110,6 +112,25 @@ TEST_F(ControllerLuaTest, GatesOfTheCreatingEntries) {
 
   // A wrong argument is a Lua error, not a crash.
   EXPECT_NE(run("c:applyStyle('m')"), "");
+}
+
+TEST_F(ControllerLuaTest, ANewEngineReadsThePreferenceAfterTheSetupFunction) {
+  // The host-language setup function runs before the table takes its switches from the
+  // preference: a setup that turns the preference on gives an engine with warnings on.
+  bk::bkedittimecheck::bkutils::setShowEditTimeIssues(false);
+  open(u"m");
+  ASSERT_FALSE(engineOf(u"m"));
+  lua->registerFunction("testing.showIssues", [](lua_State*) -> int {
+    bk::bkedittimecheck::bkutils::setShowEditTimeIssues(true);
+    return 0;
+  });
+  EXPECT_EQ(run("require('edittime.EditTimeCheckingSetup').setup = function() "
+                "testing.showIssues() end"),
+            "");
+  EXPECT_EQ(run("c:turnOnErrors('m')"), "");
+  auto engine = engineOf(u"m");
+  ASSERT_TRUE(engine);
+  EXPECT_TRUE(engine->getAlgorithmTable().showWarnings);
 }
 
 }  // namespace

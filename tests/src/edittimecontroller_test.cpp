@@ -137,5 +137,19 @@ TEST_F(ControllerTest, GatesOfTheSignalHandlers) {
   EXPECT_EQ(takeEvents().size(), 2u);  // 19 then 18
 }
 
+TEST_F(ControllerTest, TheDataStoreDiagnosticIsTakenAtStartAndByUpdateDiagnostic) {
+  bk::bkedittimecheck::bkutils::setShowEditTimeIssues(false);  // no engine from opening
+  BKRootBD* d = open(u"m");
+  d->editing().setModelParam("UniqueDataStoreMsg", std::string("error"));
+  controller().on(L"m");
+  auto engine = engineOf(u"m");
+  ASSERT_TRUE(engine);
+  EXPECT_EQ(engine->getData()->uniqueDataStoreMsg, "error");
+  d->editing().setModelParam("UniqueDataStoreMsg", std::string("warning"));
+  EXPECT_EQ(engine->getData()->uniqueDataStoreMsg, "error");
+  controller().updateDiagnostic(L"m");
+  EXPECT_EQ(engine->getData()->uniqueDataStoreMsg, "warning");
+}
+
 }  // namespace
 }  // namespace bkedittimecheck::testing

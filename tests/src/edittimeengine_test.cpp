@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "host/model/bkblock.h"
+#include "host/style/glow.h"
+#include "host/style/styler.h"
 #include "tests/src/enginefixture.h"
 
 namespace bkedittimecheck::testing {
@@ -159,6 +161,39 @@ TEST_F(EngineBatchTest, RenamedSubsystemsQueueTheirPathChange) {
   EXPECT_EQ(changes[0].oldPath, L"m/s");
   EXPECT_EQ(changes[0].newPath, L"m/t");
   EXPECT_EQ(takeEvents(), (std::vector<Event>{{20, false}}));
+}
+
+TEST_F(EngineBatchTest, EveryEngineActivatesTheSharedStylerSoThatItsGlowsShow) {
+  diagram::style::Styler* styler = diagram::style::getStyler(L"Orvanta.EditTimeCheckingStyler");
+  ASSERT_NE(styler, nullptr);
+  EXPECT_TRUE(styler->isActive());
+  BKBlock* gain = e().addBlock(u"m", "Gain", u"g");
+  styler->applyClass(gain->getHandle(), L"Error");
+  const auto glow = diagram::style::glowOf(gain->getHandle());
+  ASSERT_TRUE(glow);
+  EXPECT_EQ(glow->color, diagram::style::Color(1.0, 0.0, 0.0, 1.0));
+}
+
+TEST_F(EngineBatchTest, StateAccessorSnapshotsResolveTheirOwnerAsTheHostDoes) {
+  // The accessor sits in a system whose name holds a "/", written "//" in paths: one "../"
+  // climbs that whole system, not half of its name.
+  e().addBlock(u"m", "SubSystem", u"a/b");
+  BKBlock* owner = e().addBlock(u"m", "Gain", u"owner");
+  e().addBlock(u"m/a//b", "Gain", u"owner");  // a decoy where a wrong climb would land
+  takeChanged(*data);
+  e().addBlock(u"m/a//b", "StateReader", u"r", {{"StateOwnerBlock", std::string("../owner")}});
+  e().addBlock(u"m", "StateWriter", u"w", {{"StateOwnerBlock", std::string("m/gone")}});
+  std::vector<std::shared_ptr<bkEditBlock>> taken;
+  std::shared_ptr<bkEditBlock> block;
+  while (data->changedBlocks.try_pop(block)) taken.push_back(block);
+  ASSERT_EQ(taken.size(), 2u);
+  ASSERT_TRUE(taken[0]->getDefaultEditBlock());
+  EXPECT_EQ(taken[0]->getDefaultEditBlock()->stringParam0, "m/owner");
+  EXPECT_EQ(taken[0]->getDefaultEditBlock()->ownerBlockId, owner->getBlockId());
+  // An owner that does not resolve keeps the path as written and the id as it was.
+  ASSERT_TRUE(taken[1]->getDefaultEditBlock());
+  EXPECT_EQ(taken[1]->getDefaultEditBlock()->stringParam0, "m/gone");
+  EXPECT_EQ(taken[1]->getDefaultEditBlock()->ownerBlockId, 0);
 }
 
 }  // namespace

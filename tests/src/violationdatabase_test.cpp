@@ -34,8 +34,11 @@ TEST(ViolationDatabase, AddKeepsOneRecordPerTripleAndLetsCommentStatusThrough) {
 
 TEST(ViolationDatabase, RemoveNeedsOnlyAnEqualRecordAndFeedsPendingClears) {
   ViolationDatabase db;
-  db.remove(rec(7, "c", "t", 3));  // unknown handle: no error, nothing pending
-  EXPECT_TRUE(db.pendingClears().empty());
+  // Unknown handle: no error, no entry, but the block's classes are cleared at the next pass.
+  db.remove(rec(7, "c", "t", 3));
+  EXPECT_EQ(db.pendingClears(), std::vector<double>{7});
+  EXPECT_EQ(db.blockCount(), 0u);
+  db.clearPendingClears();
 
   db.add(rec(1, "c", "t", 3));
   db.add(rec(1, "c", "u", 3));
@@ -65,8 +68,9 @@ TEST(ViolationDatabase, BulkRemovalsByTypeCheckAndAll) {
 
   db.clearPendingClears();
   db.removeByCheck(3, "a");
-  db.removeByCheck(99, "a");  // unknown: nothing
-  EXPECT_EQ(db.pendingClears(), std::vector<double>{3});
+  db.removeByCheck(99, "a");  // unknown: no entry, the handle is still cleared
+  EXPECT_EQ(db.pendingClears(), (std::vector<double>{3, 99}));
+  EXPECT_EQ(db.blockCount(), 2u);  // block 3 keeps its emptied set; 99 gets none
   EXPECT_TRUE(db.violationsOf(3).empty());
 
   db.removeAll(1);
