@@ -63,9 +63,6 @@ EditTimeEngine::EditTimeEngine(BKRootBD* diagram)
   violations = std::make_shared<ViolationDatabase>();
   checkSelector = std::make_shared<EditTimeCheckSelector>();
   exclusions = std::make_shared<ExclusionManager>();
-  diagram::style::Styler* styler = createEditTimeStyler();
-  // Every engine activates the styler, new or found: the rules show only on an active styler.
-  styler->activate();
   styling = std::make_unique<EditTimeStyling>(
       *violations, *styler,
       [](double handle) { return BKGlue::getBlockFromHandle(handle) != nullptr; },
