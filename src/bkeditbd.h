@@ -8,8 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include <tbb/cache_aligned_allocator.h>
 #include <tbb/concurrent_queue.h>
+
+#include "src/queueallocator.h"
 
 #include "src/constraints/bkeditblock.h"
 #include "src/constraints/parametervalue.h"
@@ -22,7 +23,7 @@ class BlockParameterConstraint;
 
 /// A lock-free queue filled on the main thread and drained on the worker.
 template <typename T>
-using EditQueue = tbb::concurrent_queue<T, tbb::cache_aligned_allocator<T>>;
+using EditQueue = tbb::concurrent_queue<T, QueueAllocator<T>>;
 
 /// The exchange record of one diagram between the main thread and the worker: seven queues that
 /// the main thread fills from host events, and the worker-side state that the internal checks

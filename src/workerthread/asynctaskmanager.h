@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <memory>
 
-#include <tbb/cache_aligned_allocator.h>
 #include <tbb/concurrent_queue.h>
 
 #include "host/runtime/timerthread.h"
+#include "src/queueallocator.h"
 #include "src/workerthread/workerqueuefunc.h"
 
 namespace bkedittimecheck {
@@ -41,7 +41,7 @@ class AsyncTaskManager : public blockara::TimerThread {
     std::unique_ptr<WorkerQueueFunc> func;
   };
   using ItemQueue =
-      tbb::concurrent_queue<ConcurrentQueueItem*, tbb::cache_aligned_allocator<ConcurrentQueueItem*>>;
+      tbb::concurrent_queue<ConcurrentQueueItem*, QueueAllocator<ConcurrentQueueItem*>>;
 
   AsyncTaskManager();
 
