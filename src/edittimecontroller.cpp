@@ -1,6 +1,7 @@
 #include "src/edittimecontroller.h"
 
 #include <algorithm>
+#include <functional>
 #include <iostream>
 
 #include "host/signals/pluginchangereport.h"
@@ -103,39 +104,35 @@ void EditTimeController::applyStyle(const std::wstring& name, std::uint32_t engi
   scheduleFollowUp(name);
 }
 
-void EditTimeController::retireClosingEngine(const std::wstring& name, std::uint32_t engineId) {
-  std::shared_ptr<EditTimeEngine> dying;  // destroyed after the lock is released
+std::shared_ptr<EditTimeEngine> EditTimeController::takeClosingEngine(
+    const std::wstring& name, std::uint32_t engineId,
+    const std::function<bool(EditTimeEngine&)>& done) {
   std::lock_guard<std::mutex> lock(closingMutex);
   auto it = closingEngines.find(name);
-  if (it == closingEngines.end()) return;
+  if (it == closingEngines.end()) return nullptr;
   auto& list = it->second;
+  std::shared_ptr<EditTimeEngine> taken;
   auto e = std::find_if(list.begin(), list.end(),
                         [&](const auto& x) { return x->engineId() == engineId; });
-  if (e != list.end()) {
-    (*e)->passStyled();
-    if (!(*e)->hasUnstyledPasses()) {
-      dying = *e;
-      list.erase(e);
-    }
+  if (e != list.end() && done(**e)) {
+    taken = *e;
+    list.erase(e);
   }
   if (list.empty()) closingEngines.erase(it);
+  return taken;
+}
+
+void EditTimeController::retireClosingEngine(const std::wstring& name, std::uint32_t engineId) {
+  // Main thread: the engine may end here, after the lock is released.
+  takeClosingEngine(name, engineId, [](EditTimeEngine& engine) {
+    engine.passStyled();
+    return !engine.hasUnstyledPasses();
+  });
 }
 
 void EditTimeController::forgetClosingEngine(const std::wstring& name, std::uint32_t engineId) {
-  std::shared_ptr<EditTimeEngine> dying;
-  {
-    std::lock_guard<std::mutex> lock(closingMutex);
-    auto it = closingEngines.find(name);
-    if (it == closingEngines.end()) return;
-    auto& list = it->second;
-    auto e = std::find_if(list.begin(), list.end(),
-                          [&](const auto& x) { return x->engineId() == engineId; });
-    if (e != list.end()) {
-      dying = *e;
-      list.erase(e);
-    }
-    if (list.empty()) closingEngines.erase(it);
-  }
+  std::shared_ptr<EditTimeEngine> dying =
+      takeClosingEngine(name, engineId, [](EditTimeEngine&) { return true; });
   // The worker calls this; the engine must end on the main thread.
   releaseOnMainThread(std::move(dying));
 }

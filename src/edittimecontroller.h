@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -104,6 +105,11 @@ class EditTimeController : public ncos::Wrappable {
 
   void removeStylingOf(const std::wstring& name, int code);
   void retireClosingEngine(const std::wstring& name, std::uint32_t engineId);
+  // Under closingMutex: the closing engine `engineId` of `name`, removed and returned when
+  // `done` says so (null otherwise); drops the name once its list is empty.
+  std::shared_ptr<EditTimeEngine> takeClosingEngine(
+      const std::wstring& name, std::uint32_t engineId,
+      const std::function<bool(EditTimeEngine&)>& done);
   void scheduleFollowUp(const std::wstring& name);
   bool hasClosingEngine(const std::wstring& name, std::uint32_t engineId) const;
 
