@@ -17,6 +17,7 @@
 #include "src/algorithms/setup.h"
 #include "src/algorithms/subsystemnameviolation.h"
 #include "src/configuration/edittimecheckselector.h"
+#include "src/editcodes.h"
 #include "src/features.h"
 #include "src/hostinterface.h"
 #include "src/workerthread/asynctaskmanager.h"
@@ -31,12 +32,12 @@ AlgorithmTable::AlgorithmTable(std::wstring diagramName, bool isLibrary, bool sh
       showWarnings(showEditTimeIssues) {}
 
 void AlgorithmTable::runEvent(int code, bool hasVariants) {
-  pendingAlgorithms.push_back(std::make_shared<RemoveBlock>(diagramName, 5));
+  pendingAlgorithms.push_back(std::make_shared<RemoveBlock>(diagramName, RemoveBlock::kSeverity));
   pendingAlgorithms.push_back(std::make_shared<Setup>(diagramName));
   appendInteractiveChecks(code, hasVariants);
   if (auditorChecksEnabled) {
     appendSelectedChecks(code);
-    if (code == 7) EditTimeAlgorithms::setInputParametersChanged(true);
+    if (code == EditTimeEvent::kConfiguration) EditTimeAlgorithms::setInputParametersChanged(true);
   }
   if (eventObserver) eventObserver(code, hasVariants, pendingAlgorithms.size());
   // Only the two internal entries: nothing to check. The queues of bkEditBD keep what they hold
@@ -49,52 +50,52 @@ void AlgorithmTable::runEvent(int code, bool hasVariants) {
 }
 
 void AlgorithmTable::runCheckById(const std::string& id) {
-  // The single checks (the data store usage check, the constraint checks) join the table with
-  // their own classes; until one is built here there is nothing to start.
+  // Will hold: the data store usage check at the severity the two switches give, or else a
+  // selected constraint check ID as its constraint check. Neither class exists yet, so no ID
+  // adds anything and only what an earlier call left in the list is started.
   (void)id;
   if (!pendingAlgorithms.empty()) startPending();
 }
 
 void AlgorithmTable::appendInteractiveChecks(int code, bool hasVariants) {
-  // The missing-variable check and the cross-block checks of the edit-time preference are
-  // appended here, in table order, as their classes arrive.
+  // Will hold, in this order and under the preference switches, with no variant subsystem and
+  // not in a library: the missing-variable check (not for added blocks), then, after the
+  // selected rule-auditor checks, the Goto/From, data store, state accessor and chart state
+  // port checks. None of those classes exists yet.
   (void)code;
   (void)hasVariants;
 }
 
+template <typename Check>
+void AlgorithmTable::appendIfSelected(const std::map<std::string, bool>& selection) {
+  const auto it = selection.find(Check::kCheckId);
+  if (it != selection.end() && it->second) {
+    pendingAlgorithms.push_back(std::make_shared<Check>(diagramName, Check::kSeverity));
+  }
+}
+
 void AlgorithmTable::appendSelectedChecks(int /*code*/) {
-  // One copy of the selection per table; a check is on when its ID maps to true.
-  const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
-  const auto selected = [&selection](const char* id) {
-    const auto it = selection.find(id);
-    return it != selection.end() && it->second;
-  };
-  const auto append = [this, &selected](const char* id, auto make) {
-    if (selected(id)) pendingAlgorithms.push_back(make());
-  };
-  // The constraint checks come first once their class is in the table; their IDs are kept in
+  // One copy of the selection per table; a check is on when its ID maps to true. The constraint
+  // checks come first once their class is in the table; their IDs are kept in
   // constraintCheckIds by the configuration load.
-  const std::wstring& name = diagramName;
-  append("orvanta.kabe.kb_0401", [&] { return std::make_shared<BlockNamePosition>(name, 3); });
-  append("orvanta.kabe.kb_0407", [&] { return std::make_shared<ProhibitedBlocks>(name, 3); });
-  append("orvanta.kabe.kb_0408", [&] { return std::make_shared<ProhibitedSinks>(name, 3); });
-  append("orvanta.kabe.kb_0402", [&] { return std::make_shared<BlockNameViolation>(name, 3); });
-  append("orvanta.kabe.kb_0405", [&] { return std::make_shared<PortNameViolation>(name, 3); });
-  append("orvanta.kabe.kb_0404", [&] { return std::make_shared<PortBlockIconDisplay>(name, 3); });
-  append("orvanta.kabe.kb_0403", [&] { return std::make_shared<BlockOrientation>(name, 3); });
-  append("orvanta.kabe.kb_0406", [&] { return std::make_shared<SubsystemNameViolation>(name, 3); });
+  const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
+  appendIfSelected<BlockNamePosition>(selection);
+  appendIfSelected<ProhibitedBlocks>(selection);
+  appendIfSelected<ProhibitedSinks>(selection);
+  appendIfSelected<BlockNameViolation>(selection);
+  appendIfSelected<PortNameViolation>(selection);
+  appendIfSelected<PortBlockIconDisplay>(selection);
+  appendIfSelected<BlockOrientation>(selection);
+  appendIfSelected<SubsystemNameViolation>(selection);
   // These four run a second time in every table. Nothing depends on it but the work done: the
   // second run repeats the first one's adds and removes.
-  append("orvanta.kabe.kb_0404", [&] { return std::make_shared<PortBlockIconDisplay>(name, 3); });
-  append("orvanta.kabe.kb_0405", [&] { return std::make_shared<PortNameViolation>(name, 3); });
-  append("orvanta.kabe.kb_0403", [&] { return std::make_shared<BlockOrientation>(name, 3); });
-  append("orvanta.kabe.kb_0406", [&] { return std::make_shared<SubsystemNameViolation>(name, 3); });
-  append("orvanta.codegen.PCGSupport",
-         [&] { return std::make_shared<ProductionCodeGenSupport>(name, 3); });
-  append("orvanta.codegen.BlockNames",
-         [&] { return std::make_shared<CodegenBlockNameViolation>(name, 3); });
-  append("orvanta.bkci.UnsupportedBlocks",
-         [&] { return std::make_shared<BKCIUnsupportedBlocks>(name, 3); });
+  appendIfSelected<PortBlockIconDisplay>(selection);
+  appendIfSelected<PortNameViolation>(selection);
+  appendIfSelected<BlockOrientation>(selection);
+  appendIfSelected<SubsystemNameViolation>(selection);
+  appendIfSelected<ProductionCodeGenSupport>(selection);
+  appendIfSelected<CodegenBlockNameViolation>(selection);
+  appendIfSelected<BKCIUnsupportedBlocks>(selection);
 }
 
 void AlgorithmTable::startPending() {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -52,6 +53,9 @@ class AlgorithmTable {
  private:
   void appendSelectedChecks(int code);
   void appendInteractiveChecks(int code, bool hasVariants);
+  // Appends a `Check` of the diagram when `selection` maps its ID to true.
+  template <typename Check>
+  void appendIfSelected(const std::map<std::string, bool>& selection);
   void startPending();
 
   EventObserver eventObserver;

@@ -2,10 +2,16 @@
 
 #include "host/prefs/bkfeature.h"
 
+// The flags exist from load on, so that the host can list and set them before any diagram opens.
 namespace {
 
-// This flag belongs with the chart state port mapping check; it lives here until that check
-// arrives so that the exported pointer exists from load on.
+BkFeature blockConstraintCheckAuthoring("BlockConstraintCheckAuthoring",
+                                        "Block Constraint Check Authoring for Edit-time Checking",
+                                        "src/edittimeengine", "BkCheck", 974268, 1, 0);
+BkFeature blockParamEditTimeCheckOnCanvas(
+    "BlockParamEditTimeCheckOnCanvas",
+    "Missing variable check for block parameters during edit time", "src/edittimeengine",
+    "Blockara Data Management", 1615926, 1, 0);
 BkFeature blockaraEditTimeChecksForBlockaraBasedStates(
     "BlockaraEditTimeChecksForBlockaraBasedStates",
     "Blockara edit time checks for Blockara based states in Chartelle",
@@ -13,5 +19,7 @@ BkFeature blockaraEditTimeChecksForBlockaraBasedStates(
 
 }  // namespace
 
+BkFeature* BKFEAT_BlockConstraintCheckAuthoring = &blockConstraintCheckAuthoring;
+BkFeature* BKFEAT_BlockParamEditTimeCheckOnCanvas = &blockParamEditTimeCheckOnCanvas;
 BkFeature* BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates =
     &blockaraEditTimeChecksForBlockaraBasedStates;

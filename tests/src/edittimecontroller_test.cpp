@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "host/signals/bkplugin.h"
+#include "tests/src/bkeditbdprobe.h"
 #include "tests/src/enginefixture.h"
 
 namespace bkedittimecheck::testing {
@@ -144,11 +145,11 @@ TEST_F(ControllerTest, TheDataStoreDiagnosticIsTakenAtStartAndByUpdateDiagnostic
   controller().on(L"m");
   auto engine = engineOf(u"m");
   ASSERT_TRUE(engine);
-  EXPECT_EQ(engine->getData()->uniqueDataStoreMsg, "error");
+  EXPECT_EQ(engine->getData()->getUniqueDataStoreMsg(), "error");
   d->editing().setModelParam("UniqueDataStoreMsg", std::string("warning"));
-  EXPECT_EQ(engine->getData()->uniqueDataStoreMsg, "error");
+  EXPECT_EQ(engine->getData()->getUniqueDataStoreMsg(), "error");
   controller().updateDiagnostic(L"m");
-  EXPECT_EQ(engine->getData()->uniqueDataStoreMsg, "warning");
+  EXPECT_EQ(engine->getData()->getUniqueDataStoreMsg(), "warning");
 }
 
 }  // namespace
