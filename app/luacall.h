@@ -186,7 +186,7 @@ int callChecked(lua_State* L, std::index_sequence<I...>) {
 }  // namespace detail
 
 /// The Lua C function for `Body`, a lambda without captures or a plain function (see the top of
-/// this file).
+/// this file). Raises a Lua error for a bad argument or for any exception of `Body`. Main thread.
 template <auto Body>
 int luaFunction(lua_State* L) {
   using Args = typename detail::CallShape<decltype(Body)>::Args;
