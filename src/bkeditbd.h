@@ -14,6 +14,7 @@
 #include "src/constraints/parametervalue.h"
 #include "src/editbdrecords.h"
 #include "src/hostinterface.h"
+#include "src/maskscopeindex.h"
 #include "src/queueallocator.h"
 
 namespace bkedittimecheck {
@@ -169,6 +170,9 @@ class bkEditBD {
   // ---- worker
   std::map<double, std::shared_ptr<bkEditBlock>> blocks;
   std::map<std::wstring, std::int32_t> maskKinds;
+  // The scope rule's index over `maskKinds`, rebuilt at the first scope test after a change.
+  mutable MaskScopeIndex maskIndex;
+  mutable bool maskIndexStale = false;
   std::map<double, Blkproperties> subsysMap;
 
   // ---- main (copied at construction and by the data store setting's refresh)
