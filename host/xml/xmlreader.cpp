@@ -119,7 +119,15 @@ void setLimits(const Limits& l) {
 }
 
 pt::ptree readString(const std::string& text, const std::string& origin, int flags) {
-  const Limits l = limits();
+  return readString(text, origin, flags, limits());
+}
+
+pt::ptree readFile(const std::filesystem::path& path, int flags) {
+  return readFile(path, flags, limits());
+}
+
+pt::ptree readString(const std::string& text, const std::string& origin, int flags,
+                     const Limits& l) {
   if (text.size() > l.maxBytes) refuseSize(text.size(), l.maxBytes, origin);
   refuseDeepNesting(text, origin, l.maxDepth);
   pt::ptree tree;
@@ -132,20 +140,19 @@ pt::ptree readString(const std::string& text, const std::string& origin, int fla
   return tree;
 }
 
-pt::ptree readFile(const std::filesystem::path& path, int flags) {
+pt::ptree readFile(const std::filesystem::path& path, int flags, const Limits& l) {
   const std::string name = path.string();
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error)) {
     throw pt::xml_parser_error("cannot open file", name, 0);
   }
-  const std::size_t maxBytes = limits().maxBytes;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
-  if (!error && size > maxBytes) refuseSize(size, maxBytes, name);
+  if (!error && size > l.maxBytes) refuseSize(size, l.maxBytes, name);
   std::ifstream in(path, std::ios::binary);
   if (!in) throw pt::xml_parser_error("cannot open file", name, 0);
   std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   if (in.bad()) throw pt::xml_parser_error("cannot read file", name, 0);
-  return readString(text, name, flags);
+  return readString(text, name, flags, l);
 }
 
 ElementLocator::ElementLocator(const std::string& text, const pt::ptree& document) {

@@ -46,6 +46,13 @@ boost::property_tree::ptree readString(const std::string& text, const std::strin
 /// `maxBytes` is refused before it is read.
 boost::property_tree::ptree readFile(const std::filesystem::path& path, int flags = 0);
 
+/// Any thread. As `readString` and `readFile`, with `limits` instead of the process-wide ones
+/// (for a reader whose own limit is lower).
+boost::property_tree::ptree readString(const std::string& text, const std::string& origin,
+                                       int flags, const Limits& limits);
+boost::property_tree::ptree readFile(const std::filesystem::path& path, int flags,
+                                     const Limits& limits);
+
 /// The line on which each element of a parsed text starts, for messages about content. The
 /// property tree keeps no positions; the locator pairs the elements of the tree in document order
 /// with the start tags of the text, which come in the same order.
