@@ -128,22 +128,27 @@ struct Reader {
   // Refuses what would be lost or ambiguous in `node` (a repeated attribute, a second child of
   // a kind that may appear once) and warns about what the reader passes over (unknown
   // attributes and elements, text where none is read).
+  // Runs once per element of the file, so it allocates nothing on the way of a good file.
   void inspect(const pt::ptree& node, const std::string& tag, const Shape& shape) {
-    std::set<std::string> seen;
+    unsigned seenOnce = 0;  // bit i: a child named shape.once[i] was seen
     for (const auto& [key, child] : node) {
       if (key == "<xmlattr>") {
-        std::set<std::string> attributes;
         for (const auto& [name, value] : child) {
-          if (!attributes.insert(name).second)
-            failAt(node, "<" + tag + "> has the attribute " + name + " twice");
+          if (child.count(name) > 1) failAt(node, "<" + tag + "> has the attribute " + name + " twice");
           if (!among(name, shape.attributes))
             warnAt(node, "unknown attribute " + name + " of <" + tag + "> passed over");
         }
       } else if (key == "<xmlcomment>") {
         continue;
       } else if (among(key, shape.children)) {
-        if (!seen.insert(key).second && among(key, shape.once))
-          failAt(child, "a second <" + key + "> in <" + tag + ">");
+        unsigned bit = 1;
+        for (const char* once : shape.once) {
+          if (key == once) {
+            if (seenOnce & bit) failAt(child, "a second <" + key + "> in <" + tag + ">");
+            seenOnce |= bit;
+          }
+          bit <<= 1;
+        }
       } else {
         warnAt(child, "unknown element <" + key + "> in <" + tag + "> passed over");
       }
