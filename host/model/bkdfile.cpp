@@ -177,6 +177,7 @@ struct Reader {
         if (ftag != "Field") continue;
         inspect(f, "Field", {{"Name"}, {}, {}, true});
         const std::string name = f.get<std::string>("<xmlattr>.Name", "");
+        if (name.empty()) failAt(f, "a <Field> without a Name");
         if (!record.emplace(name, f.data()).second)
           failAt(f, "the field \"" + name + "\" is given twice in one record");
       }
@@ -231,6 +232,7 @@ struct Reader {
       for (const auto& [ptag, p] : b) {
         if (ptag == "P") {
           std::string prop = p.get<std::string>("<xmlattr>.Name", "");
+          if (prop.empty()) failAt(p, "block " + where + ": a <P> without a Name");
           if (!given.insert(prop).second)
             failAt(p, "block " + where + ": the property " + prop + " is given twice");
           try {
@@ -259,6 +261,7 @@ struct Reader {
       for (const auto& [ptag, p] : s) {
         if (ptag != "Param") continue;
         std::string pname = p.get<std::string>("<xmlattr>.Name", "");
+        if (pname.empty()) failAt(p, "configuration set " + set.getName() + ": a <Param> without a Name");
         if (!given.insert(pname).second)
           failAt(p, "configuration set " + set.getName() + ": the parameter " + pname + " is given twice");
         if (p.count("Record")) {

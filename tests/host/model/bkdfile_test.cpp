@@ -114,6 +114,10 @@ TEST_F(BkdFileTest, MalformedFilesNameTheFileAndLineAndLeaveNothingOpen) {
       {head + gain + "><P Name=\"Gain\">1</P>\n<P Name=\"Gain\">2</P></Block>" + tail,
        "f.bkd:4: block bad/x: the property Gain is given twice"},
       {"<BlockDiagram Name=\"bad\"/>\n<BlockDiagram Name=\"bad2\"/>", "f.bkd:2: a second <BlockDiagram>"},
+      {head + gain + ">\n<P>1</P></Block>" + tail, "f.bkd:4: block bad/x: a <P> without a Name"},
+      {"<BlockDiagram Name=\"bad\"><ConfigSets><ConfigSet Name=\"c\">\n<Param>1</Param>"
+       "</ConfigSet></ConfigSets></BlockDiagram>",
+       "f.bkd:2: configuration set c: a <Param> without a Name"},
   };
   for (const auto& c : cases) {
     try {
