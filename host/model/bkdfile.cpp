@@ -4,6 +4,7 @@
 #include <boost/property_tree/xml_parser.hpp>
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iostream>
@@ -410,6 +411,13 @@ void saveBkd(BKRootBD& diagram, const std::string& path) {
 BKRootBD* loadBkd(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   if (!in) throw ModelFileError(path, 0, "cannot open the file for reading");
+  // A file over the size limit is refused before it is read into memory.
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  if (!error && size > xml::limits().maxBytes) {
+    throw ModelFileError(path, 0, "the text has " + std::to_string(size) + " bytes, more than " +
+                                      std::to_string(xml::limits().maxBytes));
+  }
   std::stringstream text;
   text << in.rdbuf();
   if (in.bad()) throw ModelFileError(path, 0, "reading the file failed");

@@ -188,6 +188,10 @@ TEST_F(BkdFileTest, HostileTextsAreRefusedBeforeParsingByModelAndLibraryReaders)
   const std::string big = "<BlockDiagram Name=\"h\">" + std::string(64, ' ') + "</BlockDiagram>";
   EXPECT_EQ(refusal(model(big)), "h.bkd: the text has 102 bytes, more than 64");
   EXPECT_EQ(refusal(library(big)).rfind("lib.xml: the text has 102 bytes", 0), 0u);
+  const std::string file = ::testing::TempDir() + "big.bkd";
+  std::ofstream(file) << big;
+  EXPECT_EQ(refusal([&] { blockara::loadBkd(file); }), file + ": the text has 102 bytes, more than 64");
+  std::remove(file.c_str());
   blockara::xml::setLimits({});
   EXPECT_EQ(bkBlockDiagramSet::nameToBlockDiagram(u"h"), nullptr);
   EXPECT_EQ(BlockLibrary::instance().typeNames().size(), types);
