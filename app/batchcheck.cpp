@@ -1,9 +1,8 @@
 #include "app/batchcheck.h"
 
+#include <algorithm>
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
-
-#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -45,7 +44,8 @@ std::string rootElementOf(const boost::property_tree::ptree& document) {
 // down to the one that must be there.
 void requireXmlFile(const std::string& file, const std::string& kind,
                     const std::vector<std::string>& path, const blockara::xml::Limits& limits) {
-  const std::string notOfKind = file + ": not " + (kind[0] == 'e' ? "an " : "a ") + kind + " file: ";
+  const std::string notOfKind =
+      file + ": not " + (kind[0] == 'e' ? "an " : "a ") + kind + " file: ";
   namespace pt = boost::property_tree;
   pt::ptree document;
   try {
@@ -99,8 +99,8 @@ int runBatchCheck(const Options& o) {
       // The engine reads exclusions with a lower nesting limit of its own.
       xml::Limits limits = xml::limits();
       limits.maxDepth = std::min(limits.maxDepth, bkedittimecheck::ExclusionManager::maxNesting);
-      requireXmlFile(o.exclusions, "exclusions", {"rsccat", "SystemList", "System", "ExclusionList"},
-                     limits);
+      requireXmlFile(o.exclusions, "exclusions",
+                     {"rsccat", "SystemList", "System", "ExclusionList"}, limits);
     }
     diagram = loadModelFile(o.model);
   } catch (const std::exception& e) {

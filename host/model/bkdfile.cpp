@@ -1,8 +1,8 @@
 #include "host/model/bkdfile.h"
 
+#include <algorithm>
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
-#include <algorithm>
 #include <cctype>
 #include <filesystem>
 #include <fstream>
@@ -135,7 +135,8 @@ struct Reader {
     for (const auto& [key, child] : node) {
       if (key == "<xmlattr>") {
         for (const auto& [name, value] : child) {
-          if (child.count(name) > 1) failAt(node, "<" + tag + "> has the attribute " + name + " twice");
+          if (child.count(name) > 1)
+            failAt(node, "<" + tag + "> has the attribute " + name + " twice");
           if (!among(name, shape.attributes))
             warnAt(node, "unknown attribute " + name + " of <" + tag + "> passed over");
         }
@@ -154,8 +155,7 @@ struct Reader {
         warnAt(child, "unknown element <" + key + "> in <" + tag + "> passed over");
       }
     }
-    if (!shape.text && !isBlank(node.data()))
-      warnAt(node, "text inside <" + tag + "> passed over");
+    if (!shape.text && !isBlank(node.data())) warnAt(node, "text inside <" + tag + "> passed over");
   }
 
   int toInt(const pt::ptree& node, const std::string& text, const std::string& what) {
@@ -221,8 +221,10 @@ struct Reader {
         failAt(b, "block " + where + ": the name is used twice in its system");
       int sid = toInt(b, b.get<std::string>("<xmlattr>.SID", ""), "block " + where + " SID");
       if (sid <= 0 || !sids.insert(sid).second)
-        failAt(b, "block " + where + ": SID " + std::to_string(sid) + " is not a new positive number");
-      int comment = toInt(b, b.get<std::string>("<xmlattr>.Comment", "0"), "block " + where + " Comment");
+        failAt(b,
+               "block " + where + ": SID " + std::to_string(sid) + " is not a new positive number");
+      int comment =
+          toInt(b, b.get<std::string>("<xmlattr>.Comment", "0"), "block " + where + " Comment");
       if (comment < 0 || comment > 2) failAt(b, "block " + where + ": Comment must be 0, 1 or 2");
       std::unique_ptr<BKBlock> block = BlockMutator::makeBlock(*type, name);
       BlockMutator::setPendingPath(*block, graph.getFullPath());
@@ -242,7 +244,8 @@ struct Reader {
             failAt(p, e.what());
           }
         } else if (ptag == "System") {
-          if (!block->getSubGraph()) failAt(p, "block " + where + ": a " + typeName + " has no system");
+          if (!block->getSubGraph())
+            failAt(p, "block " + where + ": a " + typeName + " has no system");
           inside = &p;
         }
       }
@@ -262,9 +265,11 @@ struct Reader {
       for (const auto& [ptag, p] : s) {
         if (ptag != "Param") continue;
         std::string pname = p.get<std::string>("<xmlattr>.Name", "");
-        if (pname.empty()) failAt(p, "configuration set " + set.getName() + ": a <Param> without a Name");
+        if (pname.empty())
+          failAt(p, "configuration set " + set.getName() + ": a <Param> without a Name");
         if (!given.insert(pname).second)
-          failAt(p, "configuration set " + set.getName() + ": the parameter " + pname + " is given twice");
+          failAt(p, "configuration set " + set.getName() + ": the parameter " + pname +
+                        " is given twice");
         if (p.count("Record")) {
           inspect(p, "Param", {{"Name"}, {"Record"}, {}});
           set.setProp(pname, readRecords(p));
@@ -296,14 +301,16 @@ struct Reader {
     auto found = document.find("BlockDiagram");
     if (found == document.not_found()) fail("the root element is not <BlockDiagram>");
     const pt::ptree& root = found->second;
-    inspect(root, "BlockDiagram", {{"Name", "Kind", "NextSID", "EditFlags", "Suspended"},
-                                   {"ExclusionFile", "ConfigSets", "System"},
-                                   {"ExclusionFile", "ConfigSets", "System"}});
+    inspect(root, "BlockDiagram",
+            {{"Name", "Kind", "NextSID", "EditFlags", "Suspended"},
+             {"ExclusionFile", "ConfigSets", "System"},
+             {"ExclusionFile", "ConfigSets", "System"}});
     bksvString name = i18n::to_u16string(root.get<std::string>("<xmlattr>.Name", ""));
     if (name.empty() || name.find(u'/') != bksvString::npos)
       failAt(root, "the diagram name \"" + u8(name) + "\" is empty or contains \"/\"");
     std::string kind = root.get<std::string>("<xmlattr>.Kind", "model");
-    if (kind != "model" && kind != "library") failAt(root, "Kind \"" + kind + "\" is not model or library");
+    if (kind != "model" && kind != "library")
+      failAt(root, "Kind \"" + kind + "\" is not model or library");
     auto diagram = std::make_unique<BKRootBD>(name, kind == "library" ? BKRootBD::Library : BKRootBD::Model);
     long long flags = 0;
     try {
@@ -314,7 +321,8 @@ struct Reader {
     if (flags < 0 || flags > 0xFFFFFFFFLL) failAt(root, "EditFlags is out of range");
     diagram->editParams().flags = static_cast<std::uint32_t>(flags);
     std::string suspended = root.get<std::string>("<xmlattr>.Suspended", "off");
-    if (suspended != "on" && suspended != "off") failAt(root, "Suspended \"" + suspended + "\" is not on or off");
+    if (suspended != "on" && suspended != "off")
+      failAt(root, "Suspended \"" + suspended + "\" is not on or off");
     diagram->setSuspended(suspended == "on");
     if (auto file = root.get_child_optional("ExclusionFile")) {
       inspect(*file, "ExclusionFile", {{}, {}, {}, true});
@@ -333,8 +341,8 @@ struct Reader {
     constexpr std::size_t shown = 20;
     for (std::size_t i = 0; i < warnings.size() && i < shown; ++i) {
       const Warning& w = warnings[i];
-      std::string line = origin + (w.line > 0 ? ":" + std::to_string(w.line) : "") +
-                         ": warning: " + w.problem;
+      std::string line =
+          origin + (w.line > 0 ? ":" + std::to_string(w.line) : "") + ": warning: " + w.problem;
       if (w.count > 1) line += " (and " + std::to_string(w.count - 1) + " more like it)";
       warningHandler()(line);
     }
@@ -415,8 +423,9 @@ BKRootBD* loadBkd(const std::string& path) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
   if (!error && size > xml::limits().maxBytes) {
-    throw ModelFileError(path, 0, "the text has " + std::to_string(size) + " bytes, more than " +
-                                      std::to_string(xml::limits().maxBytes));
+    throw ModelFileError(path, 0,
+                         "the text has " + std::to_string(size) + " bytes, more than " +
+                             std::to_string(xml::limits().maxBytes));
   }
   std::stringstream text;
   text << in.rdbuf();

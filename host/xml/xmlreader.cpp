@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <boost/property_tree/xml_parser.hpp>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <unordered_map>
 #include <vector>
-
-#include <boost/property_tree/xml_parser.hpp>
 
 namespace blockara::xml {
 namespace {
@@ -101,9 +100,9 @@ void numberElements(const pt::ptree& tree, std::unordered_map<const pt::ptree*, 
 }
 
 [[noreturn]] void refuseSize(std::uintmax_t size, std::size_t maxBytes, const std::string& origin) {
-  throw pt::xml_parser_error("the text has " + std::to_string(size) + " bytes, more than " +
-                                 std::to_string(maxBytes),
-                             origin, 0);
+  throw pt::xml_parser_error(
+      "the text has " + std::to_string(size) + " bytes, more than " + std::to_string(maxBytes),
+      origin, 0);
 }
 
 }  // namespace
@@ -162,7 +161,8 @@ ElementLocator::ElementLocator(const std::string& text, const pt::ptree& documen
   std::size_t line = 1, counted = 0;
   forEachTag(text, [&](Tag tag, std::size_t offset) {
     if (tag == Tag::end) return;
-    line += static_cast<std::size_t>(std::count(text.begin() + counted, text.begin() + offset, '\n'));
+    line +=
+        static_cast<std::size_t>(std::count(text.begin() + counted, text.begin() + offset, '\n'));
     counted = offset;
     lines.push_back(line);
   });

@@ -34,7 +34,10 @@ TEST(FindingsTest, EscapesKeepEveryFieldOnOneLineAndHtmlWellFormed) {
       {"plain G\xc3\xa4in", "plain G\xc3\xa4in", "plain G\xc3\xa4in"},
       {"a\tb\nc\rd", "a\\tb\\nc\\rd", "a\tb\nc\rd"},
       {"back\\slash", "back\\\\slash", "back\\slash"},
-      {std::string("nul\0bel\x07" "esc\x1b", 12), "nul\\x00bel\\x07esc\\x1B", "nul\\x00bel\\x07esc\\x1B"},
+      {std::string("nul\0bel\x07"
+                   "esc\x1b",
+                   12),
+       "nul\\x00bel\\x07esc\\x1B", "nul\\x00bel\\x07esc\\x1B"},
       {"<a & 'b' \"c\">", "<a & 'b' \"c\">", "&lt;a &amp; &#39;b&#39; &quot;c&quot;&gt;"},
   };
   for (const Case& c : cases) {

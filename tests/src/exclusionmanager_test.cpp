@@ -1,5 +1,7 @@
 // The exclusions of a diagram: every rule kind, the file format and its failures, the published
 // map, and where the file comes from.
+#include "src/configuration/exclusionmanager.h"
+
 #include <gtest/gtest.h>
 
 #include <boost/property_tree/exceptions.hpp>
@@ -13,7 +15,6 @@
 #include "host/prefs/edittimepreferences.h"
 #include "host/xml/xmlreader.h"
 #include "src/algorithms/edittimeviolation.h"
-#include "src/configuration/exclusionmanager.h"
 #include "src/hostinterface.h"
 
 namespace bkedittimecheck::testing {

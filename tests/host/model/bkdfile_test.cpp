@@ -1,10 +1,11 @@
+#include "host/model/bkdfile.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <fstream>
 #include <functional>
 
-#include "host/model/bkdfile.h"
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
 #include "host/model/blocklibrary.h"
@@ -96,15 +97,19 @@ TEST_F(BkdFileTest, MalformedFilesNameTheFileAndLineAndLeaveNothingOpen) {
       {"<Other/>", "f.bkd: the root element is not <BlockDiagram>"},
       {"\n<BlockDiagram Name=\"a/b\"/>", "f.bkd:2: the diagram name"},
       {"<BlockDiagram Name=\"bad\" Suspended=\"yes\"/>", "f.bkd:1: Suspended \"yes\""},
-      {head + "<Block Type=\"Nope\" Name=\"x\" SID=\"1\"/>" + tail, "f.bkd:3: block bad/x: unknown block type"},
+      {head + "<Block Type=\"Nope\" Name=\"x\" SID=\"1\"/>" + tail,
+       "f.bkd:3: block bad/x: unknown block type"},
       {head + gain + "/>\n<Block Type=\"Gain\" Name=\"x\" SID=\"2\"/>" + tail,
        "f.bkd:4: block bad/x: the name is used twice"},
-      {head + gain + "/><Block Type=\"Gain\" Name=\"y\" SID=\"1\"/>" + tail, "f.bkd:3: block bad/y: SID 1"},
+      {head + gain + "/><Block Type=\"Gain\" Name=\"y\" SID=\"1\"/>" + tail,
+       "f.bkd:3: block bad/y: SID 1"},
       {head + "<Block Type=\"Gain\" Name=\"x\" SID=\"z\"/>" + tail, "f.bkd:3: block bad/x SID"},
-      {head + gain + ">\n<P Name=\"Orientation\">sideways</P></Block>" + tail, "f.bkd:4: bad/x: Orientation"},
+      {head + gain + ">\n<P Name=\"Orientation\">sideways</P></Block>" + tail,
+       "f.bkd:4: bad/x: Orientation"},
       {head + gain + "><P Name=\"Position\">1 2 3</P></Block>" + tail, "f.bkd:3: bad/x: Position"},
       {head + gain + "><System/></Block>" + tail, "f.bkd:3: block bad/x: a Gain has no system"},
-      {"<BlockDiagram Name=\"bad\"><ConfigSets Active=\"3\"/></BlockDiagram>", "f.bkd:1: ConfigSets Active 3"},
+      {"<BlockDiagram Name=\"bad\"><ConfigSets Active=\"3\"/></BlockDiagram>",
+       "f.bkd:1: ConfigSets Active 3"},
       {std::string(2000, '<'), "f.bkd:1: "},
       // What a reader could only drop or choose from is refused.
       {head + "</System>\n<System>" + tail, "f.bkd:4: a second <System> in <BlockDiagram>"},
@@ -113,7 +118,8 @@ TEST_F(BkdFileTest, MalformedFilesNameTheFileAndLineAndLeaveNothingOpen) {
       {head + gain + " Name=\"y\"/>" + tail, "f.bkd:3: <Block> has the attribute Name twice"},
       {head + gain + "><P Name=\"Gain\">1</P>\n<P Name=\"Gain\">2</P></Block>" + tail,
        "f.bkd:4: block bad/x: the property Gain is given twice"},
-      {"<BlockDiagram Name=\"bad\"/>\n<BlockDiagram Name=\"bad2\"/>", "f.bkd:2: a second <BlockDiagram>"},
+      {"<BlockDiagram Name=\"bad\"/>\n<BlockDiagram Name=\"bad2\"/>",
+       "f.bkd:2: a second <BlockDiagram>"},
       {head + gain + ">\n<P>1</P></Block>" + tail, "f.bkd:4: block bad/x: a <P> without a Name"},
       {"<BlockDiagram Name=\"bad\"><ConfigSets><ConfigSet Name=\"c\">\n<Param>1</Param>"
        "</ConfigSet></ConfigSets></BlockDiagram>",
@@ -177,7 +183,9 @@ TEST_F(BkdFileTest, HostileTextsAreRefusedBeforeParsingByModelAndLibraryReaders)
       return std::string(e.what());
     }
   };
-  const auto model = [](const std::string& xml) { return [xml] { blockara::readDiagramXml(xml, "h.bkd"); }; };
+  const auto model = [](const std::string& xml) {
+    return [xml] { blockara::readDiagramXml(xml, "h.bkd"); };
+  };
   const auto library = [](const std::string& xml) {
     return [xml] { BlockLibrary::instance().loadFromString(xml, "lib.xml"); };
   };
@@ -190,7 +198,8 @@ TEST_F(BkdFileTest, HostileTextsAreRefusedBeforeParsingByModelAndLibraryReaders)
   EXPECT_EQ(refusal(library(big)).rfind("lib.xml: the text has 102 bytes", 0), 0u);
   const std::string file = ::testing::TempDir() + "big.bkd";
   std::ofstream(file) << big;
-  EXPECT_EQ(refusal([&] { blockara::loadBkd(file); }), file + ": the text has 102 bytes, more than 64");
+  EXPECT_EQ(refusal([&] { blockara::loadBkd(file); }),
+            file + ": the text has 102 bytes, more than 64");
   std::remove(file.c_str());
   blockara::xml::setLimits({});
   EXPECT_EQ(bkBlockDiagramSet::nameToBlockDiagram(u"h"), nullptr);
