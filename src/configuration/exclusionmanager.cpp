@@ -16,6 +16,7 @@
 #include "host/package/bkblockdiagramloadsave.h"
 #include "host/package/bkspackage.h"
 #include "host/prefs/edittimepreferences.h"
+#include "host/xml/xmlreader.h"
 #include "src/edittimeviolation.h"
 #include "src/hostinterface.h"
 
@@ -108,14 +109,7 @@ pt::ptree readExclusionsTree(const std::wstring& path) {
   std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   if (!in.good() && !in.eof()) throw pt::xml_parser_error("cannot read file", name, 0);
   refuseDeepNesting(text, name);
-  pt::ptree tree;
-  std::istringstream stream(text);
-  try {
-    pt::read_xml(stream, tree, pt::xml_parser::no_comments);
-  } catch (const pt::xml_parser_error& e) {
-    throw pt::xml_parser_error(e.message(), name, e.line());
-  }
-  return tree;
+  return blockara::xml::readString(text, name, pt::xml_parser::no_comments);
 }
 
 std::wstring attribute(const pt::ptree& attributes, const char* name, const std::wstring& old) {

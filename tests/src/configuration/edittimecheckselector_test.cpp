@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <boost/property_tree/xml_parser.hpp>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "host/prefs/directories.h"
 #include "host/prefs/edittimepreferences.h"
+#include "host/xml/xmlreader.h"
 #include "src/algorithms/edittimealgorithms.h"
 
 namespace bkedittimecheck {
@@ -91,6 +93,29 @@ TEST_F(EditTimeCheckSelectorLoadTest, TheInstalledFileIsTheLastResort) {
   EditTimeCheckSelector::loadCheckSelection((base / "no-such.xml").wstring());
   EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap(),
             (std::map<std::string, bool>{{"installed", true}}));
+}
+
+TEST_F(EditTimeCheckSelectorLoadTest, HostileFilesAreRefusedNamedAndKeepTheConfiguration) {
+  write(base / "root.xml", "<Check><ID>kept</ID><Selected>true</Selected></Check>");
+  EditTimeCheckSelector::loadCheckSelection((base / "root.xml").wstring());
+  {
+    std::ofstream deep(base / "deep.xml");
+    deep << "<RAConfiguration>\n";
+    for (int i = 0; i < 100000; ++i) deep << "<CheckCellArray>";
+  }
+  write(base / "big.xml", std::string(200, ' '));
+  for (const auto& [name, line] : {std::pair{"deep.xml", 2}, std::pair{"big.xml", 0}}) {
+    if (line == 0) blockara::xml::setLimits({4096, 128});
+    try {
+      EditTimeCheckSelector::loadCheckSelection((base / name).wstring());
+      ADD_FAILURE() << name;
+    } catch (const pt::xml_parser_error& e) {
+      EXPECT_EQ(e.filename(), (base / name).string());
+      EXPECT_EQ(e.line(), static_cast<unsigned long>(line));
+    }
+  }
+  blockara::xml::setLimits({});
+  EXPECT_EQ(EditTimeCheckSelector::getCheckConfiguration("kept").get<std::string>("ID"), "kept");
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "host/model/bkrootbd.h"
 #include "host/model/diagramediting.h"
 #include "host/prefs/edittimepreferences.h"
+#include "host/xml/xmlreader.h"
 #include "src/edittimeviolation.h"
 #include "src/hostinterface.h"
 
@@ -229,6 +230,11 @@ TEST_F(ExclusionTest, BadFilesThrowAndLeaveTheManagerAsDocumented) {
   for (int i = 0; i < 200000; ++i) deep += "<a>";
   const std::wstring nested = write(deep, "deep.xml");
   expectNamed([&] { manager.loadExclusionsFromFile(d, nested); }, (dir / "deep.xml").string());
+  expectKept();
+  blockara::xml::setLimits({64, 16});
+  const std::wstring big = write("<rsccat>" + std::string(16, ' ') + "</rsccat>", "big.xml");
+  expectNamed([&] { manager.loadExclusionsFromFile(d, big); }, (dir / "big.xml").string());
+  blockara::xml::setLimits({});
   expectKept();
   // Comments, CDATA and self-closing elements do not count as levels.
   std::string shallow = "<rsccat><!-- <a><a><a> --><SystemList><System><ExclusionList>";
