@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "host/model/bkblock.h"
-#include "host/style/glow.h"
-#include "host/style/styler.h"
 #include "tests/src/bkeditbdprobe.h"
 #include "tests/src/enginefixture.h"
 
@@ -163,17 +161,6 @@ TEST_F(EngineBatchTest, RenamedSubsystemsQueueTheirPathChange) {
   EXPECT_EQ(changes[0].oldPath, L"m/s");
   EXPECT_EQ(changes[0].newPath, L"m/t");
   EXPECT_EQ(takeEvents(), (std::vector<Event>{{20, false}}));
-}
-
-TEST_F(EngineBatchTest, EveryEngineActivatesTheSharedStylerSoThatItsGlowsShow) {
-  diagram::style::Styler* styler = diagram::style::getStyler(L"Orvanta.EditTimeCheckingStyler");
-  ASSERT_NE(styler, nullptr);
-  EXPECT_TRUE(styler->isActive());
-  BKBlock* gain = e().addBlock(u"m", "Gain", u"g");
-  styler->applyClass(gain->getHandle(), L"Error");
-  const auto glow = diagram::style::glowOf(gain->getHandle());
-  ASSERT_TRUE(glow);
-  EXPECT_EQ(glow->color, diagram::style::Color(1.0, 0.0, 0.0, 1.0));
 }
 
 TEST_F(EngineBatchTest, StateAccessorSnapshotsResolveTheirOwnerAsTheHostDoes) {

@@ -83,15 +83,5 @@ TEST_F(EditTimeCheckSelectorLoadTest, NoFileChangesNothingAndABadFileThrows) {
   EXPECT_THROW(EditTimeCheckSelector::getCheckConfiguration("kept"), pt::ptree_bad_path);
 }
 
-TEST_F(EditTimeCheckSelectorLoadTest, TheInstalledFileIsTheLastResort) {
-  const fs::path installed =
-      base / "root/toolbox/blockara/blockara/ruleauditor/resources/edittimecheckcustomization.xml";
-  fs::create_directories(installed.parent_path());
-  write(installed, "<Check><ID>installed</ID><Selected>true</Selected></Check>");
-  EditTimeCheckSelector::loadCheckSelection((base / "no-such.xml").wstring());
-  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap(),
-            (std::map<std::string, bool>{{"installed", true}}));
-}
-
 }  // namespace
 }  // namespace bkedittimecheck
