@@ -190,13 +190,11 @@ TEST_F(LuaValueTest, ArrayValuesOfferClassSizeElementsAndEquality) {
     local u = nx.array("uint32", 1, 2, {7, 4294967295})
     assert(math.type(u[1]) == "integer" and u[2] == 4294967295)
     local ch = nx.array("char", 2, 1, "xy"); assert(ch[2] == "y")
-    local l = nx.array("logical", 2, 1, {true, false}); assert(l[1] == true and l[2] == false)
     local cells = nx.column({"a", {1, 2}, nx.column({})})
     assert(cells[1] == "a" and type(cells[2]) == "table" and cells[2][2] == 2)
     assert(nx.class(cells[3]) == "cell")
     local s = nx.array("struct", 2, 1, {{a = 1}, {a = 2, b = "x"}})
     assert(s[2].a == 2 and s[2].b == "x" and s[1].b == nil)
-    assert(nx.class(nx.array("struct", 1, 2)[1]) == "struct")
     local w = Test.pkg.Widget(); w.Name = "inside"
     local o = nx.array("object", 1, 2, {w, w})
     assert(o[2].Name == "inside" and o:class() == "Test.pkg.Widget")
