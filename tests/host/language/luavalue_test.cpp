@@ -114,14 +114,11 @@ TEST_F(LuaValueTest, LuaValuesBecomeArraysByFixedRules) {
   nxArray s12 = nxArray::structMatrix(1, 2, {"a", "b"});
   s12.setField(0, "a", nxArray::doubleScalar(1));
   s12.setField(1, "b", nxArray::charRow("x"));
+  // Plain values already come back through the round trip above; these are made in Lua.
   const Case cases[] = {
-      {"nil", nxArray()},
-      {"true", nxArray::logicalScalar(true)},
-      {"3", nxArray::doubleScalar(3)},
       {"2^53 + 1", nxArray::doubleScalar(9007199254740992.0)},
       {"math.maxinteger", nxArray::doubleScalar(9223372036854775807.0)},
       {"'Grüße'", nxArray::charRow(u"Gr\u00fc\u00dfe")},
-      {"{}", nxArray::cellRow({})},
       {"{1, 'a', {true, {}}}",
        nxArray::cellRow({nxArray::doubleScalar(1), nxArray::charRow("a"),
                          nxArray::cellRow({nxArray::logicalScalar(true), nxArray::cellRow({})})})},

@@ -16,20 +16,12 @@ std::filesystem::path tempPath(const std::string& name) {
           std::to_string(reinterpret_cast<std::uintptr_t>(&name)));
 }
 
-TEST(BlockDiagramLoadSaveTest, OnlyADiagramWithPartsHasAReaderAndItsOwnPartIsNotOneOfThem) {
+TEST(BlockDiagramLoadSaveTest, OnlyADiagramWithPartsHasAPackageReader) {
   BKRootBD* d = bkBlockDiagramSet::create(u"Pkg");
   EXPECT_EQ(bkBlockDiagramLoadSave::get(d).getPackageReader(), nullptr);
   d->parts()["/auditor/exclusions.xml"] = "<rsccat/>";
   ASSERT_NE(bkBlockDiagramLoadSave::get(d).getPackageReader(), nullptr);
-
-  auto file = tempPath("pkg") += ".bkdx";
-  bkBlockDiagramLoadSave::save(*d, file.string());
   bkBlockDiagramSet::close(d);
-  BKRootBD* back = bkBlockDiagramLoadSave::load(file.string());
-  EXPECT_EQ(back->parts(), (std::map<std::string, std::string>{
-                               {"/auditor/exclusions.xml", "<rsccat/>"}}));
-  bkBlockDiagramSet::close(back);
-  std::filesystem::remove(file);
 }
 
 TEST(BlockDiagramLoadSaveTest, APackageWithoutTheDiagramOpensNothing) {

@@ -47,9 +47,6 @@ TEST(EditTimeCheckSelectorTest, SelectionMapOfOddFiles) {
        "<Check><ID>f</ID><Selected> true</Selected></Check>"
        "<Check><ID>g</ID><Selected>false</Selected></Check>",
        {{"e", false}, {"f", false}, {"g", false}}},
-      {"comments are dropped",
-       "<Check><!-- x --><ID>h</ID><!-- y --><Selected>true</Selected></Check>",
-       {{"h", true}}},
   };
   for (const auto& c : cases) {
     const pt::ptree tree = parse(std::string("<RAConfiguration><CheckCellArray>") + c.cells +
