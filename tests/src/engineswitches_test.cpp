@@ -194,7 +194,8 @@ TEST_F(EngineSwitchTest, TheWalkCountsVariantsAndNotesSubsystemsAndListeners) {
 }
 
 TEST_F(EngineSwitchTest, AuditorOffClearsTheSwitchBeforeTheStyling) {
-  add(g, "ra", 3);  // rule-auditor warning only
+  add(g, "ra", 3);  // rule-auditor findings only: every one of them goes
+  add(g, "ra2", 3);
   add(h, "ra", 3);
   add(h, "warn", 0);  // h also carries an edit-time warning
   add(h, "err", 1);

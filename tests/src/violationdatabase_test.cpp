@@ -73,43 +73,6 @@ TEST(ViolationDatabase, RemovalsFeedPendingClears) {
   EXPECT_EQ(db.blockCount(), 2u);  // block 3 keeps its emptied set; 99 gets none
 }
 
-TEST(ViolationDatabase, QueriesBySeverity) {
-  ViolationDatabase db;
-  db.add(rec(1, "g", "w", 0, true));
-  db.add(rec(2, "s", "e", 1));
-  db.add(rec(3, "r", "x", 4, true));
-  db.add(rec(4, "r", "x", 3));
-  db.add(rec(5, "r", "x", 3));
-  db.add(rec(5, "g", "w", 0));
-  EXPECT_EQ(db.blocksWithEditTimeWarnings(), (std::map<double, bool>{{1, true}, {5, false}}));
-  EXPECT_EQ(db.blocksWithErrors(), (std::map<double, bool>{{2, false}, {3, true}}));
-  EXPECT_EQ(db.blocksWithOnlyAuditorViolations(), (std::map<double, bool>{{3, true}, {4, false}}));
-  const auto ra = db.auditorViolations();
-  EXPECT_EQ(ra.size(), 3u);
-  EXPECT_EQ(ra.at(5).size(), 1u);
-  EXPECT_EQ(db.violationsByCheck("r").size(), 3u);
-}
-
-TEST(ViolationDatabase, ErrorAndWarningRemovalTakeTheFirstMatchOnlyAuditorRemovalTakesAll) {
-  ViolationDatabase db;
-  db.add(rec(1, "a", "e1", 1));
-  db.add(rec(1, "b", "e2", 4));
-  db.add(rec(1, "c", "w", 0));
-  db.add(rec(2, "d", "e", 1));
-  db.removeErrors();
-  EXPECT_EQ(db.violationsOf(1).size(), 2u);  // one of the two errors is left
-  EXPECT_EQ(db.blockCount(), 1u);            // an empty set leaves the map
-  db.removeErrors();
-  db.removeWarnings();
-  EXPECT_EQ(db.blockCount(), 0u);
-
-  for (const char* check : {"a", "b"}) db.add(rec(1, check, "x", 3));
-  db.add(rec(1, "c", "x", 4));
-  db.add(rec(1, "d", "x", 0));
-  db.removeAuditorViolations();
-  EXPECT_EQ(lines(db, 1), Lines{"d:x:0"});
-}
-
 TEST(ViolationDatabase, CommentMarkingPathRenamingAndDeadBlocks) {
   ViolationDatabase db;
   db.add(rec(1, "x", "t", 3, false, L"m/sub/a"));
