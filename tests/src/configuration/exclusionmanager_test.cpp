@@ -23,14 +23,14 @@ namespace pt = boost::property_tree;
 using Prefs = bk::bkedittimecheck::bkutils::EditTimePreferences;
 
 // One exclusion: rules (each "Type|SID|paramValue", SID "-" for none) and check IDs.
-struct Spec {
+struct Entry {
   std::vector<std::string> rules;
   std::vector<std::string> checkIds;
 };
 
-std::string exclusionsXml(const std::vector<Spec>& specs) {
+std::string exclusionsXml(const std::vector<Entry>& entries) {
   std::string xml = "<rsccat><SystemList><System><ExclusionList>";
-  for (const Spec& s : specs) {
+  for (const Entry& s : entries) {
     xml += "<Exclusion Rationale=\"why\"><RuleList>";
     for (const std::string& r : s.rules) {
       const auto bar1 = r.find('|');
@@ -84,8 +84,8 @@ class ExclusionTest : public ::testing::Test {
     std::ofstream(file, std::ios::binary) << text;
     return file.wstring();
   }
-  void load(const std::vector<Spec>& specs) {
-    manager.loadExclusionsFromFile(d, write(exclusionsXml(specs)));
+  void load(const std::vector<Entry>& entries) {
+    manager.loadExclusionsFromFile(d, write(exclusionsXml(entries)));
   }
   bool excluded(const std::u16string& path, const std::string& checkId = "c1") {
     BKBlock* block = d->findBlock(path);
@@ -101,14 +101,14 @@ class ExclusionTest : public ::testing::Test {
 
 TEST_F(ExclusionTest, EachRuleKindDecidesByItsOwnTest) {
   struct Case {
-    std::vector<Spec> specs;
+    std::vector<Entry> entries;
     const char16_t* path;
     const char* checkId;
     bool expected;
   };
-  const std::vector<Spec> subsystemA{{{"Subsystem|off|a"}, {"c1"}}};
-  const std::vector<Spec> library{{{"Library|-|mylib"}, {"notThisCheck"}}};
-  const std::vector<Spec> mask{{{"MaskType|-|Filter"}, {}}};
+  const std::vector<Entry> subsystemA{{{"Subsystem|off|a"}, {"c1"}}};
+  const std::vector<Entry> library{{{"Library|-|mylib"}, {"notThisCheck"}}};
+  const std::vector<Entry> mask{{{"MaskType|-|Filter"}, {}}};
   const Case cases[] = {
       {subsystemA, u"m/a/inner/deep", "c1", true},
       {subsystemA, u"m/ab", "c1", false},  // a prefix, not a subsystem
@@ -140,9 +140,9 @@ TEST_F(ExclusionTest, EachRuleKindDecidesByItsOwnTest) {
       {{{{"Block|off|ab", "Nonsense|-|x"}, {".*"}}}, u"m/ab", "c1", true},
   };
   for (const Case& c : cases) {
-    load(c.specs);
+    load(c.entries);
     EXPECT_EQ(excluded(c.path, c.checkId), c.expected)
-        << ConvertUStringToStdString(c.path) << " " << c.specs.at(0).rules.at(0);
+        << ConvertUStringToStdString(c.path) << " " << c.entries.at(0).rules.at(0);
   }
 }
 
