@@ -40,28 +40,20 @@ class EditTimeCheckSelectorLoadTest : public ::testing::Test {
   fs::path base;
 };
 
-TEST_F(EditTimeCheckSelectorLoadTest, LoadsThePreferenceFileFirstAndAnswersPerCheck) {
-  write(base / "given.xml", "<Check><ID>given</ID><Selected>true</Selected></Check>");
-  EditTimeAlgorithms::setInputParametersChanged(false);
-  EditTimeCheckSelector::loadCheckSelection((base / "given.xml").wstring());
-  EXPECT_TRUE(EditTimeAlgorithms::inputParametersChanged());
-  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap(),
-            (std::map<std::string, bool>{{"given", true}}));
-  EXPECT_EQ(bk::bkedittimecheck::bkutils::EditTimePreferences::checkSelectionMap(),
-            EditTimeCheckSelector::getCheckSelectionMap());
-
-  write(base / "prefs" / "edittimecheckcustomization.xml",
+TEST_F(EditTimeCheckSelectorLoadTest, LoadingPublishesTheSelectionAndAnswersPerCheck) {
+  write(base / "given.xml",
         "<Check><ID>a</ID><Selected>true</Selected><InputParameters><InputParameter Name=\"x\">"
         "<Value>1</Value></InputParameter></InputParameters></Check>"
         "<Check><ID>a</ID><Selected>false</Selected><Extra>second</Extra></Check>"
         "<Check><Selected>true</Selected><ID>late</ID></Check>");
+  EditTimeAlgorithms::setInputParametersChanged(false);
   EditTimeCheckSelector::loadCheckSelection((base / "given.xml").wstring());
-  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap(),
+  EXPECT_TRUE(EditTimeAlgorithms::inputParametersChanged());
+  EXPECT_EQ(bk::bkedittimecheck::bkutils::EditTimePreferences::checkSelectionMap(),
             (std::map<std::string, bool>{{"", true}, {"a", true}}));
+  // The first entry of an ID answers; every ID child counts, also one behind "Selected".
   const pt::ptree entry = EditTimeCheckSelector::getCheckConfiguration("a");
-  EXPECT_EQ(entry.get<std::string>("ID"), "a");
-  EXPECT_EQ(entry.get<std::string>("InputParameters.InputParameter.Value"), "1");  // the first
-  // Every ID child counts for the lookup, also one behind "Selected".
+  EXPECT_EQ(entry.get<std::string>("InputParameters.InputParameter.Value"), "1");
   EXPECT_EQ(EditTimeCheckSelector::getCheckConfiguration("late").get<std::string>("ID"), "late");
   EXPECT_TRUE(EditTimeCheckSelector::getCheckConfiguration("missing").empty());
 }
@@ -83,16 +75,6 @@ TEST_F(EditTimeCheckSelectorLoadTest, NoFileChangesNothingAndABadFileThrows) {
   EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap().count("kept"), 1u);
   // The tree is already the new one: the lookup of an entry now fails.
   EXPECT_THROW(EditTimeCheckSelector::getCheckConfiguration("kept"), pt::ptree_bad_path);
-}
-
-TEST_F(EditTimeCheckSelectorLoadTest, TheInstalledFileIsTheLastResort) {
-  const fs::path installed =
-      base / "root/toolbox/blockara/blockara/ruleauditor/resources/edittimecheckcustomization.xml";
-  fs::create_directories(installed.parent_path());
-  write(installed, "<Check><ID>installed</ID><Selected>true</Selected></Check>");
-  EditTimeCheckSelector::loadCheckSelection((base / "no-such.xml").wstring());
-  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap(),
-            (std::map<std::string, bool>{{"installed", true}}));
 }
 
 TEST_F(EditTimeCheckSelectorLoadTest, HostileFilesAreRefusedNamedAndKeepTheConfiguration) {
