@@ -17,8 +17,9 @@ bool BlockCheck::runCheck(const CheckContext& context) {
   ViolationDatabase* database = context.violations.get();
   if (!data || !database) return false;
 
-  // A copy, so that the Setup of a later run cannot change the map under this walk.
-  const std::map<double, std::shared_ptr<bkEditBlock>> blocks = data->blockMap();
+  // The map itself, not a copy: every check and every Setup runs on the one worker thread, one
+  // after the other, so nothing can change the map during this walk.
+  const std::map<double, std::shared_ptr<bkEditBlock>>& blocks = data->blockMap();
   if (wantsParameters()) readParameters(EditTimeCheckSelector::getCheckConfiguration(checkId));
   beginRun();
 
