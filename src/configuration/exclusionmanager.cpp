@@ -50,7 +50,8 @@ TemporaryCopies& temporaryCopies() {
 }
 
 std::size_t lineAt(const std::string& text, std::size_t offset) {
-  return 1 + static_cast<std::size_t>(std::count(text.begin(), text.begin() + offset, '\n'));
+  const auto end = text.begin() + static_cast<std::string::difference_type>(offset);
+  return 1 + static_cast<std::size_t>(std::count(text.begin(), end, '\n'));
 }
 
 // The reader parses recursively, one stack frame per element level: a file nested deep enough
