@@ -23,6 +23,8 @@ bool BlockCheck::runCheck(const CheckContext& context) {
   if (wantsParameters()) readParameters(EditTimeCheckSelector::getCheckConfiguration(checkId));
   beginRun();
 
+  // Read once: only a parameter reader changes a scope, and none runs during the walk.
+  const CheckScope scope = currentScope();
   const std::vector<std::string> types = violationTypes();
   std::vector<std::shared_ptr<EditTimeViolation>> records(types.size());
   std::vector<Verdict> verdicts(types.size());
@@ -34,7 +36,6 @@ bool BlockCheck::runCheck(const CheckContext& context) {
       records[i]->isCommented = block->getIsCommented() ? 1 : 0;
       records[i]->blockPath = block->getFullPath();
     }
-    const CheckScope scope = currentScope();
     if (data->isOutsideScope(*block, scope.skipLinkedBlocks, scope.lookUnderMasks)) {
       for (const auto& record : records) database->remove(record);
       continue;
