@@ -20,7 +20,10 @@ class bkEditBlock;
 /// with no lock. That one thread is what makes the stateful protocol (`WasChecked`, `Status`,
 /// the current value) safe. Model parameter values are written between runs, on the thread
 /// that processes the engine's events.
-class Constraint : public ncos::Wrappable {
+///
+/// Constraints are always owned by shared pointers (`shared_from_this` gives the owner to a
+/// host-language caller that links one object to another by pointer).
+class Constraint : public ncos::Wrappable, public std::enable_shared_from_this<Constraint> {
  public:
   Constraint() = default;
   Constraint(const Constraint&) = default;
