@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/property_tree/ptree.hpp>
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -19,15 +20,17 @@ class bkEditBlock;
 /// by the host language (main thread); during a run evaluated by the single worker thread only,
 /// with no lock. That one thread is what makes the stateful protocol (`WasChecked`, `Status`,
 /// the current value) safe. Model parameter values are written between runs, on the thread
-/// that processes the engine's events.
+/// that processes the engine's events, while the worker may be reading them: so the two flags
+/// of the evaluation are atomic, and a subject whose value crosses threads guards that value.
 ///
 /// Constraints are always owned by shared pointers (`shared_from_this` gives the owner to a
 /// host-language caller that links one object to another by pointer).
 class Constraint : public ncos::Wrappable, public std::enable_shared_from_this<Constraint> {
  public:
   Constraint() = default;
-  Constraint(const Constraint&) = default;
-  Constraint& operator=(const Constraint&) = default;
+  /// Memberwise.
+  Constraint(const Constraint& other);
+  Constraint& operator=(const Constraint& other);
   ~Constraint() override = default;
 
   /// Sets `WasChecked`, computes the verdict, stores it in `Status` and returns it: true when
@@ -67,13 +70,13 @@ class Constraint : public ncos::Wrappable, public std::enable_shared_from_this<C
   void setIsRootConstraint(bool value) { isRootConstraint = value; }
   const bool& IsConstraintValueRowVector() const { return isConstraintValueRowVector; }
   void setIsConstraintValueRowVector(bool value) { isConstraintValueRowVector = value; }
-  const bool& WasChecked() const { return wasChecked; }
-  void setWasChecked(bool value) { wasChecked = value; }
-  const bool& getStatus() const { return status; }
-  void setStatus(bool value) { status = value; }
+  bool WasChecked() const { return wasChecked.load(); }
+  void setWasChecked(bool value) { wasChecked.store(value); }
+  bool getStatus() const { return status.load(); }
+  void setStatus(bool value) { status.store(value); }
 
   /// Marks the verdict stale: `WasChecked` false, `Status` kept.
-  void refresh() { wasChecked = false; }
+  void refresh() { wasChecked.store(false); }
 
  private:
   std::string ID;
@@ -81,8 +84,9 @@ class Constraint : public ncos::Wrappable, public std::enable_shared_from_this<C
   std::vector<std::shared_ptr<Constraint>> PreRequisiteConstraintObjects;
   // IsRootConstraint: informative only, shown to the host language; the evaluation never reads it.
   bool isRootConstraint = true;
-  bool wasChecked = false;
-  bool status = false;
+  // Written by the worker's evaluation and by a model value's refresh on the event thread.
+  std::atomic<bool> wasChecked{false};
+  std::atomic<bool> status{false};
   // Whether the host language gave the values as a row; only used to give them back so.
   bool isConstraintValueRowVector = false;
 };

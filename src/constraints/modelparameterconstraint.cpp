@@ -42,7 +42,43 @@ void refreshOne(BKRootBD* diagram, const ConfigSet& set, ModelParameterConstrain
 
 }  // namespace
 
+ModelParameterConstraint::ModelParameterConstraint(const ModelParameterConstraint& other)
+    : Constraint(other),
+      ParameterName(other.ParameterName),
+      CurrentValue(other.getCurrentValue()),
+      FixValue(other.FixValue),
+      ValueOperator(other.ValueOperator),
+      constraintValues(other.constraintValues),
+      reservedFlagA(other.reservedFlagA),
+      reservedFlagB(other.reservedFlagB),
+      ParameterDataType(other.ParameterDataType) {}
+
+ModelParameterConstraint& ModelParameterConstraint::operator=(
+    const ModelParameterConstraint& other) {
+  if (this == &other) return *this;
+  Constraint::operator=(other);
+  ParameterName = other.ParameterName;
+  ParameterValue value = other.getCurrentValue();
+  {
+    std::lock_guard<std::mutex> lock(currentValueMutex);
+    CurrentValue = std::move(value);
+  }
+  FixValue = other.FixValue;
+  ValueOperator = other.ValueOperator;
+  constraintValues = other.constraintValues;
+  reservedFlagA = other.reservedFlagA;
+  reservedFlagB = other.reservedFlagB;
+  ParameterDataType = other.ParameterDataType;
+  return *this;
+}
+
+ParameterValue ModelParameterConstraint::getCurrentValue() const {
+  std::lock_guard<std::mutex> lock(currentValueMutex);
+  return CurrentValue;
+}
+
 void ModelParameterConstraint::setCurrentValue(ParameterValue value) {
+  std::lock_guard<std::mutex> lock(currentValueMutex);
   refresh();
   CurrentValue = std::move(value);
 }

@@ -3,6 +3,7 @@
 #include <boost/property_tree/ptree.hpp>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,9 @@ namespace bkedittimecheck {
 /// refresh. It acts only as the prerequisite of block level constraints.
 ///
 /// Thread contract: the value is written on the thread that processes the engine's events (the
-/// main thread) between runs, and read during a run by the worker, with no lock, as `Constraint`.
+/// main thread), also while a run on the worker reads it: `currentValueMutex` guards
+/// `CurrentValue`, held only for a copy in or out, so that the worker judges either the old or
+/// the new value and a refresh always makes it judge again.
 class ModelParameterConstraint : public Constraint {
  public:
   const std::string& getParameterName() const { return ParameterName; }
@@ -38,7 +41,8 @@ class ModelParameterConstraint : public Constraint {
   void addToConstraintValueVector(ConstraintValue value) { constraintValues.push_back(std::move(value)); }
   void clearConstraintValues() { constraintValues.clear(); }
 
-  const ParameterValue& getCurrentValue() const { return CurrentValue; }
+  /// A copy of the value under judgement.
+  ParameterValue getCurrentValue() const;
   /// Refreshes, then stores the model parameter's value.
   void setCurrentValue(ParameterValue value);
   /// Does nothing: the value is the model's, and the verdict is reused until it is read again.
@@ -52,12 +56,14 @@ class ModelParameterConstraint : public Constraint {
 
  protected:
   ModelParameterConstraint() = default;
-  ModelParameterConstraint(const ModelParameterConstraint&) = default;
-  ModelParameterConstraint& operator=(const ModelParameterConstraint&) = default;
+  /// Memberwise (the guard is not copied).
+  ModelParameterConstraint(const ModelParameterConstraint& other);
+  ModelParameterConstraint& operator=(const ModelParameterConstraint& other);
 
  private:
   std::string ParameterName;
-  ParameterValue CurrentValue;
+  mutable std::mutex currentValueMutex;
+  ParameterValue CurrentValue;  // guarded by currentValueMutex
   std::string FixValue;  // carried and shown, never compared
   std::string ValueOperator = "or";
   std::vector<ConstraintValue> constraintValues;  // the field `ConstraintValue`

@@ -2,10 +2,12 @@
 // short-circuit rules of composites.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "src/constraints/blocktypeconstraint.h"
@@ -156,6 +158,25 @@ TEST_F(ProtocolTest, CachingDiffersBetweenSubjects) {
   EXPECT_FALSE(CompositeConstraint::checkConstraint(blocks[0], model));
   EXPECT_FALSE(CompositeConstraint::checkConstraint(blocks[1], model));
   EXPECT_EQ(model->calls, 2);
+}
+
+// The event thread reads a changed model parameter into its constraint while the worker may be
+// judging it; the thread sanitizer build watches this for races. Afterwards the last value wins.
+TEST_F(ProtocolTest, ModelValueChangesWhileTheWorkerJudges) {
+  auto model = std::make_shared<PositiveModelParameterConstraint>();
+  model->addToConstraintValueVector(ConstraintValue("fast"));
+  std::atomic<bool> done{false};
+  std::thread worker([&] {
+    const auto block = bareSnapshot();
+    while (!done.load()) CompositeConstraint::checkConstraint(block, model);
+  });
+  for (int i = 0; i < 2000; ++i) {
+    model->setCurrentValue(ParameterValue(std::string(i % 2 ? "fast" : "slow")));
+  }
+  done.store(true);
+  worker.join();
+  model->setCurrentValue(ParameterValue(std::string("fast")));
+  EXPECT_TRUE(CompositeConstraint::checkConstraint(bareSnapshot(), model));
 }
 
 TEST_F(ProtocolTest, BlockWithoutCapturedValueKeepsTheLastOne) {
