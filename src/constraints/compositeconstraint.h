@@ -59,6 +59,8 @@ class CompositeConstraint : public ncos::Wrappable {
   static bool checkConstraint(std::shared_ptr<bkEditBlock> block,
                               std::shared_ptr<Constraint> constraint);
 
+  /// The name the class would have in the host language; no class of that name is declared,
+  /// as composites exist only in the data file's world.
   virtual const std::string getFullyQualifiedNcosTypeName() const;
 
  private:

@@ -19,9 +19,9 @@ class bkEditBlock;
 /// Thread contract: built and linked by the configuration reader (the engine's event thread) or
 /// by the host language (main thread); during a run evaluated by the single worker thread only,
 /// with no lock. That one thread is what makes the stateful protocol (`WasChecked`, `Status`,
-/// the current value) safe. Model parameter values are written between runs, on the thread
-/// that processes the engine's events, while the worker may be reading them: so the two flags
-/// of the evaluation are atomic, and a subject whose value crosses threads guards that value.
+/// the current value) safe. Model parameter values alone are written from outside a run, on the
+/// thread that processes the engine's events, possibly while the worker judges them: so the two
+/// flags of the evaluation are atomic, and that subject guards its value.
 ///
 /// Constraints are always owned by shared pointers (`shared_from_this` gives the owner to a
 /// host-language caller that links one object to another by pointer).
