@@ -25,8 +25,8 @@ class BkGrContext {
 
   struct Lookup {
     std::shared_ptr<BkGrDiagnostic> diagnostic;  ///< null when the lookup itself went well
-    int kind = kindNone;                          ///< what was found
-    BKBlock* object = nullptr;                    ///< the library block for kind 8
+    int kind = kindNone;                         ///< what was found
+    BKBlock* object = nullptr;                   ///< the library block for kind 8
   };
 
   BkGrContext() = default;

@@ -20,13 +20,13 @@ Native& nativeOf(const ncos::COSInterfacePtr& object, const char* className) {
 
 }  // namespace
 
-#define BKETC_VALUE_ACCESSORS(PROP, NATIVE, CLASS, GET, SET)                                 \
-  nxArrayProxy PROP::getConstraintValue(const ncos::COSInterfacePtr& object) const {         \
-    return nativeOf<NATIVE>(object, CLASS).GET();                                            \
-  }                                                                                          \
-  void PROP::setConstraintValue(const ncos::COSInterfacePtr& object,                         \
-                                const nxArrayProxy& value) const {                           \
-    nativeOf<NATIVE>(object, CLASS).SET(value);                                              \
+#define BKETC_VALUE_ACCESSORS(PROP, NATIVE, CLASS, GET, SET)                                    \
+  nxArrayProxy PROP::getConstraintValue(const ncos::COSInterfacePtr& object) const {            \
+    return nativeOf<NATIVE>(object, CLASS).GET();                                               \
+  }                                                                                             \
+  void PROP::setConstraintValue(const ncos::COSInterfacePtr& object, const nxArrayProxy& value) \
+      const {                                                                                   \
+    nativeOf<NATIVE>(object, CLASS).SET(value);                                                 \
   }
 
 BKETC_VALUE_ACCESSORS(SupportedValuePropB, PositiveBlockParameterConstraint,

@@ -37,13 +37,13 @@ class ConstraintValueProp : public ncos::COSPropInfo {
   const unsigned word;
 };
 
-#define BKETC_CONSTRAINT_VALUE_PROP(NAME)                                                  \
-  class NAME : public ConstraintValueProp {                                                \
-   public:                                                                                 \
-    using ConstraintValueProp::ConstraintValueProp;                                        \
-    nxArrayProxy getConstraintValue(const ncos::COSInterfacePtr& object) const override;   \
-    void setConstraintValue(const ncos::COSInterfacePtr& object,                           \
-                            const nxArrayProxy& value) const override;                     \
+#define BKETC_CONSTRAINT_VALUE_PROP(NAME)                                                \
+  class NAME : public ConstraintValueProp {                                              \
+   public:                                                                               \
+    using ConstraintValueProp::ConstraintValueProp;                                      \
+    nxArrayProxy getConstraintValue(const ncos::COSInterfacePtr& object) const override; \
+    void setConstraintValue(const ncos::COSInterfacePtr& object,                         \
+                            const nxArrayProxy& value) const override;                   \
   }
 
 /// "SupportedParameterValues" of PositiveBlockParameterConstraint.

@@ -54,13 +54,14 @@ void populateConcrete(ncos::factory::NcosFactoryClassInfo& info, const char* cla
 }  // namespace
 
 CosBlockParameterConstraint::CosBlockParameterConstraint()
-    : NcosFactoryClassInfo("BlockParameterConstraint",
-                           "EditTime BlockParameterConstraint object") {}
+    : NcosFactoryClassInfo("BlockParameterConstraint", "EditTime BlockParameterConstraint object") {
+}
 
 void CosBlockParameterConstraint::populate() {
   ncos::factory::detail::initStringDataTypes();
   addSuperclass(ncos::COSNameID(kConstraintClass), 1, 0, 1);
-  addProperty(std::make_unique<Text>("BlockType", 0, Getter(&BlockParameterConstraint::getBlockType),
+  addProperty(std::make_unique<Text>("BlockType", 0,
+                                     Getter(&BlockParameterConstraint::getBlockType),
                                      Setter(&BlockParameterConstraint::setCosBlockType)));
   addProperty(std::make_unique<Text>("ParameterName", 0,
                                      Getter(&BlockParameterConstraint::getParameterName),

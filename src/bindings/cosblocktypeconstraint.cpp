@@ -65,8 +65,7 @@ CosNegativeBlockTypeConstraint::CosNegativeBlockTypeConstraint()
 
 void CosNegativeBlockTypeConstraint::populate() {
   populateConcrete<NegativeBlockTypeConstraint, UnsupportedValueProp>(
-      *this, kNegativeBlockTypeConstraintClass, "UnsupportedBlockTypes",
-      "addUnsupportedBlockType");
+      *this, kNegativeBlockTypeConstraintClass, "UnsupportedBlockTypes", "addUnsupportedBlockType");
 }
 
 }  // namespace bkedittimecheck::mi

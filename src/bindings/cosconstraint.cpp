@@ -105,9 +105,10 @@ void CosConstraint::populate() {
   ncos::factory::detail::initStringDataTypes();
   addSuperclass(ncos::COSNameID("numeria.mixin.Heterogeneous"), 1, 0, 1);
   using Flag = PropertyImpl<Constraint, bool>;
-  addProperty(std::make_unique<Flag>("IsRootConstraint", kHiddenProperty,
-                                     ClassGetter<Constraint, bool>(&Constraint::IsRootConstraint),
-                                     ClassSetter<Constraint, bool>(&Constraint::setIsRootConstraint)));
+  addProperty(
+      std::make_unique<Flag>("IsRootConstraint", kHiddenProperty,
+                             ClassGetter<Constraint, bool>(&Constraint::IsRootConstraint),
+                             ClassSetter<Constraint, bool>(&Constraint::setIsRootConstraint)));
   addProperty(std::make_unique<Flag>("WasChecked", kHiddenProperty,
                                      ClassGetter<Constraint, bool>(&Constraint::WasChecked),
                                      ClassSetter<Constraint, bool>(&Constraint::setWasChecked)));
@@ -120,7 +121,8 @@ void CosConstraint::populate() {
   addProperty(std::make_unique<PropertyImpl<Constraint, std::vector<std::string>>>(
       "PreRequisiteConstraintIDs", kTransientProperty,
       ClassGetter<Constraint, std::vector<std::string>>(&Constraint::getPreRequisiteConstraintIDs),
-      ClassSetter<Constraint, std::vector<std::string>>(&Constraint::setPreRequisiteConstraintIDs)));
+      ClassSetter<Constraint, std::vector<std::string>>(
+          &Constraint::setPreRequisiteConstraintIDs)));
 
   auto signature = [](const char* result, std::vector<std::string> args = {}) {
     return Invoker::createSignature(result, kConstraintClass, std::move(args));
@@ -138,8 +140,8 @@ void CosConstraint::populate() {
   addMethod("getPreRequisiteConstraintIDs", detail::instanceMethod(),
             signature("NcosFactoryString vector"),
             ncos::factory::MethodImpl{[](ncos::factory::CallFrame& frame) {
-              Constraint* self = ncos::factory::detail::selfFrom<Constraint>(frame.prhs.at(0),
-                                                                             kConstraintClass);
+              Constraint* self =
+                  ncos::factory::detail::selfFrom<Constraint>(frame.prhs.at(0), kConstraintClass);
               ncos::validateSelfPointer(self);
               frame.plhs.assign(1, ncos::factory::stringsToArray(prerequisiteIDs(self)));
               if (frame.nlhs == 0) frame.nlhs = 1;
@@ -153,8 +155,8 @@ void CosConstraint::populate() {
       ncos::factory::AdaptedClassGetter<Constraint, ConstraintList>(&prerequisiteHandles),
       ncos::factory::AdaptedClassSetter<Constraint, ConstraintList>(&setPrerequisiteHandles),
       objectVector.c_str()));
-  addMethod("addPreRequisiteConstraintID", detail::hiddenStaticMethod().remove(
-                ncos::factory::MethodAttributes::Hidden),
+  addMethod("addPreRequisiteConstraintID",
+            detail::hiddenStaticMethod().remove(ncos::factory::MethodAttributes::Hidden),
             staticForm("void", {"char"}),
             makeMethodImpl(staticForm("void", {"char"}), &addPrerequisiteID));
   addMethod("addPreRequisiteConstraintObject", detail::hiddenStaticMethod(),

@@ -27,13 +27,13 @@ inline constexpr const char* kPositiveModelParameterConstraintClass =
 inline constexpr const char* kNegativeModelParameterConstraintClass =
     "Auditor.authoring.internal.NegativeModelParameterConstraint";
 
-#define BKETC_CONSTRAINT_CLASS_INFO(NAME)                        \
-  class NAME : public ncos::factory::NcosFactoryClassInfo {      \
-   public:                                                       \
-    NAME();                                                      \
-                                                                 \
-   protected:                                                    \
-    void populate() override;                                    \
+#define BKETC_CONSTRAINT_CLASS_INFO(NAME)                   \
+  class NAME : public ncos::factory::NcosFactoryClassInfo { \
+   public:                                                  \
+    NAME();                                                 \
+                                                            \
+   protected:                                               \
+    void populate() override;                               \
   }
 
 /// "Auditor.authoring.internal.Constraint": abstract; flags, ID, prerequisites.

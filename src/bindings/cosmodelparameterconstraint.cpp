@@ -57,8 +57,8 @@ void populateConcrete(ncos::factory::NcosFactoryClassInfo& info, const char* cla
 }  // namespace
 
 CosModelParameterConstraint::CosModelParameterConstraint()
-    : NcosFactoryClassInfo("ModelParameterConstraint",
-                           "EditTime ModelParameterConstraint object") {}
+    : NcosFactoryClassInfo("ModelParameterConstraint", "EditTime ModelParameterConstraint object") {
+}
 
 void CosModelParameterConstraint::populate() {
   ncos::factory::detail::initStringDataTypes();

@@ -11,8 +11,16 @@ namespace {
 
 bool readsAsText(int typeCode) {
   switch (typeCode) {
-    case 1: case 2: case 5: case 6: case 11: case 12: case 14: return true;
-    default: return false;
+    case 1:
+    case 2:
+    case 5:
+    case 6:
+    case 11:
+    case 12:
+    case 14:
+      return true;
+    default:
+      return false;
   }
 }
 

@@ -61,7 +61,8 @@ bool BlockParameterConstraint::isValidParameter(const std::string& name) const {
   return builtInBlockHandle->getGrPrmVisible(builtInBlockHandle->getGrPrmDesc(name));
 }
 
-bool BlockParameterConstraint::isValidConstraintValue(std::vector<ConstraintValue> /*values*/) const {
+bool BlockParameterConstraint::isValidConstraintValue(
+    std::vector<ConstraintValue> /*values*/) const {
   return false;
 }
 

@@ -34,8 +34,12 @@ class BlockParameterConstraint : public Constraint {
   void setFixValue(std::string value) { FixValue = std::move(value); }
 
   const std::vector<ConstraintValue>& getConstraintValue() const { return constraintValues; }
-  void setConstraintValue(std::vector<ConstraintValue> values) { constraintValues = std::move(values); }
-  void addToConstraintValueVector(ConstraintValue value) { constraintValues.push_back(std::move(value)); }
+  void setConstraintValue(std::vector<ConstraintValue> values) {
+    constraintValues = std::move(values);
+  }
+  void addToConstraintValueVector(ConstraintValue value) {
+    constraintValues.push_back(std::move(value));
+  }
   void clearConstraintValues() { constraintValues.clear(); }
 
   const ParameterValue& getCurrentValue() const { return CurrentValue; }
@@ -59,8 +63,9 @@ class BlockParameterConstraint : public Constraint {
   /// Stores `op` when it fits the number of values held: see checkOperatorAgainstCount.
   void setCosValueOperator(std::string op);
   /// Replaces the values by the cells of a cell row or column, converted by the data type. The
-  /// values stay empty when it throws InvalidParameterValueInput, UnsupportedNumberOfConstraintValues,
-  /// UnsupportedValueOperator or UnsupportedParamValue; an empty array just empties them.
+  /// values stay empty when it throws InvalidParameterValueInput,
+  /// UnsupportedNumberOfConstraintValues, UnsupportedValueOperator or UnsupportedParamValue; an
+  /// empty array just empties them.
   void setCosConstraintValue(nxArrayProxy values);
   /// Appends one value converted by the data type; throws UnsupportedParamValue. Under
   /// "nxarray" the value is ignored.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <boost/property_tree/ptree.hpp>
 #include <atomic>
+#include <boost/property_tree/ptree.hpp>
 #include <memory>
 #include <string>
 #include <vector>
@@ -59,7 +59,9 @@ class Constraint : public ncos::Wrappable, public std::enable_shared_from_this<C
     PreRequisiteConstraintObjects = std::move(objects);
   }
   /// Appends `id`, also when it is already listed.
-  void addPreRequisiteConstraintID(std::string id) { PreRequisiteConstraintIDs.push_back(std::move(id)); }
+  void addPreRequisiteConstraintID(std::string id) {
+    PreRequisiteConstraintIDs.push_back(std::move(id));
+  }
   /// Appends the object always, and its ID only when the ID list lacks it: linking a
   /// prerequisite that the file named does not double its ID.
   void addPreRequisiteConstraint(std::shared_ptr<Constraint> prerequisite);

@@ -18,9 +18,8 @@ bool matchesText(const std::string& current, const std::vector<std::string>& val
                  const std::string& op) {
   if (values[0] == "Selected" || values[0] == "Unselected") return false;
   if (op == "or") {
-    return std::any_of(values.begin(), values.end(), [&](const std::string& v) {
-      return !v.empty() && v == current;
-    });
+    return std::any_of(values.begin(), values.end(),
+                       [&](const std::string& v) { return !v.empty() && v == current; });
   }
   if (op == "eq") return current == values[0];
   if (op == "regex") return regexMatchesWhole(current, values[0]);

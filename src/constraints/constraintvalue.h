@@ -1,10 +1,9 @@
 #pragma once
 
+#include <boost/any.hpp>
 #include <map>
 #include <string>
 #include <vector>
-
-#include <boost/any.hpp>
 
 #include "src/constraints/parametervalue.h"
 

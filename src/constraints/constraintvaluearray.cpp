@@ -35,10 +35,14 @@ std::string textOfArray(const nxArray& value) {
   if (value.isChar()) return value.toUtf8String();
   if (!value.isScalar()) return {};
   switch (value.classID()) {
-    case nxClassID::Double: return numberText(value.getDouble(0));
-    case nxClassID::UInt32: return std::to_string(value.getUInt32(0));
-    case nxClassID::Logical: return value.getLogical(0) ? "1" : "0";
-    default: return {};
+    case nxClassID::Double:
+      return numberText(value.getDouble(0));
+    case nxClassID::UInt32:
+      return std::to_string(value.getUInt32(0));
+    case nxClassID::Logical:
+      return value.getLogical(0) ? "1" : "0";
+    default:
+      return {};
   }
 }
 

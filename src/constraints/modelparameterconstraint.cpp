@@ -29,11 +29,11 @@ void refreshOne(BKRootBD* diagram, const ConfigSet& set, ModelParameterConstrain
   if (!set.hasProp(name)) return;
   const std::string& type = constraint.getParameterDataType();
   if (type == "struct") {
-    constraint.setCurrentValue(structToMap(
-        blockParamValueToArray(bkobject::blockDiagram::getParamValue(diagram, name))));
+    constraint.setCurrentValue(
+        structToMap(blockParamValueToArray(bkobject::blockDiagram::getParamValue(diagram, name))));
   } else if (type == "array") {
-    constraint.setCurrentValue(cellToVector(
-        blockParamValueToArray(bkobject::blockDiagram::getParamValue(diagram, name))));
+    constraint.setCurrentValue(
+        cellToVector(blockParamValueToArray(bkobject::blockDiagram::getParamValue(diagram, name))));
   } else if (type != "nxarray") {
     constraint.setCurrentValue(readText(diagram, name));
   }

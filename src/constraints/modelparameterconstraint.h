@@ -37,8 +37,12 @@ class ModelParameterConstraint : public Constraint {
   void setFixValue(std::string value) { FixValue = std::move(value); }
 
   const std::vector<ConstraintValue>& getConstraintValue() const { return constraintValues; }
-  void setConstraintValue(std::vector<ConstraintValue> values) { constraintValues = std::move(values); }
-  void addToConstraintValueVector(ConstraintValue value) { constraintValues.push_back(std::move(value)); }
+  void setConstraintValue(std::vector<ConstraintValue> values) {
+    constraintValues = std::move(values);
+  }
+  void addToConstraintValueVector(ConstraintValue value) {
+    constraintValues.push_back(std::move(value));
+  }
   void clearConstraintValues() { constraintValues.clear(); }
 
   /// A copy of the value under judgement.
@@ -64,7 +68,7 @@ class ModelParameterConstraint : public Constraint {
   std::string ParameterName;
   mutable std::mutex currentValueMutex;
   ParameterValue CurrentValue;  // guarded by currentValueMutex
-  std::string FixValue;  // carried and shown, never compared
+  std::string FixValue;         // carried and shown, never compared
   std::string ValueOperator = "or";
   std::vector<ConstraintValue> constraintValues;  // the field `ConstraintValue`
   // Two flags that travel with the object and that no operation reads.

@@ -3,9 +3,8 @@
 // The data file children of the four parameter constraint elements, read in file order. Shared
 // by the block and model parameter constraints, whose elements have the same form.
 
-#include <string>
-
 #include <boost/property_tree/ptree.hpp>
+#include <string>
 
 #include "src/constraints/constraintvalue.h"
 

@@ -1,5 +1,7 @@
 // The constraint data reader: the worked example of the user guide, the order rules of the
 // configuration, duplicate and unknown IDs, and the verdicts of whole checks on host blocks.
+#include "src/constraints/blockparamconstraintdata.h"
+
 #include <gtest/gtest.h>
 
 #include <boost/any.hpp>
@@ -10,7 +12,6 @@
 #include <string>
 #include <vector>
 
-#include "src/constraints/blockparamconstraintdata.h"
 #include "host/model/bkdfile.h"
 #include "host/model/bkgraph.h"
 #include "src/constraints/blocktypeconstraint.h"
@@ -111,7 +112,9 @@ TEST(BlockParamConstraintData, ExampleModelGivesTheExpectedFindings) {
 }
 
 TEST(BlockParamConstraintData, OrderOfTheConfiguration) {
-  const std::string body = "<PositiveBlockTypeConstraint id=\"t\"/><CompositeConstraint><ID>t</ID></CompositeConstraint>";
+  const std::string body =
+      "<PositiveBlockTypeConstraint "
+      "id=\"t\"/><CompositeConstraint><ID>t</ID></CompositeConstraint>";
   const std::string dataFile =
       "<InputParameters><InputParameter Name=\"Data File\"><BlockConstraints>" + body +
       "</BlockConstraints></InputParameter></InputParameters>";
@@ -124,12 +127,15 @@ TEST(BlockParamConstraintData, OrderOfTheConfiguration) {
       {"a constraint check", constraintCheck("k", body), {"k"}},
       {"no checkType", "<Check><ID>k</ID>" + dataFile + "</Check>", {}},
       {"another checkType", "<Check><ID checkType=\"Other\">k</ID>" + dataFile + "</Check>", {}},
-      {"InputParameters before ID", "<Check>" + dataFile + "<ID checkType=\"BlockConstraintCheck\">k</ID></Check>", {}},
+      {"InputParameters before ID",
+       "<Check>" + dataFile + "<ID checkType=\"BlockConstraintCheck\">k</ID></Check>",
+       {}},
       {"other children of the list", "<Note/>" + constraintCheck("k", body), {"k"}},
       {"a repeated check ID", constraintCheck("k", body) + constraintCheck("k", ""), {"k", "k"}},
       {"a parameter of another name",
        "<Check><ID checkType=\"BlockConstraintCheck\">k</ID><InputParameters>"
-       "<InputParameter Name=\"Other\"/></InputParameters></Check>", {"k"}},
+       "<InputParameter Name=\"Other\"/></InputParameters></Check>",
+       {"k"}},
   };
   for (const Case& c : cases) {
     BlockParamConstraintData data(parse(configuration(c.checks)));
@@ -141,7 +147,8 @@ TEST(BlockParamConstraintData, OrderOfTheConfiguration) {
     }
   }
   EXPECT_EQ(BlockParamConstraintData(parse(configuration(constraintCheck("k", body))))
-                .getCheckData("nope"), nullptr);
+                .getCheckData("nope"),
+            nullptr);
 
   // What the reader cannot do without passes the property tree's exception through.
   EXPECT_THROW(BlockParamConstraintData(parse("<RAConfiguration/>")),
@@ -155,13 +162,21 @@ TEST(BlockParamConstraintData, OrderOfTheConfiguration) {
 TEST(BlockParamConstraintData, DuplicateUnknownAndDefaultedElements) {
   auto check = readOne(
       "<!-- a comment among the constraints -->"
-      "<PositiveBlockParameterConstraint BlockType=\"Gain\"><parameter>Gain</parameter></PositiveBlockParameterConstraint>"
-      "<NegativeBlockParameterConstraint BlockType=\"Gain\"><parameter>Other</parameter></NegativeBlockParameterConstraint>"
+      "<PositiveBlockParameterConstraint "
+      "BlockType=\"Gain\"><parameter>Gain</parameter></PositiveBlockParameterConstraint>"
+      "<NegativeBlockParameterConstraint "
+      "BlockType=\"Gain\"><parameter>Other</parameter></NegativeBlockParameterConstraint>"
       "<PositiveBlockParameterConstraint id=\"d\" BlockType=\"Gain\"><parameter>First</parameter>"
-      "  <operator/><dependson>nowhere</dependson><dependson>x</dependson></PositiveBlockParameterConstraint>"
-      "<NegativeBlockParameterConstraint id=\"d\" BlockType=\"Sum\"><parameter>Second</parameter></NegativeBlockParameterConstraint>"
-      "<NegativeModelParameterConstraint id=\"x\"><parameter>SolverType</parameter><value>fast</value></NegativeModelParameterConstraint>"
-      "<NegativeBlockTypeConstraint id=\"t\"><BlockType/><BlockType MaskType=\"M\">Gain</BlockType></NegativeBlockTypeConstraint>"
+      "  "
+      "<operator/><dependson>nowhere</dependson><dependson>x</dependson></"
+      "PositiveBlockParameterConstraint>"
+      "<NegativeBlockParameterConstraint id=\"d\" "
+      "BlockType=\"Sum\"><parameter>Second</parameter></NegativeBlockParameterConstraint>"
+      "<NegativeModelParameterConstraint "
+      "id=\"x\"><parameter>SolverType</parameter><value>fast</value></"
+      "NegativeModelParameterConstraint>"
+      "<NegativeBlockTypeConstraint id=\"t\"><BlockType/><BlockType "
+      "MaskType=\"M\">Gain</BlockType></NegativeBlockTypeConstraint>"
       "<Unknown id=\"u\"/>"
       "<CompositeConstraint><ID>t</ID><ID>t</ID><ID>missing</ID><operator/></CompositeConstraint>"
       "<CompositeConstraint><ID>d</ID></CompositeConstraint>");
@@ -195,9 +210,12 @@ TEST(BlockParamConstraintData, ValueFormsFollowTheDataTypeKnownAtThatMoment) {
       "  <value><name>x</name><scope>Local</scope></value></PositiveBlockParameterConstraint>"
       "<PositiveBlockParameterConstraint id=\"a\" BlockType=\"Sum\">"
       "  <parameter type=\"array\">Inputs</parameter>"
-      "  <value><element>a</element><skip>b</skip><element>c</element></value></PositiveBlockParameterConstraint>"
+      "  "
+      "<value><element>a</element><skip>b</skip><element>c</element></value></"
+      "PositiveBlockParameterConstraint>"
       "<PositiveBlockParameterConstraint id=\"late\" BlockType=\"Gain\">"
-      "  <value>early</value><parameter type=\"struct\">Gain</parameter></PositiveBlockParameterConstraint>");
+      "  <value>early</value><parameter "
+      "type=\"struct\">Gain</parameter></PositiveBlockParameterConstraint>");
   ASSERT_TRUE(check);
   const auto& byId = check->getConstraintsById();
   auto s = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at("s"));
@@ -216,10 +234,12 @@ class CheckDataTest : public ConstraintFixture {};
 // Whole checks over host blocks: which constraints concern a block, composites in file order.
 TEST_F(CheckDataTest, VerdictsOfWholeChecks) {
   const std::string gainRule =
-      "<PositiveBlockParameterConstraint id=\"g\" BlockType=\"Gain\"><parameter type=\"double\">Gain"
+      "<PositiveBlockParameterConstraint id=\"g\" BlockType=\"Gain\"><parameter "
+      "type=\"double\">Gain"
       "</parameter><operator>range</operator><value>0</value><value>10</value>"
       "<dependson>m</dependson></PositiveBlockParameterConstraint>"
-      "<PositiveModelParameterConstraint id=\"m\"><parameter>SolverType</parameter><value>fixed</value>"
+      "<PositiveModelParameterConstraint "
+      "id=\"m\"><parameter>SolverType</parameter><value>fixed</value>"
       "</PositiveModelParameterConstraint>";
   const std::string onlyGainAndConstant =
       "<PositiveBlockTypeConstraint id=\"t\"><BlockType>Gain</BlockType>"
@@ -233,25 +253,34 @@ TEST_F(CheckDataTest, VerdictsOfWholeChecks) {
     bool hasComposites = true;
   };
   const Case cases[] = {
-      {"a range under a model setting that holds", gainRule +
-       "<CompositeConstraint><ID>g</ID><operator>and</operator></CompositeConstraint>",
-       "fixed", {true, false, true, true}},
-      {"the model setting does not hold: nothing applies", gainRule +
-       "<CompositeConstraint><ID>g</ID><operator>and</operator></CompositeConstraint>",
-       "variable", {true, true, true, true}},
-      {"a model constraint named directly is skipped", gainRule +
-       "<CompositeConstraint><ID>m</ID><operator>and</operator></CompositeConstraint>",
-       "variable", {true, true, true, true}},
-      {"a block type constraint concerns every block", onlyGainAndConstant +
-       "<CompositeConstraint><ID>t</ID><operator>and</operator></CompositeConstraint>",
-       "fixed", {true, true, true, false}},
-      {"the same under 'or' never fails", onlyGainAndConstant +
-       "<CompositeConstraint><ID>t</ID><operator>or</operator></CompositeConstraint>",
-       "fixed", {true, true, true, true}},
-      {"two composites: a block must pass both", gainRule + onlyGainAndConstant +
-       "<CompositeConstraint><ID>t</ID><operator>and</operator></CompositeConstraint>"
-       "<CompositeConstraint><ID>g</ID><operator>and</operator></CompositeConstraint>",
-       "fixed", {true, false, true, false}},
+      {"a range under a model setting that holds",
+       gainRule + "<CompositeConstraint><ID>g</ID><operator>and</operator></CompositeConstraint>",
+       "fixed",
+       {true, false, true, true}},
+      {"the model setting does not hold: nothing applies",
+       gainRule + "<CompositeConstraint><ID>g</ID><operator>and</operator></CompositeConstraint>",
+       "variable",
+       {true, true, true, true}},
+      {"a model constraint named directly is skipped",
+       gainRule + "<CompositeConstraint><ID>m</ID><operator>and</operator></CompositeConstraint>",
+       "variable",
+       {true, true, true, true}},
+      {"a block type constraint concerns every block",
+       onlyGainAndConstant +
+           "<CompositeConstraint><ID>t</ID><operator>and</operator></CompositeConstraint>",
+       "fixed",
+       {true, true, true, false}},
+      {"the same under 'or' never fails",
+       onlyGainAndConstant +
+           "<CompositeConstraint><ID>t</ID><operator>or</operator></CompositeConstraint>",
+       "fixed",
+       {true, true, true, true}},
+      {"two composites: a block must pass both",
+       gainRule + onlyGainAndConstant +
+           "<CompositeConstraint><ID>t</ID><operator>and</operator></CompositeConstraint>"
+           "<CompositeConstraint><ID>g</ID><operator>and</operator></CompositeConstraint>",
+       "fixed",
+       {true, false, true, false}},
       {"constraints without composite", gainRule, "fixed", {true, true, true, true}, false},
   };
   BKBlock* blocks[] = {add("Gain", u"g5", {{"Gain", std::string("5")}}),
@@ -266,7 +295,8 @@ TEST_F(CheckDataTest, VerdictsOfWholeChecks) {
     const auto wanted = check->getBlockParameterConstraintsByBlockType();
     for (std::size_t i = 0; i < std::size(blocks); ++i) {
       auto found = wanted.find(typeNameOf(blocks[i]));
-      auto snap = snapshot(blocks[i], found == wanted.end() ? decltype(found->second){} : found->second);
+      auto snap =
+          snapshot(blocks[i], found == wanted.end() ? decltype(found->second){} : found->second);
       EXPECT_EQ(check->checkBlock(snap), c.passes[i]) << c.what << ", block " << i;
     }
   }

@@ -1,5 +1,7 @@
 // The evaluation protocol: prerequisites, the caching that differs between subjects, and the
 // short-circuit rules of composites.
+#include "src/constraints/compositeconstraint.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -11,7 +13,6 @@
 #include <vector>
 
 #include "src/constraints/blocktypeconstraint.h"
-#include "src/constraints/compositeconstraint.h"
 #include "src/constraints/modelparameterconstraint.h"
 #include "tests/src/constraints/constraintfixture.h"
 
@@ -76,7 +77,8 @@ TEST_F(ProtocolTest, FailedPrerequisiteSkipsTheRestAndPasses) {
     dependent->setStatus(true);
     dependent->addPreRequisiteConstraint(p1);
     dependent->addPreRequisiteConstraint(p2);
-    EXPECT_EQ(CompositeConstraint::checkConstraint(bareSnapshot(), dependent), c.expected) << c.what;
+    EXPECT_EQ(CompositeConstraint::checkConstraint(bareSnapshot(), dependent), c.expected)
+        << c.what;
     EXPECT_EQ(p2->calls, c.p2Calls) << c.what;
     EXPECT_EQ(dependentCalls(), c.dependentCalls) << c.what;
     if (c.dependentCalls == 0) {

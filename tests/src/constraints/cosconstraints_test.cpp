@@ -36,35 +36,50 @@ TEST_F(CosConstraintsTest, ClassTablesAsRegistered) {
     std::vector<std::string> members;  // own properties, then own methods, in declared order
   };
   const Case cases[] = {
-      {"Auditor.authoring.internal.Constraint", "numeria.mixin.Heterogeneous", false,
+      {"Auditor.authoring.internal.Constraint",
+       "numeria.mixin.Heterogeneous",
+       false,
        {"IsRootConstraint", "WasChecked", "Status", "ID", "PreRequisiteConstraintIDs",
         "PreRequisiteConstraintHandles", "getID", "refresh", "check",
         "getPreRequisiteConstraintIDs", "getPreRequisiteConstraintObjects",
         "addPreRequisiteConstraintID", "addPreRequisiteConstraintObject",
         "addPreRequisiteConstraintObject"}},
-      {"Auditor.authoring.BlockParameterConstraint", "Auditor.authoring.internal.Constraint", false,
+      {"Auditor.authoring.BlockParameterConstraint",
+       "Auditor.authoring.internal.Constraint",
+       false,
        {"BlockType", "ParameterName", "ValueOperator", "CurrentValue", "ParameterDataType"}},
       {"Auditor.authoring.PositiveBlockParameterConstraint",
-       "Auditor.authoring.BlockParameterConstraint", true,
+       "Auditor.authoring.BlockParameterConstraint",
+       true,
        {"SupportedParameterValues", "addSupportedParameterValue"}},
       {"Auditor.authoring.NegativeBlockParameterConstraint",
-       "Auditor.authoring.BlockParameterConstraint", true,
+       "Auditor.authoring.BlockParameterConstraint",
+       true,
        {"UnsupportedParameterValues", "addUnsupportedParameterValue"}},
-      {"Auditor.authoring.BlockTypeConstraint", "Auditor.authoring.internal.Constraint", false,
+      {"Auditor.authoring.BlockTypeConstraint",
+       "Auditor.authoring.internal.Constraint",
+       false,
        {"setCurrentBlockType"}},
-      {"Auditor.authoring.PositiveBlockTypeConstraint", "Auditor.authoring.BlockTypeConstraint",
-       true, {"SupportedBlockTypes", "addSupportedBlockType"}},
-      {"Auditor.authoring.NegativeBlockTypeConstraint", "Auditor.authoring.BlockTypeConstraint",
-       true, {"UnsupportedBlockTypes", "addUnsupportedBlockType"}},
+      {"Auditor.authoring.PositiveBlockTypeConstraint",
+       "Auditor.authoring.BlockTypeConstraint",
+       true,
+       {"SupportedBlockTypes", "addSupportedBlockType"}},
+      {"Auditor.authoring.NegativeBlockTypeConstraint",
+       "Auditor.authoring.BlockTypeConstraint",
+       true,
+       {"UnsupportedBlockTypes", "addUnsupportedBlockType"}},
       {"Auditor.authoring.internal.ModelParameterConstraint",
-       "Auditor.authoring.internal.Constraint", false,
+       "Auditor.authoring.internal.Constraint",
+       false,
        {"ParameterName", "ValueOperator", "ParameterDataType", "setCurrentValue",
         "setCurrentValue"}},
       {"Auditor.authoring.internal.PositiveModelParameterConstraint",
-       "Auditor.authoring.internal.ModelParameterConstraint", true,
+       "Auditor.authoring.internal.ModelParameterConstraint",
+       true,
        {"SupportedParameterValues", "addSupportedParameterValue"}},
       {"Auditor.authoring.internal.NegativeModelParameterConstraint",
-       "Auditor.authoring.internal.ModelParameterConstraint", true,
+       "Auditor.authoring.internal.ModelParameterConstraint",
+       true,
        {"UnsupportedParameterValues", "addUnsupportedParameterValue"}},
   };
   for (const Case& c : cases) {
@@ -175,11 +190,11 @@ TEST_F(CosConstraintsTest, PrerequisiteObjectsOfTheHostLanguage) {
                          {"ParameterName", nxArray::charRow("InlineParams")},
                          {"ParameterDataType", nxArray::charRow("string")}};
   ASSERT_EQ(run("function keepForeign(o) foreign = o end"), "");
-  lua->callFunction("keepForeign", 0,
-                    {nxArray::objectScalar(ncos::COSInterface::makeOwned(
-                        ncos::COSPackage::findClass(
-                            "Auditor.authoring.PositiveModelParameterConstraint"),
-                        foreign))});
+  lua->callFunction(
+      "keepForeign", 0,
+      {nxArray::objectScalar(ncos::COSInterface::makeOwned(
+          ncos::COSPackage::findClass("Auditor.authoring.PositiveModelParameterConstraint"),
+          foreign))});
   const char* script = R"(
     local p = Auditor.authoring.PositiveBlockParameterConstraint()
     p:addPreRequisiteConstraintObject(foreign)

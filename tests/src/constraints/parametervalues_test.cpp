@@ -25,7 +25,8 @@ std::shared_ptr<BlockParameterConstraint> wants(const std::string& parameter,
 
 TEST_F(ParameterValuesTest, CaptureByTypeCodeAndDataType) {
   const BlockRecordList states = {{{"name", "x"}, {"scope", "Local"}}, {{"name", "y"}}};
-  BKBlock* subsystem = add("SubSystem", u"s", {{"StateData", states}, {"Variant", std::string("on")}});
+  BKBlock* subsystem =
+      add("SubSystem", u"s", {{"StateData", states}, {"Variant", std::string("on")}});
   struct Case {
     const char* what;
     std::shared_ptr<BlockParameterConstraint> constraint;
@@ -65,10 +66,13 @@ TEST_F(ParameterValuesTest, ModelValuesFromTheActiveConfigurationSet) {
   };
   const Case cases[] = {
       {"text", "SolverType", "string", false, std::string("Fixed-step"), true},
-      {"records as struct", "Variants", "struct", false, ConstraintValue::Map{{"name", "v1"}}, true},
-      {"records as text: unreadable both ways, empty", "Variants", "string", false, std::string(""), true},
+      {"records as struct", "Variants", "struct", false, ConstraintValue::Map{{"name", "v1"}},
+       true},
+      {"records as text: unreadable both ways, empty", "Variants", "string", false, std::string(""),
+       true},
       {"nxarray: not read, but stale", "SolverType", "nxarray", false, std::string("before"), true},
-      {"a parameter the set lacks: untouched", "NoSuchParameter", "string", false, std::string("before"), false},
+      {"a parameter the set lacks: untouched", "NoSuchParameter", "string", false,
+       std::string("before"), false},
       {"no active set: untouched", "SolverType", "string", true, std::string("before"), false},
   };
   for (const Case& c : cases) {
