@@ -58,7 +58,7 @@ void addPrerequisiteObject(Constraint* self, Constraint* prerequisite) {
 
 // A model parameter constraint of the host language's own classes (the names without
 // ".internal"), copied into a new native object through its properties.
-void addPrerequisiteValue(Constraint* self, nxArray value) {
+void addPrerequisiteValue(Constraint* self, const nxArray& value) {
   if (value.classID() != nxClassID::Object || value.isEmpty()) throw UnsupportedPreReqType();
   const std::string className = value.className();
   std::shared_ptr<ModelParameterConstraint> copy;

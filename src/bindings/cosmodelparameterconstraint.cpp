@@ -27,7 +27,7 @@ void setCurrentText(ModelParameterConstraint* self, std::string text) {
 }
 
 // Any other value by its form: a struct's (or object's) fields, a cell's elements, else text.
-void setCurrentArray(ModelParameterConstraint* self, nxArray value) {
+void setCurrentArray(ModelParameterConstraint* self, const nxArray& value) {
   if (value.isStruct() || value.isObject()) {
     self->setCurrentValue(ParameterValue(structToMap(value)));
   } else if (value.isCell()) {
