@@ -4,6 +4,7 @@
 
 #include "host/language/cospackage.h"
 #include "host/runtime/eventloop.h"
+#include "src/bindings/cosconstraintclasses.h"
 #include "src/bindings/cosedittimecontroller.h"
 #include "src/edittimecontroller.h"
 #include "src/moduleentries.h"
@@ -20,9 +21,8 @@ int busyCheckId = 0;
 
 extern "C" void initialize_module() {
   ncos::COSPackage::addPackage(std::make_unique<bkedittimecheck::mi::CosEditTimeCheckPackage>());
-  // The constraint classes are registered in "Auditor.authoring" and its "internal" package.
-  ncos::COSPackage* authoring = ncos::omGetSubPackage(ncos::omGetGlobalPackage("Auditor"), "authoring");
-  ncos::omGetSubPackage(authoring, "internal");
+  // The constraint classes, in "Auditor.authoring" and its "internal" package.
+  bkedittimecheck::mi::registerConstraintClasses();
   if (busyCheckId == 0) {
     busyCheckId = blockara::EventLoop::instance().addBusyCheck(
         "bkedittimecheck", [] { return !bkedittimecheck::isQuiescent(); });

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "src/constraints/bkdefaulteditblock.h"
 #include "src/constraints/bkraeditblock.h"
@@ -12,6 +13,8 @@
 class BKBlock;
 
 namespace bkedittimecheck {
+
+class BlockParameterConstraint;
 
 /// The snapshot of one block: everything a check on the worker may know of it, taken on the
 /// main thread when the block was added or changed. Shared by shared pointer.
@@ -52,6 +55,15 @@ class bkEditBlock {
   std::map<std::string, ParameterValue> getCapturedParameterValues() const {
     return capturedParameterValues;
   }
+
+  /// Main thread, before the snapshot is queued. Reads the parameter that each constraint names,
+  /// in order, into the captured values: a parameter of a text type code (1, 2, 5, 6, 11, 12,
+  /// 14) as its text; any other by the constraint's data type, "struct" as the fields of its
+  /// first record, "array" as a cell's elements (empty when the value is no such thing), any
+  /// other data type not at all. A parameter the block lacks stores nothing. A later read of the
+  /// same name replaces an earlier one. Host exceptions pass to the caller.
+  void captureConstraintParameters(
+      const BKBlock* block, std::vector<std::shared_ptr<BlockParameterConstraint>> constraints);
 
   /// Worker. `Setup` updates the path after a rename of a subsystem above the block.
   void setFullPath(std::wstring path) { fullPath = std::move(path); }

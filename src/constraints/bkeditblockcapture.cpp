@@ -1,0 +1,50 @@
+// The capture of the block parameters that block parameter constraints judge: the one place
+// where a snapshot reads parameters by name, kept apart from the snapshot's fixed fields.
+#include "host/model/blockqueries.h"
+#include "src/constraints/bkeditblock.h"
+#include "src/constraints/blockparameterconstraint.h"
+#include "src/constraints/constraintvaluearray.h"
+
+namespace bkedittimecheck {
+
+namespace {
+
+bool readsAsText(int typeCode) {
+  switch (typeCode) {
+    case 1:
+    case 2:
+    case 5:
+    case 6:
+    case 11:
+    case 12:
+    case 14:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+void bkEditBlock::captureConstraintParameters(
+    const BKBlock* block, std::vector<std::shared_ptr<BlockParameterConstraint>> constraints) {
+  for (const auto& constraint : constraints) {
+    const std::string name = constraint->getParameterName();
+    const std::string dataType = constraint->getParameterDataType();
+    // A parameter the block lacks is a defect of the data file; it reads as nothing.
+    const BKPrmDesc* descriptor = block->getGrPrmDesc(name);
+    if (!descriptor) continue;
+    if (readsAsText(descriptor->typeCode)) {
+      capturedParameterValues[name] = bkobject::block::getParamAsStr(block, name);
+      continue;
+    }
+    const nxArray value = blockParamValueToArray(bkobject::block::getParamValue(block, name));
+    if (dataType == "struct") {
+      capturedParameterValues[name] = structToMap(value);
+    } else if (dataType == "array") {
+      capturedParameterValues[name] = cellToVector(value);
+    }
+  }
+}
+
+}  // namespace bkedittimecheck

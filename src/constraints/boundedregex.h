@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+namespace bkedittimecheck {
+
+/// True when the whole of `text` matches `pattern`, a regular expression of Boost.Regex's
+/// default (Perl) syntax with default flags, compiled anew for this call.
+///
+/// Throws boost::regex_error for a malformed pattern, and std::runtime_error (the library's
+/// complexity error) when the match needs more states than a bound that stops a pathological
+/// pattern such as "(a+)+$" in milliseconds on values of any realistic length. Any thread.
+bool regexMatchesWhole(const std::string& text, const std::string& pattern);
+
+}  // namespace bkedittimecheck

@@ -1,0 +1,103 @@
+-- Constraint authoring from a script: every constraint class is built, its properties set and
+-- read back, and every validating setter refuses a bad value with its message identifier.
+package.path = arg[0]:match("(.*/)") .. "?.lua;" .. package.path
+local expect = require("expect")
+local A = Auditor.authoring
+local I = Auditor.authoring.internal
+local ID = "bkedittimecheck:edittimecheck:"
+
+local function refuses(fn, mnemonic, what)
+  expect.fails(fn, ID .. mnemonic .. ":", what)
+end
+
+-- Block parameter constraints, positive and negative.
+for _, kind in ipairs({ { A.PositiveBlockParameterConstraint, "SupportedParameterValues", "addSupportedParameterValue", true },
+                        { A.NegativeBlockParameterConstraint, "UnsupportedParameterValues", "addUnsupportedParameterValue", false } }) do
+  local Class, values, add, positive = kind[1], kind[2], kind[3], kind[4]
+  local c = Class()
+  c.ID = "gainRange"
+  expect.eq(c.ValueOperator, "or", "default operator")
+  expect.eq(c.ParameterDataType, "string", "default data type")
+  expect.eq(c.IsRootConstraint, true, "a new constraint is a root")
+
+  c.BlockType = "Gain"
+  c.ParameterName = "Gain"
+  refuses(function() c.BlockType = "NoSuchBlock" end, "UnknownBuiltInBlock", "unknown block type")
+  expect.eq(c.BlockType, "Gain", "an unknown type changes nothing")
+  refuses(function() c.ParameterName = "Value" end, "InvalidBlockParameterName", "parameter of another type")
+  refuses(function() c.BlockType = "Constant" end, "InvalidBlockParameterName", "type without the parameter")
+  expect.eq(c.BlockType, "", "a type without the parameter is emptied")
+  c.BlockType = "Gain"
+
+  c[values] = { "0", "10" }
+  refuses(function() c.ValueOperator = "eq" end, "UnsupportedNumberOfConstraintValues", "eq with two values")
+  refuses(function() c.ValueOperator = "between" end, "UnsupportedValueOperator", "unknown operator")
+  c.ValueOperator = "range"
+  refuses(function() c[values] = { "1" } end, "UnsupportedNumberOfConstraintValues", "range with one value")
+  expect.eq(#(c[values] or {}), 0, "refused values leave none")
+  refuses(function() c[values] = "1" end, "InvalidParameterValueInput", "values that are no cell")
+  refuses(function() c[values] = nx.array("cell", 2, 2) end, "InvalidParameterValueInput", "a cell matrix")
+  refuses(function() c[values] = { "0", 10 } end, "UnsupportedParamValue", "a number as text value")
+  refuses(function() c[add](c, 10) end, "UnsupportedParamValue", "adding a number")
+  c[values] = { "0", "10" }
+  expect.eq(c[values][2], "10", "values read back")
+
+  c.CurrentValue = "5"
+  local holds = c:check()
+  expect.eq(holds, positive, "5 in [0, 10)")
+  expect.eq(c.WasChecked, true, "checked")
+  expect.eq(c.Status, holds, "status kept")
+
+  refuses(function() c:addPreRequisiteConstraintObject(42) end, "UnsupportedPreReqType", "a number as prerequisite")
+  c:addPreRequisiteConstraintID("modelSetting")
+  expect.eq(c:getPreRequisiteConstraintIDs()[1], "modelSetting", "prerequisite ID")
+end
+
+-- Block type constraints.
+for _, kind in ipairs({ { A.PositiveBlockTypeConstraint, "SupportedBlockTypes", "addSupportedBlockType", true },
+                        { A.NegativeBlockTypeConstraint, "UnsupportedBlockTypes", "addUnsupportedBlockType", false } }) do
+  local Class, list, add, positive = kind[1], kind[2], kind[3], kind[4]
+  local c = Class()
+  c[list] = { { BlockType = "Gain", MaskType = "" }, { BlockType = "Sum", MaskType = "Adder" } }
+  c[add](c, "Constant")
+  local pairs = c[list]
+  expect.eq(#pairs, 3, "three pairs")
+  refuses(function() c[list] = { { BlockType = "Gain", MaskType = "" }, "Sum" } end,
+          "InvalidParameterValueNonStruct", "a pair that is no struct")
+  expect.eq(#c[list], 1, "the pairs before the bad cell stay")
+  refuses(function() c[list] = 7 end, "InvalidParameterValueInput", "a list that is no cell")
+  c[list] = { { BlockType = "Gain", MaskType = "" } }
+  c:setCurrentBlockType("Gain")
+  expect.eq(c:check(), positive, "an unmasked Gain is listed")
+  c:setCurrentBlockType("Sum")
+  expect.eq(c:check(), not positive, "a Sum is not")
+end
+
+-- Model parameter constraints.
+for _, kind in ipairs({ { I.PositiveModelParameterConstraint, "SupportedParameterValues", "addSupportedParameterValue", true },
+                        { I.NegativeModelParameterConstraint, "UnsupportedParameterValues", "addUnsupportedParameterValue", false } }) do
+  local Class, values, add, positive = kind[1], kind[2], kind[3], kind[4]
+  local c = Class()
+  c.ID = "solver"
+  c.ParameterName = "SolverType"
+  c.ValueOperator = "anything"  -- not validated for model parameters
+  c.ValueOperator = "eq"
+  refuses(function() c[values] = { "Fixed-step", "Variable-step" } end,
+          "UnsupportedNumberOfConstraintValues", "eq with two values")
+  c.ValueOperator = "or"
+  c[values] = nx.column({ "Fixed-step", "Variable-step" })
+  expect.eq(table.concat({ nx.size(c[values]) }, "x"), "2x1", "a column stays a column")
+  refuses(function() c[add](c, true) end, "UnsupportedParamValue", "a logical value")
+  c.ValueOperator = "bogus"
+  refuses(function() c[values] = { "Fixed-step" } end, "UnsupportedValueOperator", "values under an unknown operator")
+  c.ValueOperator = "or"
+  c[values] = { "Fixed-step" }
+  c:setCurrentValue("Fixed-step")
+  expect.eq(c:check(), positive, "the model setting")
+
+  local dependent = A.PositiveBlockParameterConstraint()
+  dependent:addPreRequisiteConstraintObject(c)
+  expect.eq(dependent:getPreRequisiteConstraintIDs()[1], "solver", "linked by object")
+end
+
+print("constraints_authoring: ok")

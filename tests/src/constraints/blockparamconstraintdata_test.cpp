@@ -1,0 +1,306 @@
+// The constraint data reader: the worked example of the user guide, the order rules of the
+// configuration, duplicate and unknown IDs, and the verdicts of whole checks on host blocks.
+#include "src/constraints/blockparamconstraintdata.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/any.hpp>
+#include <boost/property_tree/xml_parser.hpp>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "host/model/bkdfile.h"
+#include "host/model/bkgraph.h"
+#include "src/constraints/blocktypeconstraint.h"
+#include "src/hostinterface.h"
+#include "tests/src/constraints/constraintfixture.h"
+
+namespace bkedittimecheck::testing {
+namespace {
+
+using boost::property_tree::ptree;
+
+ptree parse(const std::string& xml) {
+  std::istringstream in(xml);
+  ptree tree;
+  boost::property_tree::read_xml(in, tree);
+  return tree;
+}
+
+// A configuration with one check of each given (ID element, body) in CheckCellArray.
+std::string configuration(const std::string& checks) {
+  return "<RAConfiguration><CheckCellArray>" + checks + "</CheckCellArray></RAConfiguration>";
+}
+
+std::string constraintCheck(const std::string& id, const std::string& blockConstraints) {
+  return "<Check><ID checkType=\"BlockConstraintCheck\">" + id +
+         "</ID><InputParameters><InputParameter Name=\"Data File\"><BlockConstraints>" +
+         blockConstraints + "</BlockConstraints></InputParameter></InputParameters></Check>";
+}
+
+std::shared_ptr<BlockConstraintCheckData> readOne(const std::string& blockConstraints) {
+  BlockParamConstraintData data(parse(configuration(constraintCheck("k", blockConstraints))));
+  return data.getCheckData("k");
+}
+
+std::vector<std::string> idsOf(const std::vector<std::shared_ptr<Constraint>>& constraints) {
+  std::vector<std::string> ids;
+  for (const auto& c : constraints) ids.push_back(c->getID());
+  return ids;
+}
+
+ptree exampleConfiguration() {
+  ptree tree;
+  boost::property_tree::read_xml(BKETC_SOURCE_DIR "/examples/constraints/limits.xml", tree,
+                                 boost::property_tree::xml_parser::no_comments);
+  return tree;
+}
+
+TEST(BlockParamConstraintData, WorkedExample) {
+  BlockParamConstraintData data(exampleConfiguration());
+  EXPECT_EQ(data.getConstraintCheckIds(), std::vector<std::string>{"orvanta.example.Limits"});
+  auto check = data.getCheckData("orvanta.example.Limits");
+  ASSERT_TRUE(check);
+  EXPECT_EQ(check->getConstraintsById().size(), 3u);
+  ASSERT_EQ(check->getCompositeConstraints().size(), 1u);
+  EXPECT_EQ(idsOf(check->getCompositeConstraints()[0]->getConstraints()),
+            (std::vector<std::string>{"c1", "c2"}));
+  EXPECT_EQ(check->getConstraintIdsByBlockType().at("Gain"), (std::set<std::string>{"c1", "c2"}));
+  EXPECT_EQ(check->getModelParameterNames(), std::vector<std::string>{"SolverType"});
+  EXPECT_EQ(data.getModelParameterConstraints("SolverType").size(), 1u);
+  EXPECT_TRUE(data.getModelParameterConstraints("StopTime").empty());
+  EXPECT_EQ(data.getCheckIdsByModelParameter("SolverType"),
+            std::vector<std::string>{"orvanta.example.Limits"});
+  const auto& byId = check->getConstraintsById();
+  EXPECT_FALSE(byId.at("c1")->IsRootConstraint());
+  EXPECT_TRUE(byId.at("c2")->IsRootConstraint());
+  EXPECT_EQ(idsOf(byId.at("c2")->getPreRequisiteConstraints()), std::vector<std::string>{"c1"});
+  auto c2 = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at("c2"));
+  ASSERT_TRUE(c2);
+  EXPECT_EQ(c2->getValueOperator(), "range");
+  EXPECT_EQ(c2->getParameterDataType(), "double");
+  EXPECT_EQ(c2->getConstraintValue().size(), 2u);
+  EXPECT_EQ(data.getAllBlockParameterConstraints().at("Gain").size(), 2u);
+}
+
+// The example model judged by the example configuration gives the findings the user guide
+// lists in examples/constraints/expected-findings.txt.
+TEST(BlockParamConstraintData, ExampleModelGivesTheExpectedFindings) {
+  BlockParamConstraintData data(exampleConfiguration());
+  auto check = data.getCheckData("orvanta.example.Limits");
+  BKRootBD* model = blockara::loadBkd(BKETC_SOURCE_DIR "/examples/constraints/limits.bkd");
+  refreshModelParameterConstraints(model, data.getAllModelParameterConstraints());
+  const auto wanted = data.getAllBlockParameterConstraints();
+  std::string findings;
+  bkGraph* root = model->getRootGraph();
+  for (std::size_t i = 0; i < root->size(); ++i) {
+    BKBlock* block = root->blockAt(i);
+    auto found = wanted.find(typeNameOf(block));
+    auto snap = std::make_shared<bkEditBlock>(block, true);
+    if (found != wanted.end()) snap->captureConstraintParameters(block, found->second);
+    if (!check->checkBlock(snap)) {
+      findings += toNarrow(snap->getFullPath()) +
+                  "\torvanta.example.Limits\tBlockConstraintViolation\tRAWARNING\n";
+    }
+  }
+  bkBlockDiagramSet::close(model);
+  std::ifstream expected(BKETC_SOURCE_DIR "/examples/constraints/expected-findings.txt");
+  EXPECT_EQ(findings, std::string(std::istreambuf_iterator<char>(expected), {}));
+}
+
+TEST(BlockParamConstraintData, OrderOfTheConfiguration) {
+  const std::string body =
+      "<PositiveBlockTypeConstraint "
+      "id=\"t\"/><CompositeConstraint><ID>t</ID></CompositeConstraint>";
+  const std::string dataFile =
+      "<InputParameters><InputParameter Name=\"Data File\"><BlockConstraints>" + body +
+      "</BlockConstraints></InputParameter></InputParameters>";
+  struct Case {
+    const char* what;
+    std::string checks;
+    std::vector<std::string> checkIds;
+  };
+  const Case cases[] = {
+      {"a constraint check", constraintCheck("k", body), {"k"}},
+      {"no checkType", "<Check><ID>k</ID>" + dataFile + "</Check>", {}},
+      {"another checkType", "<Check><ID checkType=\"Other\">k</ID>" + dataFile + "</Check>", {}},
+      {"InputParameters before ID",
+       "<Check>" + dataFile + "<ID checkType=\"BlockConstraintCheck\">k</ID></Check>",
+       {}},
+      {"other children of the list", "<Note/>" + constraintCheck("k", body), {"k"}},
+      {"a repeated check ID", constraintCheck("k", body) + constraintCheck("k", ""), {"k", "k"}},
+      {"a parameter of another name",
+       "<Check><ID checkType=\"BlockConstraintCheck\">k</ID><InputParameters>"
+       "<InputParameter Name=\"Other\"/></InputParameters></Check>",
+       {"k"}},
+  };
+  for (const Case& c : cases) {
+    BlockParamConstraintData data(parse(configuration(c.checks)));
+    EXPECT_EQ(data.getConstraintCheckIds(), c.checkIds) << c.what;
+    auto check = data.getCheckData("k");
+    EXPECT_EQ(check != nullptr, !c.checkIds.empty()) << c.what;
+    if (check && std::string(c.what) == "a repeated check ID") {
+      EXPECT_TRUE(check->hasCompositeConstraints()) << "the first data stays";
+    }
+  }
+  EXPECT_EQ(BlockParamConstraintData(parse(configuration(constraintCheck("k", body))))
+                .getCheckData("nope"),
+            nullptr);
+
+  // What the reader cannot do without passes the property tree's exception through.
+  EXPECT_THROW(BlockParamConstraintData(parse("<RAConfiguration/>")),
+               boost::property_tree::ptree_bad_path);
+  EXPECT_THROW(BlockParamConstraintData(parse(configuration(
+                   "<Check><ID checkType=\"BlockConstraintCheck\">k</ID><InputParameters>"
+                   "<InputParameter Name=\"Data File\"/></InputParameters></Check>"))),
+               boost::property_tree::ptree_bad_path);
+}
+
+TEST(BlockParamConstraintData, DuplicateUnknownAndDefaultedElements) {
+  auto check = readOne(
+      "<!-- a comment among the constraints -->"
+      "<PositiveBlockParameterConstraint "
+      "BlockType=\"Gain\"><parameter>Gain</parameter></PositiveBlockParameterConstraint>"
+      "<NegativeBlockParameterConstraint "
+      "BlockType=\"Gain\"><parameter>Other</parameter></NegativeBlockParameterConstraint>"
+      "<PositiveBlockParameterConstraint id=\"d\" BlockType=\"Gain\"><parameter>First</parameter>"
+      "  "
+      "<operator/><dependson>nowhere</dependson><dependson>x</dependson></"
+      "PositiveBlockParameterConstraint>"
+      "<NegativeBlockParameterConstraint id=\"d\" "
+      "BlockType=\"Sum\"><parameter>Second</parameter></NegativeBlockParameterConstraint>"
+      "<NegativeModelParameterConstraint "
+      "id=\"x\"><parameter>SolverType</parameter><value>fast</value></"
+      "NegativeModelParameterConstraint>"
+      "<NegativeBlockTypeConstraint id=\"t\"><BlockType/><BlockType "
+      "MaskType=\"M\">Gain</BlockType></NegativeBlockTypeConstraint>"
+      "<Unknown id=\"u\"/>"
+      "<CompositeConstraint><ID>t</ID><ID>t</ID><ID>missing</ID><operator/></CompositeConstraint>"
+      "<CompositeConstraint><ID>d</ID></CompositeConstraint>");
+  ASSERT_TRUE(check);
+  const auto& byId = check->getConstraintsById();
+  EXPECT_EQ(byId.size(), 4u) << "'', 'd', 'x', 't'";
+  auto empty = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at(""));
+  EXPECT_EQ(empty->getParameterName(), "Gain") << "the first constraint without id stays";
+  auto d = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at("d"));
+  EXPECT_EQ(d->getParameterName(), "First");
+  EXPECT_EQ(d->getValueOperator(), "or") << "empty operator text";
+  EXPECT_EQ(d->getPreRequisiteConstraintIDs(), (std::vector<std::string>{"nowhere", "x"}));
+  EXPECT_EQ(idsOf(d->getPreRequisiteConstraints()), std::vector<std::string>{"x"});
+  // The repeat is dropped from the ID map but stays in the per-type lists.
+  EXPECT_EQ(check->getBlockTypeNames(), (std::vector<std::string>{"Gain", "Gain", "Gain", "Sum"}));
+  EXPECT_EQ(check->getConstraintIdsByBlockType().at("Sum"), std::set<std::string>{"d"});
+  auto types = std::dynamic_pointer_cast<BlockTypeConstraint>(byId.at("t"));
+  EXPECT_EQ(types->getNumBlockTypeMaskTypePairs(), 1u) << "an empty BlockType is passed over";
+  EXPECT_EQ(types->getBlockTypeMaskTypeList().at("Gain"), std::vector<std::string>{"M"});
+  const auto& composites = check->getCompositeConstraints();
+  ASSERT_EQ(composites.size(), 2u);
+  EXPECT_EQ(composites[0]->getCompositeOperator(), "and") << "empty operator text";
+  EXPECT_EQ(idsOf(composites[0]->getConstraints()), std::vector<std::string>{"t"});
+  EXPECT_EQ(composites[1]->getCompositeOperator(), "") << "no operator: passes everything";
+}
+
+TEST(BlockParamConstraintData, ValueFormsFollowTheDataTypeKnownAtThatMoment) {
+  auto check = readOne(
+      "<PositiveBlockParameterConstraint id=\"s\" BlockType=\"SubSystem\">"
+      "  <parameter type=\"struct\">StateData</parameter>"
+      "  <value><name>x</name><scope>Local</scope></value></PositiveBlockParameterConstraint>"
+      "<PositiveBlockParameterConstraint id=\"a\" BlockType=\"Sum\">"
+      "  <parameter type=\"array\">Inputs</parameter>"
+      "  "
+      "<value><element>a</element><skip>b</skip><element>c</element></value></"
+      "PositiveBlockParameterConstraint>"
+      "<PositiveBlockParameterConstraint id=\"late\" BlockType=\"Gain\">"
+      "  <value>early</value><parameter "
+      "type=\"struct\">Gain</parameter></PositiveBlockParameterConstraint>");
+  ASSERT_TRUE(check);
+  const auto& byId = check->getConstraintsById();
+  auto s = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at("s"));
+  EXPECT_EQ(s->getConstraintValue().at(0).asMap(),
+            (ConstraintValue::Map{{"name", "x"}, {"scope", "Local"}}));
+  auto a = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at("a"));
+  EXPECT_EQ(a->getConstraintValue().at(0).asVector(), (ConstraintValue::Vector{"a", "c"}));
+  auto late = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at("late"));
+  EXPECT_EQ(late->getConstraintValue().at(0).asString(), "early");
+  late->setCurrentValue(ParameterValue(ConstraintValue::Map{{"a", "1"}}));
+  EXPECT_THROW(late->check(), boost::bad_any_cast) << "the run of the check ends here";
+}
+
+class CheckDataTest : public ConstraintFixture {};
+
+// Whole checks over host blocks: which constraints concern a block, composites in file order.
+TEST_F(CheckDataTest, VerdictsOfWholeChecks) {
+  const std::string gainRule =
+      "<PositiveBlockParameterConstraint id=\"g\" BlockType=\"Gain\"><parameter "
+      "type=\"double\">Gain"
+      "</parameter><operator>range</operator><value>0</value><value>10</value>"
+      "<dependson>m</dependson></PositiveBlockParameterConstraint>"
+      "<PositiveModelParameterConstraint "
+      "id=\"m\"><parameter>SolverType</parameter><value>fixed</value>"
+      "</PositiveModelParameterConstraint>";
+  const std::string onlyGainAndConstant =
+      "<PositiveBlockTypeConstraint id=\"t\"><BlockType>Gain</BlockType>"
+      "<BlockType>Constant</BlockType></PositiveBlockTypeConstraint>";
+  struct Case {
+    const char* what;
+    std::string blockConstraints;
+    std::string solver;
+    // Verdicts for: Gain 5, Gain 50, Constant, Sum.
+    std::vector<bool> passes;
+    bool hasComposites = true;
+  };
+  const Case cases[] = {
+      {"a range under a model setting that holds",
+       gainRule + "<CompositeConstraint><ID>g</ID><operator>and</operator></CompositeConstraint>",
+       "fixed",
+       {true, false, true, true}},
+      {"the model setting does not hold: nothing applies",
+       gainRule + "<CompositeConstraint><ID>g</ID><operator>and</operator></CompositeConstraint>",
+       "variable",
+       {true, true, true, true}},
+      {"a model constraint named directly is skipped",
+       gainRule + "<CompositeConstraint><ID>m</ID><operator>and</operator></CompositeConstraint>",
+       "variable",
+       {true, true, true, true}},
+      {"a block type constraint concerns every block",
+       onlyGainAndConstant +
+           "<CompositeConstraint><ID>t</ID><operator>and</operator></CompositeConstraint>",
+       "fixed",
+       {true, true, true, false}},
+      {"the same under 'or' never fails",
+       onlyGainAndConstant +
+           "<CompositeConstraint><ID>t</ID><operator>or</operator></CompositeConstraint>",
+       "fixed",
+       {true, true, true, true}},
+      {"two composites: a block must pass both",
+       gainRule + onlyGainAndConstant +
+           "<CompositeConstraint><ID>t</ID><operator>and</operator></CompositeConstraint>"
+           "<CompositeConstraint><ID>g</ID><operator>and</operator></CompositeConstraint>",
+       "fixed",
+       {true, false, true, false}},
+      {"constraints without composite", gainRule, "fixed", {true, true, true, true}, false},
+  };
+  BKBlock* blocks[] = {add("Gain", u"g5", {{"Gain", std::string("5")}}),
+                       add("Gain", u"g50", {{"Gain", std::string("50")}}), add("Constant", u"c"),
+                       add("Sum", u"s")};
+  for (const Case& c : cases) {
+    diagram->editing().setModelParam("SolverType", std::string(c.solver));
+    auto check = readOne(c.blockConstraints);
+    ASSERT_TRUE(check) << c.what;
+    EXPECT_EQ(check->hasCompositeConstraints(), c.hasComposites) << c.what;
+    refreshModelParameterConstraints(diagram, check->getModelParameterConstraintsByName());
+    const auto wanted = check->getBlockParameterConstraintsByBlockType();
+    for (std::size_t i = 0; i < std::size(blocks); ++i) {
+      auto found = wanted.find(typeNameOf(blocks[i]));
+      auto snap =
+          snapshot(blocks[i], found == wanted.end() ? decltype(found->second){} : found->second);
+      EXPECT_EQ(check->checkBlock(snap), c.passes[i]) << c.what << ", block " << i;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace bkedittimecheck::testing

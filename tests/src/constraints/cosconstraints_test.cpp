@@ -1,0 +1,225 @@
+// The constraint classes as the host language sees them: the class tables, values that keep
+// their row or column shape, and prerequisites given as host-language objects.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/language/cospackage.h"
+#include "host/language/luahost.h"
+#include "src/bindings/cosconstraintclasses.h"
+
+namespace bkedittimecheck::testing {
+namespace {
+
+class CosConstraintsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    mi::registerConstraintClasses();
+    lua = std::make_unique<blockara::LuaHost>(
+        blockara::LuaHostOptions{std::filesystem::path(BKETC_RESOURCE_DIR), {}, true});
+  }
+  /// Runs `code`; the Lua error, or "" when none.
+  std::string run(const std::string& code) { return lua->runString(code).value_or(""); }
+
+  std::unique_ptr<blockara::LuaHost> lua;
+};
+
+TEST_F(CosConstraintsTest, ClassTablesAsRegistered) {
+  struct Case {
+    const char* name;
+    const char* superclass;
+    bool constructible;
+    std::vector<std::string> members;  // own properties, then own methods, in declared order
+  };
+  const Case cases[] = {
+      {"Auditor.authoring.internal.Constraint",
+       "numeria.mixin.Heterogeneous",
+       false,
+       {"IsRootConstraint", "WasChecked", "Status", "ID", "PreRequisiteConstraintIDs",
+        "PreRequisiteConstraintHandles", "getID", "refresh", "check",
+        "getPreRequisiteConstraintIDs", "getPreRequisiteConstraintObjects",
+        "addPreRequisiteConstraintID", "addPreRequisiteConstraintObject",
+        "addPreRequisiteConstraintObject"}},
+      {"Auditor.authoring.BlockParameterConstraint",
+       "Auditor.authoring.internal.Constraint",
+       false,
+       {"BlockType", "ParameterName", "ValueOperator", "CurrentValue", "ParameterDataType"}},
+      {"Auditor.authoring.PositiveBlockParameterConstraint",
+       "Auditor.authoring.BlockParameterConstraint",
+       true,
+       {"SupportedParameterValues", "addSupportedParameterValue"}},
+      {"Auditor.authoring.NegativeBlockParameterConstraint",
+       "Auditor.authoring.BlockParameterConstraint",
+       true,
+       {"UnsupportedParameterValues", "addUnsupportedParameterValue"}},
+      {"Auditor.authoring.BlockTypeConstraint",
+       "Auditor.authoring.internal.Constraint",
+       false,
+       {"setCurrentBlockType"}},
+      {"Auditor.authoring.PositiveBlockTypeConstraint",
+       "Auditor.authoring.BlockTypeConstraint",
+       true,
+       {"SupportedBlockTypes", "addSupportedBlockType"}},
+      {"Auditor.authoring.NegativeBlockTypeConstraint",
+       "Auditor.authoring.BlockTypeConstraint",
+       true,
+       {"UnsupportedBlockTypes", "addUnsupportedBlockType"}},
+      {"Auditor.authoring.internal.ModelParameterConstraint",
+       "Auditor.authoring.internal.Constraint",
+       false,
+       {"ParameterName", "ValueOperator", "ParameterDataType", "setCurrentValue",
+        "setCurrentValue"}},
+      {"Auditor.authoring.internal.PositiveModelParameterConstraint",
+       "Auditor.authoring.internal.ModelParameterConstraint",
+       true,
+       {"SupportedParameterValues", "addSupportedParameterValue"}},
+      {"Auditor.authoring.internal.NegativeModelParameterConstraint",
+       "Auditor.authoring.internal.ModelParameterConstraint",
+       true,
+       {"UnsupportedParameterValues", "addUnsupportedParameterValue"}},
+  };
+  for (const Case& c : cases) {
+    auto cls = ncos::COSPackage::findClass(c.name);
+    ASSERT_TRUE(cls) << c.name;
+    ASSERT_EQ(cls->superclasses().size(), 1u) << c.name;
+    EXPECT_EQ(cls->superclasses()[0].name.str(), c.superclass) << c.name;
+    EXPECT_EQ(!cls->constructors().empty(), c.constructible) << c.name;
+    std::vector<std::string> members;
+    for (const auto& p : cls->properties()) members.emplace_back(p->getName());
+    for (const auto& m : cls->methods()) members.push_back(m.name);
+    EXPECT_EQ(members, c.members) << c.name;
+    for (const auto& m : cls->methods()) {
+      EXPECT_FALSE(m.attributes.has(ncos::factory::MethodAttributes::ForceMembership)) << m.name;
+    }
+  }
+  // Adding methods and prerequisite objects are hidden and take the object first.
+  auto positive = ncos::COSPackage::findClass("Auditor.authoring.PositiveBlockParameterConstraint");
+  const auto* add = positive->findMethods("addSupportedParameterValue").at(0);
+  EXPECT_TRUE(add->isStatic() && add->isHidden());
+  EXPECT_EQ(add->signature.args.at(0).className,
+            "Auditor.authoring.PositiveBlockParameterConstraint");
+  mi::registerConstraintClasses();  // a second initialization leaves the classes as they are
+  EXPECT_EQ(ncos::COSPackage::findClass("Auditor.authoring.BlockTypeConstraint"),
+            ncos::COSPackage::findClass("Auditor.authoring.BlockTypeConstraint"));
+}
+
+TEST_F(CosConstraintsTest, ValuesComeBackInTheShapeTheyWereGiven) {
+  const char* script = R"(
+    local A = Auditor.authoring
+    local function same(a, b, what) if a ~= b then error(what .. ": " .. tostring(a) .. " vs " .. tostring(b)) end end
+    local p = A.PositiveBlockParameterConstraint()
+    p.SupportedParameterValues = {"a", "b"}
+    local row = p.SupportedParameterValues
+    same(type(row), "table", "a row comes back as a sequence"); same(row[2], "b", "row order")
+    p.SupportedParameterValues = nx.column({"a", "b"})
+    local r, c = nx.size(p.SupportedParameterValues)
+    same(r .. "x" .. c, "2x1", "a column stays a column")
+    p.ParameterDataType = "struct"
+    p.SupportedParameterValues = {{x = "1", y = "2"}}
+    same(p.SupportedParameterValues[1].y, "2", "struct fields")
+    p.ParameterDataType = "array"
+    p.SupportedParameterValues = {{"e1", "e2"}}
+    same(p.SupportedParameterValues[1][2], "e2", "array elements")
+    p.ParameterDataType = "nxarray"
+    p.SupportedParameterValues = {{1, 2}}
+    same(p.SupportedParameterValues, nil, "nxarray values are not kept")
+    local t = A.NegativeBlockTypeConstraint()
+    t.UnsupportedBlockTypes = nx.column({{BlockType = "Gain", MaskType = ""},
+                                         {BlockType = "Gain", MaskType = "M"}})
+    local r2, c2 = nx.size(t.UnsupportedBlockTypes)
+    same(r2 .. "x" .. c2, "2x1", "a column of pairs")
+    t:addUnsupportedBlockType("Sum")
+    same(select(1, nx.size(t.UnsupportedBlockTypes)), 3, "still a column")
+    t.UnsupportedBlockTypes = {{BlockType = "Sum", MaskType = ""}}
+    same(t.UnsupportedBlockTypes[1].BlockType, "Sum", "a row of one pair")
+    local m = Auditor.authoring.internal.NegativeModelParameterConstraint()
+    m.UnsupportedParameterValues = {"fast"}
+    m:setCurrentValue("fast")
+    same(m:check(), false, "negative model constraint")
+    m:setCurrentValue({a = "1"})
+    same(m.WasChecked, false, "a new value is stale")
+  )";
+  EXPECT_EQ(run(script), "");
+}
+
+// A host-language object standing for a model parameter constraint of the host language's own
+// classes: its properties are what the prerequisite copy reads.
+class ForeignConstraint : public ncos::Wrappable {
+ public:
+  std::map<std::string, nxArray> properties;
+};
+
+class ForeignProperty : public ncos::COSPropInfo {
+ public:
+  explicit ForeignProperty(std::string name) : name(std::move(name)) {}
+  const char* getName() const override { return name.c_str(); }
+  unsigned getAttributes() const override { return 0; }
+  nxArrayProxy getValue(const ncos::COSInterfacePtr& object) const override {
+    return nxArrayProxy(static_cast<ForeignConstraint*>(object->native())->properties[name]);
+  }
+  void setValue(const ncos::COSInterfacePtr& object, const nxArrayProxy& value) const override {
+    static_cast<ForeignConstraint*>(object->native())->properties[name] = value.array();
+  }
+
+ private:
+  std::string name;
+};
+
+class ForeignClass : public ncos::factory::NcosFactoryClassInfo {
+ public:
+  ForeignClass() : NcosFactoryClassInfo("PositiveModelParameterConstraint", "a foreign class") {}
+
+ protected:
+  void populate() override {
+    for (const char* p : {"SupportedParameterValues", "ID", "ParameterName", "ParameterDataType"}) {
+      addProperty(std::make_unique<ForeignProperty>(p));
+    }
+  }
+};
+
+TEST_F(CosConstraintsTest, PrerequisiteObjectsOfTheHostLanguage) {
+  ncos::omGetSubPackage(ncos::omGetGlobalPackage("Auditor"), "authoring")
+      ->addClass(std::make_unique<ForeignClass>());
+  auto foreign = std::make_shared<ForeignConstraint>();
+  foreign->properties = {{"SupportedParameterValues", nxArray::cellRow({nxArray::charRow("on")})},
+                         {"ID", nxArray::charRow("fm")},
+                         {"ParameterName", nxArray::charRow("InlineParams")},
+                         {"ParameterDataType", nxArray::charRow("string")}};
+  ASSERT_EQ(run("function keepForeign(o) foreign = o end"), "");
+  lua->callFunction(
+      "keepForeign", 0,
+      {nxArray::objectScalar(ncos::COSInterface::makeOwned(
+          ncos::COSPackage::findClass("Auditor.authoring.PositiveModelParameterConstraint"),
+          foreign))});
+  const char* script = R"(
+    local p = Auditor.authoring.PositiveBlockParameterConstraint()
+    p:addPreRequisiteConstraintObject(foreign)
+    local ids = p:getPreRequisiteConstraintIDs()
+    assert(#ids == 1 and ids[1] == "fm", "the copy carries the object's ID")
+    local copy = p:getPreRequisiteConstraintObjects()
+    assert(copy.ID == "fm")
+    -- An object of this system's own model class takes the overload with the self type.
+    local own = Auditor.authoring.internal.NegativeModelParameterConstraint()
+    own.ID = "own"
+    p:addPreRequisiteConstraintObject(own)
+    assert(#p:getPreRequisiteConstraintIDs() == 2)
+    for _, bad in ipairs({5, "text", {own}}) do
+      local ok, err = pcall(p.addPreRequisiteConstraintObject, p, bad)
+      assert(not ok and err:find("bkedittimecheck:edittimecheck:UnsupportedPreReqType", 1, true), tostring(err))
+    end
+    -- The handles replace the list and share the objects they name.
+    p.PreRequisiteConstraintHandles = nx.array("object", 1, 1, {own})
+    assert(#p:getPreRequisiteConstraintIDs() == 1)
+    own = nil
+    collectgarbage()
+    assert(p:getPreRequisiteConstraintObjects().ID == "own", "kept alive by the link")
+  )";
+  EXPECT_EQ(run(script), "");
+}
+
+}  // namespace
+}  // namespace bkedittimecheck::testing
