@@ -163,6 +163,14 @@ int feature(lua_State* L) {
   return 1;
 }
 
+// blockara.block(handle): the live block of a handle, or nil once it is gone.
+int blockByHandle(lua_State* L) {
+  BKBlock* block = BKBlock::Handle2Block(luaL_checknumber(L, 1));
+  if (block) pushBlock(L, block);
+  else lua_pushnil(L);
+  return 1;
+}
+
 int checkSelection(lua_State* L) {
   auto map = EditTimePreferences::checkSelectionMap();
   if (!map) {
@@ -232,6 +240,7 @@ void installLuaApi(LuaHost& host) {
   host.registerFunction("blockara.new", newDiagram);
   host.registerFunction("blockara.load", loadDiagram);
   host.registerFunction("blockara.diagram", findDiagram);
+  host.registerFunction("blockara.block", blockByHandle);
   host.registerFunction("blockara.idle", idle);
   host.registerFunction("blockara.step", step);
   host.registerFunction("blockara.setPreference", setPreference);

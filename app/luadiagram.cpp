@@ -315,6 +315,22 @@ const luaL_Reg blockMethods[] = {
          return 1;
        });
      }},
+    {"parameters",
+     [](lua_State* L) {
+       // The dialog parameters in dialog order, each {name=, type=} with the library's type code.
+       BKBlock* block = checkBlock(L);
+       const std::vector<BKPrmDesc>& descs = block->getDialogInfo();
+       lua_createtable(L, static_cast<int>(descs.size()), 0);
+       for (std::size_t i = 0; i < descs.size(); ++i) {
+         lua_createtable(L, 0, 2);
+         lua_pushstring(L, descs[i].name.c_str());
+         lua_setfield(L, -2, "name");
+         lua_pushinteger(L, descs[i].typeCode);
+         lua_setfield(L, -2, "type");
+         lua_seti(L, -2, static_cast<lua_Integer>(i + 1));
+       }
+       return 1;
+     }},
     {"classes",
      [](lua_State* L) {
        BKBlock* block = checkBlock(L);

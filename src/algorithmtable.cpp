@@ -4,10 +4,14 @@
 #include <utility>
 
 #include "src/algorithms/bkciunsupportedblocks.h"
+#include "src/algorithms/blockarastateportmappingviolation.h"
+#include "src/algorithms/blockmissingparams.h"
 #include "src/algorithms/blocknameposition.h"
 #include "src/algorithms/blocknameviolation.h"
 #include "src/algorithms/blockorientation.h"
 #include "src/algorithms/codegenblocknameviolation.h"
+#include "src/algorithms/datastoreusage.h"
+#include "src/algorithms/gotofromblockmismatch.h"
 #include "src/algorithms/portblockicondisplay.h"
 #include "src/algorithms/portnameviolation.h"
 #include "src/algorithms/productioncodegensupport.h"
@@ -15,6 +19,7 @@
 #include "src/algorithms/prohibitedsinks.h"
 #include "src/algorithms/removeblock.h"
 #include "src/algorithms/setup.h"
+#include "src/algorithms/stateaccessorpathviolation.h"
 #include "src/algorithms/subsystemnameviolation.h"
 #include "src/configuration/edittimecheckselector.h"
 #include "src/features.h"
@@ -33,11 +38,12 @@ AlgorithmTable::AlgorithmTable(std::wstring diagramName, bool isLibrary, bool sh
 void AlgorithmTable::runEvent(int code, bool hasVariants) {
   pendingAlgorithms.push_back(std::make_shared<RemoveBlock>(diagramName, 5));
   pendingAlgorithms.push_back(std::make_shared<Setup>(diagramName));
-  appendInteractiveChecks(code, hasVariants);
+  appendMissingVariableCheck(code, hasVariants);
   if (auditorChecksEnabled) {
     appendSelectedChecks(code);
     if (code == 7) EditTimeAlgorithms::setInputParametersChanged(true);
   }
+  appendInteractiveChecks(hasVariants);
   if (eventObserver) eventObserver(code, hasVariants, pendingAlgorithms.size());
   // Only the two internal entries: nothing to check. The queues of bkEditBD keep what they hold
   // until a later table runs.
@@ -49,17 +55,52 @@ void AlgorithmTable::runEvent(int code, bool hasVariants) {
 }
 
 void AlgorithmTable::runCheckById(const std::string& id) {
-  // The single checks (the data store usage check, the constraint checks) join the table with
-  // their own classes; until one is built here there is nothing to start.
-  (void)id;
+  if (id == DataStoreUsage::kCheckId) {
+    // The switches choose the groups: both, the warnings only (0) or the errors only (1).
+    if (showErrors || showWarnings) {
+      const std::uint32_t severity = showErrors && showWarnings ? 5 : showWarnings ? 0 : 1;
+      pendingAlgorithms.push_back(std::make_shared<DataStoreUsage>(diagramName, severity));
+    }
+  } else if (featureOn(BKFEAT_BlockConstraintCheckAuthoring) && auditorChecksEnabled &&
+             isSelected(id)) {
+    // Placeholder: BlockConstraintViolation(id, diagramName, 3) is appended here once that class
+    // is in the tree.
+  }
   if (!pendingAlgorithms.empty()) startPending();
 }
 
-void AlgorithmTable::appendInteractiveChecks(int code, bool hasVariants) {
-  // The missing-variable check and the cross-block checks of the edit-time preference are
-  // appended here, in table order, as their classes arrive.
-  (void)code;
-  (void)hasVariants;
+bool AlgorithmTable::isSelected(const std::string& id) {
+  const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
+  const auto it = selection.find(id);
+  return it != selection.end() && it->second;
+}
+
+bool AlgorithmTable::interactiveChecksApply(bool hasVariants) const {
+  return (showErrors || showWarnings) && !hasVariants && !isLibrary;
+}
+
+void AlgorithmTable::appendMissingVariableCheck(int code, bool hasVariants) {
+  // An added block has not been scanned yet: the missing-variable question waits for that.
+  if (!featureOn(BKFEAT_BlockParamEditTimeCheckOnCanvas) || !interactiveChecksApply(hasVariants) ||
+      code == 18) {
+    return;
+  }
+  pendingAlgorithms.push_back(
+      std::make_shared<BlockMissingParams>(diagramName, BlockMissingParams::kSeverity, code));
+}
+
+void AlgorithmTable::appendInteractiveChecks(bool hasVariants) {
+  if (!interactiveChecksApply(hasVariants)) return;
+  pendingAlgorithms.push_back(
+      std::make_shared<GoToFromBlockMismatch>(diagramName, GoToFromBlockMismatch::kSeverity));
+  pendingAlgorithms.push_back(
+      std::make_shared<DataStoreUsage>(diagramName, DataStoreUsage::kSeverity));
+  pendingAlgorithms.push_back(std::make_shared<StateAccessorPathViolation>(
+      diagramName, StateAccessorPathViolation::kSeverity));
+  if (featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) {
+    pendingAlgorithms.push_back(std::make_shared<BlockaraStatePortMappingViolation>(
+        diagramName, BlockaraStatePortMappingViolation::kSeverity));
+  }
 }
 
 void AlgorithmTable::appendSelectedChecks(int /*code*/) {

@@ -39,7 +39,7 @@ bool bkEditBD::isRoutingBlock(BKBlock* block) {
       code == 51 || code == 56 || code == 57 || code == 22 || code == 123 || code == 125;
   if (routingCode && graphOwnerIsNotChart(block)) return true;
   if (featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) {
-    if (code == 66 || code == 88) return true;
+    if (isBlockaraStatePort(block)) return true;
     if (isChartBasedSubsystem(block)) return true;
   }
   return false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -110,8 +111,15 @@ class bkEditBD {
   std::map<std::wstring, std::int32_t> maskKinds;
   std::map<double, Blkproperties> subsysMap;
 
-  // ---- main (copied at construction and by `refreshDataStoreSetting`)
-  std::string uniqueDataStoreMsg;
+  /// Worker. True when the queue `subsysProperties` holds an event listener record whose
+  /// parent path is `path` (narrow): that system iterates. Pops the queue up to the first such
+  /// record and pushes what it took back in its order; the main thread may see the queue short
+  /// meanwhile.
+  bool isIteratorSystem(const std::string& path);
+
+  // ---- main writes, worker reads: the diagram's "UniqueDataStoreMsg" level (0 none,
+  // 1 warning, 2 error), copied at construction and again by "updateDiagnostic"
+  std::atomic<std::int32_t> uniqueDataStoreMsg{0};
   std::map<std::string, ParameterValue> modelParameterData;
 
   // ---- queues (main pushes, worker pops)
@@ -133,7 +141,7 @@ class bkEditBD {
   std::vector<bkGraph*> visibleGraphsDone;
   std::set<std::wstring> visiblePathsDone;
   std::uint32_t variantSubsystemCount = 0;
-  bool tooManyRoutingBlocks = false;
+  std::atomic<bool> tooManyRoutingBlocks{false};  // main writes, the Goto/From check reads
   std::uint32_t routingBlockCount = 0;
   std::map<double, std::wstring> handleToSubsystem;
   bool hasStateAccessBlocks = false;
@@ -145,5 +153,15 @@ class bkEditBD {
   // or is a chart, whose inside is never walked.
   bool isOwnerTaken(const bkGraph* graph, std::set<std::wstring>& pathsDone);
 };
+
+/// Any thread. Narrow paths as the state accessor check reads them. True for a path without
+/// "/", or whose only "/" is an escaped one at its end.
+bool isRootPath(const std::string& path);
+/// Any thread. True when the last "/" of the path is its final character: the host writes a "/"
+/// ending a block name as "//".
+bool hasEscapedSeparator(const std::string& path);
+/// Any thread. The path up to its last "/" (that "/" excluded), a trailing escaped "/" set aside
+/// first; empty for a root path.
+std::string parentPath(const std::string& path);
 
 }  // namespace bkedittimecheck

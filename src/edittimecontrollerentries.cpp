@@ -26,7 +26,7 @@ void withSwitchEngine(EditTimeController& c, const std::wstring& name, int code,
 
 void EditTimeController::updateDiagnostic(const std::wstring& name) {
   if (auto engine = findEngine(name)) {
-    engine->getData()->uniqueDataStoreMsg = uniqueDataStoreSetting(engine->getDiagram());
+    engine->getData()->uniqueDataStoreMsg = uniqueDataStoreLevel(engine->getDiagram());
     engine->getAlgorithmTable().runCheckById("orvanta.blockara.DataStoreUsage");
   }
 }

@@ -62,6 +62,18 @@ bool isChartBasedSubsystem(const BKBlock* block) {
   return graph && graph->getOwner() && BKGlue::isChartelleBlock(graph->getOwner());
 }
 
+bool isBlockaraStatePort(const BKBlock* block) {
+  const int code = block->getTypeCode();
+  if (code != 66 && code != 88) return false;
+  bkGraph* graph = BKGlue::getBlockGraph(block);
+  return graph && graph->getOwner() && isChartBasedSubsystem(graph->getOwner());
+}
+
+double graphOwnerHandle(const BKBlock* block) {
+  bkGraph* graph = BKGlue::getBlockGraph(block);
+  return graph && graph->getOwner() ? graph->getOwner()->getHandle() : 0.0;
+}
+
 bool isUsableGraph(const bkGraph* graph) {
   return graph && graph->getBlockDiagram() && graph->getStateBits() == 0;
 }
@@ -114,6 +126,13 @@ std::string uniqueDataStoreSetting(BKRootBD* diagram) {
   const BlockParamValue* value = set->getProp("UniqueDataStoreMsg");
   const std::string* text = value ? std::get_if<std::string>(value) : nullptr;
   return text ? *text : "";
+}
+
+std::int32_t uniqueDataStoreLevel(BKRootBD* diagram) {
+  const std::string setting = uniqueDataStoreSetting(diagram);
+  if (setting == "warning") return 1;
+  if (setting == "error") return 2;
+  return 0;
 }
 
 void callDiagramFunction(const char* function, const std::wstring& diagramName) {

@@ -16,6 +16,8 @@ bool showEditTimeIssues() { return bk::bkedittimecheck::bkutils::getShowEditTime
 
 bool featureOn(BkFeature* feature) { return feature != nullptr && feature->isOn(); }
 
+int featureLevel(BkFeature* feature) { return feature != nullptr ? feature->getLevel() : 0; }
+
 void removeErrorAndWarnClasses(double handle) {
   diagram::style::Styler* styler = createEditTimeStyler();
   styler->removeClass(handle, L"Error");

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "src/features.h"
 #include "src/hostinterface.h"
 
 namespace bkedittimecheck {
@@ -92,7 +93,17 @@ bkEditBlock::bkEditBlock(BKBlock* block, bool wantRaEditBlock)
       fullPath(toWide(block->getFullPath(false))),
       isCommented(block->isCommented() ? 1 : 0),
       isLinked(block->getLinkStatus() != "none" ? 1 : 0) {
-  if (needsDefaultEditBlock(blockKind)) defaultEditBlock = makeDefaultEditBlock(block, blockKind);
+  if (featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) {
+    if (isBlockaraStatePort(block)) {
+      chartInputData = std::make_unique<BlockaraStatePortInfoImpl>(graphOwnerHandle(block));
+    }
+    if (isChartBasedSubsystem(block)) {
+      chartRecord = std::make_unique<BlockaraStateMappingInfoImpl>(blockHandle);
+    }
+  }
+  if (needsDefaultEditBlock(blockKind) || hasChartData()) {
+    defaultEditBlock = makeDefaultEditBlock(block, blockKind);
+  }
   if (wantRaEditBlock) raEditBlock = makeRaEditBlock(block, blockKind);
 }
 
