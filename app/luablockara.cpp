@@ -1,12 +1,17 @@
 // The global `blockara` table of the scripting API.
 #include <lua.hpp>
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
+#include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "app/luaapi.h"
+#include "app/luacall.h"
 #include "app/luatypes.h"
 #include "app/luavalues.h"
 #include "app/report.h"
@@ -27,72 +32,44 @@ namespace {
 
 using bk::bkedittimecheck::bkutils::EditTimePreferences;
 
-// Reads the `opts` table of new and load: library and auditor. Absent fields are nil.
+// The `opts` table of new and load: library and auditor, each left as the file says when absent.
 struct OpenOptions {
-  int library = -1;  // -1: as the file says
+  int library = -1;
   int auditor = -1;
+
+  void applyTo(BKRootBD* d) const {
+    if (library >= 0) d->setDiagramKind(library ? BKRootBD::Library : BKRootBD::Model);
+    if (auditor >= 0) d->setAuditorMode(auditor != 0);
+  }
 };
 
-OpenOptions checkOpenOptions(lua_State* L, int index) {
-  OpenOptions o;
-  if (lua_isnoneornil(L, index)) return o;
-  luaL_checktype(L, index, LUA_TTABLE);
-  if (lua_getfield(L, index, "library") != LUA_TNIL) o.library = lua_toboolean(L, -1);
-  if (lua_getfield(L, index, "auditor") != LUA_TNIL) o.auditor = lua_toboolean(L, -1);
-  lua_pop(L, 2);
-  return o;
-}
+}  // namespace
 
-void applyOpenOptions(BKRootBD* d, const OpenOptions& o) {
-  if (o.library >= 0) d->setDiagramKind(o.library ? BKRootBD::Library : BKRootBD::Model);
-  if (o.auditor >= 0) d->setAuditorMode(o.auditor != 0);
-}
+template <>
+struct LuaArg<OpenOptions> {
+  static OpenOptions check(lua_State* L, int index) {
+    OpenOptions o;
+    if (lua_isnoneornil(L, index)) return o;
+    luaL_checktype(L, index, LUA_TTABLE);
+    if (lua_getfield(L, index, "library") != LUA_TNIL) o.library = lua_toboolean(L, -1);
+    if (lua_getfield(L, index, "auditor") != LUA_TNIL) o.auditor = lua_toboolean(L, -1);
+    lua_pop(L, 2);
+    return o;
+  }
+};
+
+namespace {
 
 std::string narrow(const std::wstring& text) {
   std::u16string wide(text.begin(), text.end());
   return ConvertUStringToStdString(wide);
 }
 
-int newDiagram(lua_State* L) {
-  bksvString name = checkUString(L, 1);
-  OpenOptions o = checkOpenOptions(L, 2);
-  return luaGuard(L, [&](lua_State*) {
-    BKRootBD* d = bkBlockDiagramSet::create(name, o.library == 1 ? BKRootBD::Library
-                                                                 : BKRootBD::Model);
-    applyOpenOptions(d, o);
-    openForEditing(d);
-    pushDiagram(L, d);
-    return 1;
-  });
-}
-
-int loadDiagram(lua_State* L) {
-  std::string path = luaL_checkstring(L, 1);
-  OpenOptions o = checkOpenOptions(L, 2);
-  return luaGuard(L, [&](lua_State*) {
-    BKRootBD* d = loadModelFile(path);
-    applyOpenOptions(d, o);
-    openForEditing(d);
-    pushDiagram(L, d);
-    return 1;
-  });
-}
-
-int findDiagram(lua_State* L) {
-  BKRootBD* d = bkBlockDiagramSet::nameToBlockDiagram(checkUString(L, 1));
-  if (d) pushDiagram(L, d);
-  else lua_pushnil(L);
-  return 1;
-}
-
-int idle(lua_State* L) {
-  double seconds = luaL_optnumber(L, 1, 10.0);
-  if (seconds < 0) seconds = 0;
-  auto timeout = std::chrono::milliseconds(static_cast<long long>(seconds * 1000.0));
-  return luaGuard(L, [&](lua_State*) {
-    lua_pushboolean(L, EventLoop::instance().runUntilQuiet(timeout));
-    return 1;
-  });
+// Opens a new or loaded diagram for editing with its options applied.
+BKRootBD* opened(BKRootBD* d, const OpenOptions& o) {
+  o.applyTo(d);
+  openForEditing(d);
+  return d;
 }
 
 // blockara.step(): one step of the main loop, for scripts that watch work proceed. Runs the
@@ -120,107 +97,53 @@ int step(lua_State* L) {
   });
 }
 
-int setPreference(lua_State* L) {
-  std::string name = luaL_checkstring(L, 1);
-  if (name != "ShowEditTimeIssues") return luaL_error(L, "unknown preference %s", name.c_str());
+// The one preference a script may read and write.
+void checkPreferenceName(lua_State* L, const std::string& name) {
+  if (name != "ShowEditTimeIssues") luaL_error(L, "unknown preference %s", name.c_str());
+}
+
+void setPreference(lua_State* L, std::string name) {
+  checkPreferenceName(L, name);
   luaL_checktype(L, 2, LUA_TBOOLEAN);
   bk::bkedittimecheck::bkutils::setShowEditTimeIssues(lua_toboolean(L, 2));
-  return 0;
 }
 
-int getPreference(lua_State* L) {
-  std::string name = luaL_checkstring(L, 1);
-  if (name != "ShowEditTimeIssues") return luaL_error(L, "unknown preference %s", name.c_str());
-  lua_pushboolean(L, bk::bkedittimecheck::bkutils::getShowEditTimeIssues());
-  return 1;
+bool getPreference(lua_State* L, std::string name) {
+  checkPreferenceName(L, name);
+  return bk::bkedittimecheck::bkutils::getShowEditTimeIssues();
 }
 
-int setPreferencesDirectory(lua_State* L) {
-  std::string dir = luaL_checkstring(L, 1);
-  return luaGuard(L, [&](lua_State*) {
-    svSetPreferencesDirectory(dir);
-    return 0;
-  });
+lua_Integer feature(lua_State* L, std::string name, std::optional<lua_Integer> level) {
+  if (level) BkFeatureRegistry::setLevel(name, static_cast<int>(*level));
+  std::optional<int> now = BkFeatureRegistry::level(name);
+  if (!now) luaL_error(L, "unknown feature %s", name.c_str());
+  return *now;
 }
 
-int setInstallationRoot(lua_State* L) {
-  std::string dir = luaL_checkstring(L, 1);
-  return luaGuard(L, [&](lua_State*) {
-    svSetNumeriaRoot(dir);
-    return 0;
-  });
-}
-
-int feature(lua_State* L) {
-  std::string name = luaL_checkstring(L, 1);
-  if (!lua_isnoneornil(L, 2)) {
-    int level = static_cast<int>(luaL_checkinteger(L, 2));
-    BkFeatureRegistry::setLevel(name, level);
-  }
-  std::optional<int> level = BkFeatureRegistry::level(name);
-  if (!level) return luaL_error(L, "unknown feature %s", name.c_str());
-  lua_pushinteger(L, *level);
-  return 1;
-}
-
-// blockara.block(handle): the live block of a handle, or nil once it is gone.
-int blockByHandle(lua_State* L) {
-  BKBlock* block = BKBlock::Handle2Block(luaL_checknumber(L, 1));
-  if (block) pushBlock(L, block);
-  else lua_pushnil(L);
-  return 1;
-}
-
-int checkSelection(lua_State* L) {
-  auto map = EditTimePreferences::checkSelectionMap();
-  if (!map) {
-    lua_pushnil(L);
-    return 1;
-  }
-  lua_createtable(L, 0, static_cast<int>(map->size()));
-  for (const auto& [id, on] : *map) {
-    lua_pushboolean(L, on);
-    lua_setfield(L, -2, id.c_str());
-  }
-  return 1;
-}
-
-int ceExclusions(lua_State* L) {
-  bksvString name16 = checkUString(L, 1);
-  std::wstring name(name16.begin(), name16.end());
-  auto map = EditTimePreferences::ceExclusions(name);
-  if (!map) {
-    lua_pushnil(L);
-    return 1;
-  }
-  lua_createtable(L, 0, static_cast<int>(map->size()));
+// A diagram's exclusions as a table from path to a list of check IDs.
+std::optional<std::map<std::string, std::vector<std::string>>> ceExclusions(bksvString name) {
+  auto map = EditTimePreferences::ceExclusions(std::wstring(name.begin(), name.end()));
+  if (!map) return std::nullopt;
+  std::map<std::string, std::vector<std::string>> out;
   for (const auto& [path, ids] : *map) {
-    lua_createtable(L, static_cast<int>(ids.size()), 0);
-    for (std::size_t i = 0; i < ids.size(); ++i) {
-      lua_pushstring(L, narrow(ids[i]).c_str());
-      lua_seti(L, -2, static_cast<lua_Integer>(i + 1));
-    }
-    lua_setfield(L, -2, narrow(path).c_str());
+    std::vector<std::string>& list = out[narrow(path)];
+    for (const std::wstring& id : ids) list.push_back(narrow(id));
   }
-  return 1;
+  return out;
 }
 
 // blockara.report(d, format [, path]): the findings of a diagram as text, SARIF or HTML; written
 // to `path` when given, returned in every case.
-int report(lua_State* L) {
-  BKRootBD* d = toDiagram(L, 1);
-  std::string format = luaL_optstring(L, 2, "text");
-  std::string path = luaL_optstring(L, 3, "");
-  return luaGuard(L, [&](lua_State*) {
-    std::string text = formatReport(*d, collectFindings(*d), format, d->getFilePath());
-    if (!path.empty()) {
-      std::ofstream out(path, std::ios::binary);
-      out << text;
-      if (!out) throw std::runtime_error(path + ": cannot write the report");
-    }
-    lua_pushlstring(L, text.data(), text.size());
-    return 1;
-  });
+std::string report(BKRootBD* d, std::optional<std::string> format,
+                   std::optional<std::string> path) {
+  std::string text =
+      formatReport(*d, collectFindings(*d), format.value_or("text"), d->getFilePath());
+  if (path && !path->empty()) {
+    std::ofstream out(*path, std::ios::binary);
+    out << text;
+    if (!out) throw std::runtime_error(*path + ": cannot write the report");
+  }
+  return text;
 }
 
 }  // namespace
@@ -237,20 +160,38 @@ void openForEditing(BKRootBD* diagram) {
 void installLuaApi(LuaHost& host) {
   lua_State* L = host.state();
   installObjectTypes(L);
-  host.registerFunction("blockara.new", newDiagram);
-  host.registerFunction("blockara.load", loadDiagram);
-  host.registerFunction("blockara.diagram", findDiagram);
-  host.registerFunction("blockara.block", blockByHandle);
-  host.registerFunction("blockara.idle", idle);
+  host.registerFunction("blockara.new", luaFunction<[](bksvString name, OpenOptions o) {
+    return opened(bkBlockDiagramSet::create(name, o.library == 1 ? BKRootBD::Library
+                                                                 : BKRootBD::Model),
+                  o);
+  }>);
+  host.registerFunction("blockara.load", luaFunction<[](std::string path, OpenOptions o) {
+    return opened(loadModelFile(path), o);
+  }>);
+  host.registerFunction("blockara.diagram", luaFunction<[](bksvString name) {
+    return bkBlockDiagramSet::nameToBlockDiagram(name);
+  }>);
+  // The live block of a handle, or nil once it is gone.
+  host.registerFunction("blockara.block", luaFunction<[](double handle) {
+    return BKBlock::Handle2Block(handle);
+  }>);
+  host.registerFunction("blockara.idle", luaFunction<[](std::optional<double> seconds) {
+    auto timeout = std::chrono::milliseconds(
+        static_cast<long long>(std::max(seconds.value_or(10.0), 0.0) * 1000.0));
+    return EventLoop::instance().runUntilQuiet(timeout);
+  }>);
   host.registerFunction("blockara.step", step);
-  host.registerFunction("blockara.setPreference", setPreference);
-  host.registerFunction("blockara.getPreference", getPreference);
-  host.registerFunction("blockara.setPreferencesDirectory", setPreferencesDirectory);
-  host.registerFunction("blockara.setInstallationRoot", setInstallationRoot);
-  host.registerFunction("blockara.feature", feature);
-  host.registerFunction("blockara.checkSelection", checkSelection);
-  host.registerFunction("blockara.ceExclusions", ceExclusions);
-  host.registerFunction("blockara.report", report);
+  host.registerFunction("blockara.setPreference", luaFunction<setPreference>);
+  host.registerFunction("blockara.getPreference", luaFunction<getPreference>);
+  host.registerFunction("blockara.setPreferencesDirectory",
+                        luaFunction<[](std::string dir) { svSetPreferencesDirectory(dir); }>);
+  host.registerFunction("blockara.setInstallationRoot",
+                        luaFunction<[](std::string dir) { svSetNumeriaRoot(dir); }>);
+  host.registerFunction("blockara.feature", luaFunction<feature>);
+  host.registerFunction("blockara.checkSelection",
+                        luaFunction<[] { return EditTimePreferences::checkSelectionMap(); }>);
+  host.registerFunction("blockara.ceExclusions", luaFunction<ceExclusions>);
+  host.registerFunction("blockara.report", luaFunction<report>);
   lua_getglobal(L, "blockara");
   lua_newtable(L);
   lua_setfield(L, -2, "workspace");

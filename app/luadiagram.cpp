@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/luaapi.h"
+#include "app/luacall.h"
 #include "app/luatypes.h"
 #include "app/luavalues.h"
 #include "app/signallog.h"
@@ -41,251 +42,89 @@ BKBlock* checkBlock(lua_State* L, int index = 1) {
   return block;
 }
 
-int comment(lua_State* L) {
-  BKRootBD* d = checkDiagram(L);
-  bksvString path = checkUString(L, 2);
-  static const char* const states[] = {"none", "out", "through", nullptr};
-  int state = luaL_checkoption(L, 3, nullptr, states);
-  return luaGuard(L, [&](lua_State*) {
-    d->editing().setCommentState(path, state);
-    return 0;
-  });
-}
+// Raises a compile-side or execution-side event of the diagram.
+template <int Event>
+constexpr auto compileEvent = [](BKRootBD* d) { d->getCompBD()->raise(Event); };
+template <int Event>
+constexpr auto execEvent = [](BKRootBD* d) { d->getExecBD()->raise(Event); };
 
-int batch(lua_State* L) {
-  BKRootBD* d = checkDiagram(L);
+// d:batch(fn): the batch ends whatever fn did, so that a failing script leaves no open batch.
+void batch(lua_State* L, BKRootBD* d) {
   luaL_checktype(L, 2, LUA_TFUNCTION);
   d->editing().beginBatch();
   lua_pushvalue(L, 2);
   lua_pushvalue(L, 1);
   int status = lua_pcall(L, 1, 0, 0);
-  // The batch ends whatever the function did, so that a failing script leaves no open batch.
   std::string sink;
   try {
     d->editing().endBatch();
   } catch (const std::exception& e) {
     sink = e.what();
   }
-  if (status != LUA_OK) return lua_error(L);
-  if (!sink.empty()) return luaL_error(L, "%s", sink.c_str());
-  return 0;
-}
-
-template <bool Forward>
-int history(lua_State* L) {
-  BKRootBD* d = checkDiagram(L);
-  return luaGuard(L, [&](lua_State*) {
-    lua_pushboolean(L, Forward ? d->editing().redo() : d->editing().undo());
-    return 1;
-  });
-}
-
-template <int Event>
-int compileEvent(lua_State* L) {
-  BKRootBD* d = checkDiagram(L);
-  return luaGuard(L, [&](lua_State*) {
-    d->getCompBD()->raise(Event);
-    return 0;
-  });
-}
-
-template <int Event>
-int execEvent(lua_State* L) {
-  BKRootBD* d = checkDiagram(L);
-  return luaGuard(L, [&](lua_State*) {
-    d->getExecBD()->raise(Event);
-    return 0;
-  });
+  if (status != LUA_OK) lua_error(L);
+  if (!sink.empty()) luaL_error(L, "%s", sink.c_str());
 }
 
 const luaL_Reg diagramMethods[] = {
-    {"add",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       bksvString system = checkUString(L, 2);
-       std::string type = luaL_checkstring(L, 3);
-       bksvString name = checkUString(L, 4);
-       PropertyMap props = checkPropertyTable(L, 5);
-       return luaGuard(L, [&](lua_State*) {
-         pushBlock(L, d->editing().addBlock(system, type, name, props));
-         return 1;
-       });
-     }},
-    {"delete",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       bksvString path = checkUString(L, 2);
-       return luaGuard(L, [&](lua_State*) {
-         d->editing().deleteBlock(path);
-         return 0;
-       });
-     }},
-    {"rename",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       bksvString path = checkUString(L, 2);
-       bksvString name = checkUString(L, 3);
-       return luaGuard(L, [&](lua_State*) {
-         d->editing().renameBlock(path, name);
-         return 0;
-       });
-     }},
-    {"move",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       bksvString path = checkUString(L, 2);
-       bksvString system = checkUString(L, 3);
-       return luaGuard(L, [&](lua_State*) {
-         d->editing().moveBlock(path, system);
-         return 0;
-       });
-     }},
-    {"set",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       bksvString path = checkUString(L, 2);
-       PropertyMap props = checkPropertyTable(L, 3);
-       return luaGuard(L, [&](lua_State*) {
-         d->editing().setProperties(path, props);
-         return 0;
-       });
-     }},
-    {"comment", comment},
-    {"batch", batch},
-    {"undo", history<false>},
-    {"redo", history<true>},
-    {"setModelParamRaw",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       std::string name = luaL_checkstring(L, 2);
+    {"add", luaFunction<[](BKRootBD* d, bksvString system, std::string type, bksvString name,
+                           PropertyMap props) {
+       return d->editing().addBlock(system, type, name, props);
+     }>},
+    {"delete", luaFunction<[](BKRootBD* d, bksvString path) { d->editing().deleteBlock(path); }>},
+    {"rename", luaFunction<[](BKRootBD* d, bksvString path, bksvString name) {
+       d->editing().renameBlock(path, name);
+     }>},
+    {"move", luaFunction<[](BKRootBD* d, bksvString path, bksvString system) {
+       d->editing().moveBlock(path, system);
+     }>},
+    {"set", luaFunction<[](BKRootBD* d, bksvString path, PropertyMap props) {
+       d->editing().setProperties(path, props);
+     }>},
+    {"comment", luaFunction<[](lua_State* L, BKRootBD* d, bksvString path) {
+       static const char* const states[] = {"none", "out", "through", nullptr};
+       d->editing().setCommentState(path, luaL_checkoption(L, 3, nullptr, states));
+     }>},
+    {"batch", luaFunction<batch>},
+    {"undo", luaFunction<[](BKRootBD* d) { return d->editing().undo(); }>},
+    {"redo", luaFunction<[](BKRootBD* d) { return d->editing().redo(); }>},
+    {"setModelParamRaw", luaFunction<[](lua_State* L, BKRootBD* d, std::string name) {
+       // Any value, in the form tostring gives it.
        std::string value = luaL_tolstring(L, 3, nullptr);
-       return luaGuard(L, [&](lua_State*) {
-         d->editing().setModelParam(name, BlockParamValue(value));
-         return 0;
-       });
-     }},
-    {"removeConfigSet",
-     [](lua_State* L) {
-       checkDiagram(L)->removeConfigSet();
-       return 0;
-     }},
+       d->editing().setModelParam(name, BlockParamValue(value));
+     }>},
+    {"removeConfigSet", luaFunction<[](BKRootBD* d) { d->removeConfigSet(); }>},
     {"setExclusionFile",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       d->setExclusionFilePath(checkUString(L, 2));
-       return 0;
-     }},
-    {"setPart",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       std::string name = luaL_checkstring(L, 2);
-       std::size_t len = 0;
-       const char* text = luaL_checklstring(L, 3, &len);
-       if (name.empty() || name[0] != '/') luaL_error(L, "part names begin with '/': %s", name.c_str());
-       d->parts()[name] = std::string(text, len);
-       return 0;
-     }},
-    {"setAuditorMode",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       d->setAuditorMode(lua_toboolean(L, 2));
-       return 0;
-     }},
-    {"setSuspended",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       d->setSuspended(lua_toboolean(L, 2));
-       return 0;
-     }},
-    {"compileBegin", compileEvent<1>},
-    {"compileEnd", compileEvent<35>},
-    {"workspaceChanged", compileEvent<33>},
-    {"variablesChanged", compileEvent<34>},
-    {"simulateBegin", execEvent<2>},
-    {"simulateEnd", execEvent<5>},
-    {"openEditorRaw",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       bksvString system = checkUString(L, 2);
-       return luaGuard(L, [&](lua_State*) {
-         Blockara::StudioApp::open(d)->openEditor(system);
-         return 0;
-       });
-     }},
-    {"focus",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       bksvString system = checkUString(L, 2);
-       return luaGuard(L, [&](lua_State*) {
-         Blockara::StudioApp::open(d)->focus(system);
-         return 0;
-       });
-     }},
-    {"closeEditor",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       bksvString system = checkUString(L, 2);
-       return luaGuard(L, [&](lua_State*) {
-         Blockara::StudioApp::open(d)->closeEditors(system);
-         return 0;
-       });
-     }},
+     luaFunction<[](BKRootBD* d, bksvString path) { d->setExclusionFilePath(path); }>},
+    {"setPart", luaFunction<[](lua_State* L, BKRootBD* d, std::string name, std::string_view text) {
+       if (name.empty() || name[0] != '/') {
+         luaL_error(L, "part names begin with '/': %s", name.c_str());
+       }
+       d->parts()[name] = std::string(text);
+     }>},
+    {"setAuditorMode", luaFunction<[](BKRootBD* d, bool on) { d->setAuditorMode(on); }>},
+    {"setSuspended", luaFunction<[](BKRootBD* d, bool on) { d->setSuspended(on); }>},
+    {"compileBegin", luaFunction<compileEvent<1>>},
+    {"compileEnd", luaFunction<compileEvent<35>>},
+    {"workspaceChanged", luaFunction<compileEvent<33>>},
+    {"variablesChanged", luaFunction<compileEvent<34>>},
+    {"simulateBegin", luaFunction<execEvent<2>>},
+    {"simulateEnd", luaFunction<execEvent<5>>},
+    {"openEditorRaw", luaFunction<[](BKRootBD* d, bksvString system) {
+       Blockara::StudioApp::open(d)->openEditor(system);
+     }>},
+    {"focus", luaFunction<[](BKRootBD* d, bksvString system) {
+       Blockara::StudioApp::open(d)->focus(system);
+     }>},
+    {"closeEditor", luaFunction<[](BKRootBD* d, bksvString system) {
+       Blockara::StudioApp::open(d)->closeEditors(system);
+     }>},
     {"renameDiagramRaw",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       bksvString name = checkUString(L, 2);
-       return luaGuard(L, [&](lua_State*) {
-         bkBlockDiagramSet::rename(d, name);
-         return 0;
-       });
-     }},
-    {"save",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       std::string path = luaL_checkstring(L, 2);
-       return luaGuard(L, [&](lua_State*) {
-         saveModelFile(*d, path);
-         return 0;
-       });
-     }},
-    {"close",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       return luaGuard(L, [&](lua_State*) {
-         bkBlockDiagramSet::close(d);
-         return 0;
-       });
-     }},
-    {"block",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       BKBlock* block = d->findBlock(checkUString(L, 2));
-       if (block) pushBlock(L, block);
-       else lua_pushnil(L);
-       return 1;
-     }},
-    {"signals",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       std::vector<std::string> lines = SignalLog::take(d->getHandle());
-       lua_createtable(L, static_cast<int>(lines.size()), 0);
-       for (std::size_t i = 0; i < lines.size(); ++i) {
-         lua_pushlstring(L, lines[i].data(), lines[i].size());
-         lua_seti(L, -2, static_cast<lua_Integer>(i + 1));
-       }
-       return 1;
-     }},
-    {"blocks",
-     [](lua_State* L) {
-       BKRootBD* d = checkDiagram(L);
-       std::vector<BKBlock*> blocks = d->blocksInPathOrder();
-       lua_createtable(L, static_cast<int>(blocks.size()), 0);
-       for (std::size_t i = 0; i < blocks.size(); ++i) {
-         pushBlock(L, blocks[i]);
-         lua_seti(L, -2, static_cast<lua_Integer>(i + 1));
-       }
-       return 1;
-     }},
+     luaFunction<[](BKRootBD* d, bksvString name) { bkBlockDiagramSet::rename(d, name); }>},
+    {"save", luaFunction<[](BKRootBD* d, std::string path) { saveModelFile(*d, path); }>},
+    {"close", luaFunction<[](BKRootBD* d) { bkBlockDiagramSet::close(d); }>},
+    {"block", luaFunction<[](BKRootBD* d, bksvString path) { return d->findBlock(path); }>},
+    {"signals", luaFunction<[](BKRootBD* d) { return SignalLog::take(d->getHandle()); }>},
+    {"blocks", luaFunction<[](BKRootBD* d) { return d->blocksInPathOrder(); }>},
     {nullptr, nullptr}};
 
 // d.name, then the methods (C++ ones and those the prelude adds to the same table).
@@ -306,43 +145,21 @@ int diagramIndex(lua_State* L) {
 }
 
 const luaL_Reg blockMethods[] = {
-    {"get",
-     [](lua_State* L) {
-       BKBlock* block = checkBlock(L);
-       std::string name = luaL_checkstring(L, 2);
-       return luaGuard(L, [&](lua_State*) {
-         pushBlockValue(L, block->getProperty(name));
-         return 1;
-       });
-     }},
-    {"parameters",
-     [](lua_State* L) {
-       // The dialog parameters in dialog order, each {name=, type=} with the library's type code.
-       BKBlock* block = checkBlock(L);
-       const std::vector<BKPrmDesc>& descs = block->getDialogInfo();
-       lua_createtable(L, static_cast<int>(descs.size()), 0);
-       for (std::size_t i = 0; i < descs.size(); ++i) {
-         lua_createtable(L, 0, 2);
-         lua_pushstring(L, descs[i].name.c_str());
-         lua_setfield(L, -2, "name");
-         lua_pushinteger(L, descs[i].typeCode);
-         lua_setfield(L, -2, "type");
-         lua_seti(L, -2, static_cast<lua_Integer>(i + 1));
+    {"get", luaFunction<[](BKBlock* block, std::string name) { return block->getProperty(name); }>},
+    // The dialog parameters in dialog order, each {name=, type=} with the library's type code.
+    {"parameters", luaFunction<[](BKBlock* block) {
+       std::vector<std::map<std::string, BlockValue>> out;
+       for (const BKPrmDesc& desc : block->getDialogInfo()) {
+         out.push_back({{"name", desc.name}, {"type", static_cast<double>(desc.typeCode)}});
        }
-       return 1;
-     }},
-    {"classes",
-     [](lua_State* L) {
-       BKBlock* block = checkBlock(L);
-       std::vector<std::wstring> classes = diagram::style::classesOf(block->getHandle());
-       lua_createtable(L, static_cast<int>(classes.size()), 0);
-       for (std::size_t i = 0; i < classes.size(); ++i) {
-         std::string narrow(classes[i].begin(), classes[i].end());
-         lua_pushstring(L, narrow.c_str());
-         lua_seti(L, -2, static_cast<lua_Integer>(i + 1));
-       }
-       return 1;
-     }},
+       return out;
+     }>},
+    {"classes", luaFunction<[](BKBlock* block) {
+       std::vector<std::string> names;
+       for (const std::wstring& c : diagram::style::classesOf(block->getHandle()))
+         names.emplace_back(c.begin(), c.end());
+       return names;
+     }>},
     {nullptr, nullptr}};
 
 int blockIndex(lua_State* L) {
@@ -421,6 +238,8 @@ void pushBlock(lua_State* L, BKBlock* block) {
 }
 
 BKRootBD* toDiagram(lua_State* L, int index) { return checkDiagram(L, index); }
+
+BKBlock* toBlock(lua_State* L, int index) { return checkBlock(L, index); }
 
 void installObjectTypes(lua_State* L) {
   makeType(L, kDiagramType, diagramMethods, diagramIndex, handleEquals<kDiagramTypeName>,

@@ -22,4 +22,8 @@ void pushBlock(lua_State* L, BKBlock* block);
 /// the diagram is closed.
 BKRootBD* toDiagram(lua_State* L, int index);
 
+/// The live block of the Block value at `index`; a Lua error when it is not a Block or the block
+/// no longer exists.
+BKBlock* toBlock(lua_State* L, int index);
+
 }  // namespace blockara::app

@@ -22,6 +22,7 @@
 #include "src/algorithms/stateaccessorpathviolation.h"
 #include "src/algorithms/subsystemnameviolation.h"
 #include "src/configuration/edittimecheckselector.h"
+#include "src/editcodes.h"
 #include "src/features.h"
 #include "src/hostinterface.h"
 #include "src/workerthread/asynctaskmanager.h"
@@ -36,12 +37,12 @@ AlgorithmTable::AlgorithmTable(std::wstring diagramName, bool isLibrary, bool sh
       showWarnings(showEditTimeIssues) {}
 
 void AlgorithmTable::runEvent(int code, bool hasVariants) {
-  pendingAlgorithms.push_back(std::make_shared<RemoveBlock>(diagramName, 5));
+  pendingAlgorithms.push_back(std::make_shared<RemoveBlock>(diagramName, RemoveBlock::kSeverity));
   pendingAlgorithms.push_back(std::make_shared<Setup>(diagramName));
   appendMissingVariableCheck(code, hasVariants);
   if (auditorChecksEnabled) {
     appendSelectedChecks(code);
-    if (code == 7) EditTimeAlgorithms::setInputParametersChanged(true);
+    if (code == EditTimeEvent::kConfiguration) EditTimeAlgorithms::setInputParametersChanged(true);
   }
   appendInteractiveChecks(hasVariants);
   if (eventObserver) eventObserver(code, hasVariants, pendingAlgorithms.size());
@@ -56,23 +57,22 @@ void AlgorithmTable::runEvent(int code, bool hasVariants) {
 
 void AlgorithmTable::runCheckById(const std::string& id) {
   if (id == DataStoreUsage::kCheckId) {
-    // The switches choose the groups: both, the warnings only (0) or the errors only (1).
+    // The switches choose the groups: both, the warnings only or the errors only.
     if (showErrors || showWarnings) {
-      const std::uint32_t severity = showErrors && showWarnings ? 5 : showWarnings ? 0 : 1;
+      const std::uint32_t severity = showErrors && showWarnings ? Severity::kBoth
+                                     : showWarnings             ? Severity::kWarning
+                                                                : Severity::kError;
       pendingAlgorithms.push_back(std::make_shared<DataStoreUsage>(diagramName, severity));
     }
-  } else if (featureOn(BKFEAT_BlockConstraintCheckAuthoring) && auditorChecksEnabled &&
-             isSelected(id)) {
-    // Placeholder: BlockConstraintViolation(id, diagramName, 3) is appended here once that class
-    // is in the tree.
+  } else if (featureOn(BKFEAT_BlockConstraintCheckAuthoring) && auditorChecksEnabled) {
+    const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
+    const auto it = selection.find(id);
+    if (it != selection.end() && it->second) {
+      // Placeholder: BlockConstraintViolation(id, diagramName, Severity::kAuditorWarning) is
+      // appended here once that class is in the tree.
+    }
   }
   if (!pendingAlgorithms.empty()) startPending();
-}
-
-bool AlgorithmTable::isSelected(const std::string& id) {
-  const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
-  const auto it = selection.find(id);
-  return it != selection.end() && it->second;
 }
 
 bool AlgorithmTable::interactiveChecksApply(bool hasVariants) const {
@@ -82,7 +82,7 @@ bool AlgorithmTable::interactiveChecksApply(bool hasVariants) const {
 void AlgorithmTable::appendMissingVariableCheck(int code, bool hasVariants) {
   // An added block has not been scanned yet: the missing-variable question waits for that.
   if (!featureOn(BKFEAT_BlockParamEditTimeCheckOnCanvas) || !interactiveChecksApply(hasVariants) ||
-      code == 18) {
+      code == EditTimeEvent::kBlocksAdded) {
     return;
   }
   pendingAlgorithms.push_back(
@@ -103,39 +103,36 @@ void AlgorithmTable::appendInteractiveChecks(bool hasVariants) {
   }
 }
 
+template <typename Check>
+void AlgorithmTable::appendIfSelected(const std::map<std::string, bool>& selection) {
+  const auto it = selection.find(Check::kCheckId);
+  if (it != selection.end() && it->second) {
+    pendingAlgorithms.push_back(std::make_shared<Check>(diagramName, Check::kSeverity));
+  }
+}
+
 void AlgorithmTable::appendSelectedChecks(int /*code*/) {
-  // One copy of the selection per table; a check is on when its ID maps to true.
-  const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
-  const auto selected = [&selection](const char* id) {
-    const auto it = selection.find(id);
-    return it != selection.end() && it->second;
-  };
-  const auto append = [this, &selected](const char* id, auto make) {
-    if (selected(id)) pendingAlgorithms.push_back(make());
-  };
-  // The constraint checks come first once their class is in the table; their IDs are kept in
+  // One copy of the selection per table; a check is on when its ID maps to true. The constraint
+  // checks come first once their class is in the table; their IDs are kept in
   // constraintCheckIds by the configuration load.
-  const std::wstring& name = diagramName;
-  append("orvanta.kabe.kb_0401", [&] { return std::make_shared<BlockNamePosition>(name, 3); });
-  append("orvanta.kabe.kb_0407", [&] { return std::make_shared<ProhibitedBlocks>(name, 3); });
-  append("orvanta.kabe.kb_0408", [&] { return std::make_shared<ProhibitedSinks>(name, 3); });
-  append("orvanta.kabe.kb_0402", [&] { return std::make_shared<BlockNameViolation>(name, 3); });
-  append("orvanta.kabe.kb_0405", [&] { return std::make_shared<PortNameViolation>(name, 3); });
-  append("orvanta.kabe.kb_0404", [&] { return std::make_shared<PortBlockIconDisplay>(name, 3); });
-  append("orvanta.kabe.kb_0403", [&] { return std::make_shared<BlockOrientation>(name, 3); });
-  append("orvanta.kabe.kb_0406", [&] { return std::make_shared<SubsystemNameViolation>(name, 3); });
+  const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
+  appendIfSelected<BlockNamePosition>(selection);
+  appendIfSelected<ProhibitedBlocks>(selection);
+  appendIfSelected<ProhibitedSinks>(selection);
+  appendIfSelected<BlockNameViolation>(selection);
+  appendIfSelected<PortNameViolation>(selection);
+  appendIfSelected<PortBlockIconDisplay>(selection);
+  appendIfSelected<BlockOrientation>(selection);
+  appendIfSelected<SubsystemNameViolation>(selection);
   // These four run a second time in every table. Nothing depends on it but the work done: the
   // second run repeats the first one's adds and removes.
-  append("orvanta.kabe.kb_0404", [&] { return std::make_shared<PortBlockIconDisplay>(name, 3); });
-  append("orvanta.kabe.kb_0405", [&] { return std::make_shared<PortNameViolation>(name, 3); });
-  append("orvanta.kabe.kb_0403", [&] { return std::make_shared<BlockOrientation>(name, 3); });
-  append("orvanta.kabe.kb_0406", [&] { return std::make_shared<SubsystemNameViolation>(name, 3); });
-  append("orvanta.codegen.PCGSupport",
-         [&] { return std::make_shared<ProductionCodeGenSupport>(name, 3); });
-  append("orvanta.codegen.BlockNames",
-         [&] { return std::make_shared<CodegenBlockNameViolation>(name, 3); });
-  append("orvanta.bkci.UnsupportedBlocks",
-         [&] { return std::make_shared<BKCIUnsupportedBlocks>(name, 3); });
+  appendIfSelected<PortBlockIconDisplay>(selection);
+  appendIfSelected<PortNameViolation>(selection);
+  appendIfSelected<BlockOrientation>(selection);
+  appendIfSelected<SubsystemNameViolation>(selection);
+  appendIfSelected<ProductionCodeGenSupport>(selection);
+  appendIfSelected<CodegenBlockNameViolation>(selection);
+  appendIfSelected<BKCIUnsupportedBlocks>(selection);
 }
 
 void AlgorithmTable::startPending() {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -52,11 +53,13 @@ class AlgorithmTable {
   std::vector<std::string> constraintCheckIds;
 
  private:
-  static bool isSelected(const std::string& id);
   bool interactiveChecksApply(bool hasVariants) const;
   void appendMissingVariableCheck(int code, bool hasVariants);
   void appendSelectedChecks(int code);
   void appendInteractiveChecks(bool hasVariants);
+  // Appends a `Check` of the diagram when `selection` maps its ID to true.
+  template <typename Check>
+  void appendIfSelected(const std::map<std::string, bool>& selection);
   void startPending();
 
   EventObserver eventObserver;

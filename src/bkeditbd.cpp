@@ -4,7 +4,10 @@
 #include <unordered_set>
 #include <vector>
 
+#include "host/model/bkgraph.h"
+#include "src/editcodes.h"
 #include "src/features.h"
+#include "src/violationdatabase.h"
 
 namespace bkedittimecheck {
 
@@ -20,23 +23,128 @@ void keepWanted(const std::vector<bkGraph*>& wanted, std::vector<bkGraph*>& done
   std::erase_if(done, [&](bkGraph* g) { return keep.count(g) == 0; });
 }
 
+// The first wanted graph not in `done`, or null when all are.
+bkGraph* nextUnscanned(const std::vector<bkGraph*>& wanted, const std::vector<bkGraph*>& done) {
+  // Linear in the lists, so that a diagram with thousands of graphs on view stays cheap a slice.
+  const std::unordered_set<const bkGraph*> seen(done.begin(), done.end());
+  for (bkGraph* graph : wanted) {
+    if (seen.count(graph) == 0) return graph;
+  }
+  return nullptr;
+}
+
+bool isEventListenerBlock(const BKBlock* block) {
+  return block->getTypeCode() == BlockKind::kEventListener || typeNameOf(block) == "EventListener";
+}
+
+bool contains(const std::wstring& text, const std::wstring& part) {
+  return text.find(part) != std::wstring::npos;  // an empty part is contained
+}
+
+std::wstring pathOf(const BKBlock* block) { return toWide(block->getFullPath(false)); }
+
 }  // namespace
 
 bkEditBD::bkEditBD(std::wstring name, bool auditorMode)
     : name(std::move(name)), auditorMode(auditorMode) {}
 
+// ---- main thread: the blocks of host batches
+
+BlockNoted bkEditBD::noteChangedBlock(BKBlock* block, int kind) {
+  BlockNoted noted;
+  const int code = block->getTypeCode();
+  if (isEventListenerBlock(block)) noteEventListener(block);
+  if (code == BlockKind::kSubSystem) {
+    if (isVariantSubsystem(block)) {
+      variantSubsystemCount += 1;
+      noted.variantSubsystem = true;
+    }
+    noteSubsystemRename(block);
+  }
+  if (hasStateAccessBlocks && BlockKind::isStateOwner(code)) {
+    stateRWOwnerPathChanges.push(StateRWOwnerPathChange{block->getBlockId(), pathOf(block), true});
+  }
+  if (block->isCommented()) {
+    noted.commented = true;
+    return noted;
+  }
+  if (BlockKind::isStateAccessor(code)) hasStateAccessBlocks = true;
+  noteBlock(block, kind);
+  return noted;
+}
+
+BlockNoted bkEditBD::noteDeletedBlock(double handle, BKBlock* block) {
+  BlockNoted noted;
+  if (!block) {
+    handleToSubsystem.erase(handle);
+    deletedHandles.push(handle);
+    noted.deleted = true;
+    return noted;
+  }
+  // The block survives as an undo object: its facts are still there to be withdrawn.
+  const int code = block->getTypeCode();
+  if (typeNameOf(block) == "EventListener") dropEventListener(handle);
+  if (BlockKind::isStateOwner(code) && hasStateAccessBlocks) {
+    stateRWOwnerPathChanges.push(StateRWOwnerPathChange{block->getBlockId(), pathOf(block), false});
+  } else if (code == BlockKind::kEventListener) {
+    dropEventListener(handle);
+  } else if (code == BlockKind::kSubSystem) {
+    if (isVariantSubsystem(block)) {
+      // A delete whose block is already gone never decrements: the count stays up until the
+      // engine is replaced.
+      variantSubsystemCount -= 1;
+      noted.variantSubsystem = true;
+    }
+    handleToSubsystem.erase(handle);
+  }
+  if (block->isCommented()) {
+    noted.commented = true;
+  } else {
+    deletedHandles.push(handle);
+    noted.deleted = true;
+  }
+  return noted;
+}
+
+BlockNoted bkEditBD::noteRenamedBlock(BKBlock* block) {
+  BlockNoted noted;
+  if (isEventListenerBlock(block)) compactSubsysProperties();
+  if (block->getTypeCode() == BlockKind::kSubSystem) {
+    noteSubsystemRename(block);
+    noted.variantSubsystem = isVariantSubsystem(block);
+  }
+  if (block->isCommented()) {
+    noted.commented = true;
+  } else {
+    noteBlock(block, EditTimeEvent::kNone);
+  }
+  return noted;
+}
+
+bool bkEditBD::noteCommentChange(BKBlock* block) {
+  const int code = block->getTypeCode();
+  if (!block->isCommented()) {
+    if (code == BlockKind::kSubSystem) noteCommentedSubsystem(block, false);
+  } else if (code == BlockKind::kSubSystem) {
+    noteCommentedSubsystem(block, true);
+  } else if (!BlockKind::isDataStoreOrRouting(code)) {
+    return false;
+  }
+  noteBlock(block, EditTimeEvent::kNone);
+  return true;
+}
+
 bool bkEditBD::isRoutingBlock(BKBlock* block) {
   const int code = block->getTypeCode();
-  if (code == 123 || code == 125) hasStateAccessBlocks = true;
-  if (code == 51 || code == 56 || code == 57) {
+  if (BlockKind::isStateAccessor(code)) hasStateAccessBlocks = true;
+  if (BlockKind::isGotoFrom(code)) {
     routingBlockCount += 1;
     if (routingBlockCount > kRoutingBlockLimit) {
       tooManyRoutingBlocks = true;
       return false;
     }
   }
-  const bool routingCode =
-      code == 51 || code == 56 || code == 57 || code == 22 || code == 123 || code == 125;
+  const bool routingCode = BlockKind::isKeptAcrossPasses(code);
   if (routingCode && graphOwnerIsNotChart(block)) return true;
   if (featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) {
     if (isBlockaraStatePort(block)) return true;
@@ -51,7 +159,7 @@ bool bkEditBD::noteBlock(BKBlock* block, int kind) {
     return true;
   }
   // An added block that nothing else needs waits for its graph to be scanned.
-  if (kind == 18) return false;
+  if (kind == EditTimeEvent::kBlocksAdded) return false;
   if (!featureOn(BKFEAT_BlockParamEditTimeCheckOnCanvas) && !auditorMode) return false;
   bkGraph* graph = block->getGraph();
   bool onView = false;
@@ -71,13 +179,13 @@ bool bkEditBD::noteBlock(BKBlock* block, int kind) {
 
 std::int32_t bkEditBD::maskKindOf(BKBlock* block) {
   const BKMask* mask = block->getMask();
-  if (!mask) return 1;
-  if (!mask->initialization.empty()) return 4;
-  return mask->parameterCount > 0 ? 2 : 3;
+  if (!mask) return MaskKind::kNone;
+  if (!mask->initialization.empty()) return MaskKind::kWithInitialization;
+  return mask->parameterCount > 0 ? MaskKind::kWithParameters : MaskKind::kWithoutParameters;
 }
 
 void bkEditBD::noteSubsystemRename(BKBlock* block) {
-  const std::wstring path = toWide(block->getFullPath(false));
+  const std::wstring path = pathOf(block);
   if (auditorMode) maskedBlocks.push(MaskedBlock{path, maskKindOf(block)});
   const double handle = block->getHandle();
   auto it = handleToSubsystem.find(handle);
@@ -87,6 +195,20 @@ void bkEditBD::noteSubsystemRename(BKBlock* block) {
   }
   subsysNameChanges.push(SubsysNameChange{it->second, path});
   it->second = path;
+}
+
+void bkEditBD::noteEventListener(BKBlock* block) {
+  subsysProperties.push(SubsysProperties{pathOf(block), block->getHandle(),
+                                         block->getTypeCode() == BlockKind::kEventListener});
+}
+
+void bkEditBD::noteCommentedSubsystem(BKBlock* block, bool isAdded) {
+  blkProperties.push(Blkproperties{L"", pathOf(block) + L"/", block->getHandle(), isAdded});
+}
+
+void bkEditBD::dropEventListener(double handle) {
+  dropSubsysProperties(handle);
+  compactSubsysProperties();
 }
 
 void bkEditBD::dropSubsysProperties(double handle) {
@@ -104,18 +226,254 @@ void bkEditBD::compactSubsysProperties() {
   SubsysProperties record;
   while (subsysProperties.try_pop(record)) {
     BKBlock* block = handle2Block(record.handle);
-    if (block && (block->getTypeCode() == 62 || typeNameOf(block) == "EventListener")) {
-      kept.push_back(std::move(record));
-    }
+    if (block && isEventListenerBlock(block)) kept.push_back(std::move(record));
   }
   for (auto& r : kept) subsysProperties.push(std::move(r));
 }
+
+void bkEditBD::requeueMasks() {
+  for (const auto& [handle, path] : handleToSubsystem) {
+    if (BKBlock* block = handle2Block(handle))
+      maskedBlocks.push(MaskedBlock{path, maskKindOf(block)});
+  }
+}
+
+// ---- main thread: the scans
 
 void bkEditBD::setWantedGraphs(const std::vector<bkGraph*>& graphs) {
   auditorGraphs = graphs;
   keepWanted(auditorGraphs, auditorGraphsDone);
   visibleGraphs = graphs;
   keepWanted(visibleGraphs, visibleGraphsDone);
+}
+
+void bkEditBD::scanDiagramOnce(bkGraph* root) {
+  if (initialScanDone) return;
+  GraphicalBlockIterator walk(root);
+  while (BKBlock* block = walk.advance()) {
+    const int code = block->getTypeCode();
+    if (isVariantSubsystem(block)) variantSubsystemCount += 1;
+    if (code == BlockKind::kSubSystem) noteSubsystemRename(block);
+    if (!block->isCommented()) {
+      if (isRoutingBlock(block)) {
+        changedBlocks.push(std::make_shared<bkEditBlock>(block, auditorMode));
+      }
+      if (isEventListenerBlock(block)) noteEventListener(block);
+    } else if (code == BlockKind::kSubSystem) {
+      noteCommentedSubsystem(block, true);
+    }
+  }
+  initialScanDone = true;
+}
+
+bool bkEditBD::hasAuditorGraphsToScan() const {
+  return auditorGraphs.size() != auditorGraphsDone.size() && auditorMode;
+}
+
+bool bkEditBD::hasVisibleGraphsToScan() const {
+  return visibleGraphs.size() != visibleGraphsDone.size();
+}
+
+bool bkEditBD::isOwnerTaken(const bkGraph* graph, std::set<std::wstring>& pathsDone) {
+  const BKBlock* owner = graph->getOwner();
+  if (!owner) {
+    pathsDone.insert(name);
+    return false;
+  }
+  if (owner->IsChartelleBased()) return true;
+  return !pathsDone.insert(pathOf(owner)).second;
+}
+
+void bkEditBD::scanNextAuditorGraph() {
+  bkGraph* graph = nextUnscanned(auditorGraphs, auditorGraphsDone);
+  if (!graph) return;
+  auditorGraphsDone.push_back(graph);
+  if (!isUsableGraph(graph) || isOwnerTaken(graph, auditorPathsDone)) return;
+  for (BKBlock* block : bkgg::graphicalBlocksOf(graph, 1)) {
+    const int code = block->getTypeCode();
+    if (code == BlockKind::kSubSystem) noteSubsystemRename(block);
+    if (!block->isCommented()) {
+      if (isEventListenerBlock(block)) noteEventListener(block);
+      noteBlock(block, EditTimeEvent::kNone);
+    } else if (code == BlockKind::kSubSystem) {
+      noteCommentedSubsystem(block, true);
+    }
+  }
+}
+
+void bkEditBD::scanNextVisibleGraph() {
+  bkGraph* graph = nextUnscanned(visibleGraphs, visibleGraphsDone);
+  if (!graph) return;
+  visibleGraphsDone.push_back(graph);
+  if (!isUsableGraph(graph) || isOwnerTaken(graph, visiblePathsDone)) return;
+  // A graph on view gets every block checked; the snapshot carries the comment state.
+  for (BKBlock* block : bkgg::graphicalBlocksOf(graph, 1)) {
+    changedBlocks.push(std::make_shared<bkEditBlock>(block, auditorMode));
+  }
+}
+
+void bkEditBD::restartVisibleScan() {
+  visibleGraphsDone.clear();
+  visiblePathsDone.clear();
+  scanNextVisibleGraph();
+}
+
+void bkEditBD::restartAuditorScan(bool auditorModeNow) {
+  forgetAuditorScan();
+  auditorMode = auditorModeNow;
+  scanNextAuditorGraph();
+}
+
+void bkEditBD::forgetAuditorScan() {
+  auditorGraphsDone.clear();
+  auditorPathsDone.clear();
+}
+
+// ---- worker: folding the queues into the block map and the other worker-side maps. Only the
+// worker runs any of this, first in its pass, so nothing else writes the maps meanwhile.
+
+bool bkEditBD::isOutsideScope(const bkEditBlock& block, std::int32_t skipLinkedBlocks,
+                              std::int32_t lookUnderMasks) const {
+  if (lookUnderMasks != LookUnderMasks::kAll) {
+    const std::wstring& path = block.getFullPath();
+    for (const auto& [maskPath, kind] : maskKinds) {
+      // Under the entry: the entry occurs, differs, and a separator follows its length.
+      const bool under = contains(path, maskPath) && path != maskPath &&
+                         path.size() > maskPath.size() && path[maskPath.size()] == L'/';
+      if (!under) continue;
+      if (lookUnderMasks == LookUnderMasks::kNone && kind != MaskKind::kNone) return true;
+      if (lookUnderMasks == LookUnderMasks::kGraphical &&
+          (kind == MaskKind::kWithoutParameters || kind == MaskKind::kWithInitialization))
+        return true;
+      if (lookUnderMasks == LookUnderMasks::kFunctional && kind == MaskKind::kWithInitialization)
+        return true;
+    }
+  }
+  return skipLinkedBlocks == 1 && block.getIsLinked();
+}
+
+void bkEditBD::processDeletions(ViolationDatabase* violations) {
+  if (!violations) return;  // the queue stays as it is
+  double handle = 0;
+  while (deletedHandles.try_pop(handle)) {
+    blocks.erase(handle);
+    violations->removeAll(handle);
+  }
+}
+
+void bkEditBD::processChanges(ViolationDatabase* violations) {
+  Blkproperties properties;
+  while (blkProperties.try_pop(properties)) {
+    auto entry = subsysMap.find(properties.handle);
+    if (properties.isAdded) {
+      if (entry == subsysMap.end()) {
+        subsysMap.emplace(properties.handle, properties);
+        if (violations) syncCommentedSubsystems(*violations, false);
+      } else if (entry->second.pathWithSlash != properties.pathWithSlash) {
+        entry->second.oldPath = entry->second.pathWithSlash;
+        entry->second.pathWithSlash = properties.pathWithSlash;
+        if (violations) syncCommentedSubsystems(*violations, true);
+      }
+      continue;
+    }
+    bool stillCovered = false;
+    for (const auto& [handle, other] : subsysMap) {
+      if (handle == properties.handle) continue;
+      if (other.pathWithSlash.empty() || contains(properties.pathWithSlash, other.pathWithSlash)) {
+        stillCovered = true;
+      }
+    }
+    if (entry == subsysMap.end()) continue;
+    if (stillCovered) {
+      subsysMap.erase(entry);  // its blocks stay commented under the covering subsystem
+    } else {
+      entry->second.isAdded = false;
+      if (violations) syncCommentedSubsystems(*violations, false);
+    }
+  }
+
+  SubsysNameChange nameChange;
+  while (subsysNameChanges.try_pop(nameChange))
+    renameBlocks(nameChange.oldPath, nameChange.newPath);
+
+  MaskedBlock masked;
+  while (maskedBlocks.try_pop(masked)) {
+    if (contains(masked.path, name)) maskKinds[masked.path] = masked.maskKind;
+  }
+
+  StateRWOwnerPathChange ownerChange;
+  while (stateRWOwnerPathChanges.try_pop(ownerChange)) {
+    for (auto& [handle, block] : blocks) {
+      if (!BlockKind::isStateAccessor(block->getBlockKind()) || !block->getDefaultEditBlock())
+        continue;
+      if (block->getDefaultEditBlock()->ownerBlockId != ownerChange.blockId) continue;
+      block->getDefaultEditBlock()->stringParam0 =
+          ownerChange.isAdded ? toNarrow(ownerChange.path) : "NoOwner";
+    }
+  }
+
+  std::shared_ptr<bkEditBlock> changed;
+  while (changedBlocks.try_pop(changed)) {
+    if (!changed) continue;
+    for (const auto& [handle, subsystem] : subsysMap) {
+      if (contains(changed->getFullPath(), subsystem.pathWithSlash)) {
+        changed->setIsCommented(true);
+        break;
+      }
+    }
+    if (changed->getIsLinked()) {
+      // A link that the host recreated under a new handle replaces its forerunner by path.
+      for (auto it = blocks.begin(); it != blocks.end(); ++it) {
+        if (it->second->getFullPath() == changed->getFullPath()) {
+          blocks.erase(it);
+          break;
+        }
+      }
+    } else {
+      blocks.erase(changed->getBlockHandle());
+    }
+    blocks[changed->getBlockHandle()] = changed;
+  }
+}
+
+void bkEditBD::renameBlocks(const std::wstring& oldPath, const std::wstring& newPath) {
+  if (oldPath == newPath) return;
+  for (auto& [handle, block] : blocks) {
+    // The replacement counts from index 0, not from where the match lay, on purpose.
+    if (!contains(block->getFullPath(), oldPath)) continue;
+    std::wstring path = block->getFullPath();
+    block->setFullPath(path.replace(0, oldPath.size(), newPath));
+  }
+}
+
+void bkEditBD::syncCommentedSubsystems(ViolationDatabase& violations, bool renamed) {
+  if (subsysMap.empty()) return;
+  for (auto it = subsysMap.begin(); it != subsysMap.end();) {
+    const Blkproperties& entry = it->second;
+    if (renamed) {
+      violations.markCommentedUnder(entry.oldPath, entry.isAdded);
+      violations.renamePaths(entry.oldPath, entry.pathWithSlash);
+    } else {
+      violations.markCommentedUnder(entry.pathWithSlash, entry.isAdded);
+      for (auto& [handle, block] : blocks) {
+        if (contains(block->getFullPath(), entry.pathWithSlash))
+          block->setIsCommented(entry.isAdded);
+      }
+    }
+    it = entry.isAdded ? std::next(it) : subsysMap.erase(it);
+  }
+}
+
+void bkEditBD::pruneAfterPass() {
+  for (auto it = blocks.begin(); it != blocks.end();) {
+    // Cross-block checks need these between passes; everything else lives for one pass.
+    if (BlockKind::isKeptAcrossPasses(it->second->getBlockKind()) || it->second->hasChartData()) {
+      it->second->dropRaEditBlock();
+      ++it;
+    } else {
+      it = blocks.erase(it);
+    }
+  }
 }
 
 }  // namespace bkedittimecheck

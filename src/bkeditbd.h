@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tbb/concurrent_queue.h>
+
 #include <atomic>
 #include <cstdint>
 #include <map>
@@ -9,30 +11,38 @@
 #include <utility>
 #include <vector>
 
-#include <tbb/concurrent_queue.h>
-
-#include "src/queueallocator.h"
-
 #include "src/constraints/bkeditblock.h"
 #include "src/constraints/parametervalue.h"
 #include "src/editbdrecords.h"
 #include "src/hostinterface.h"
+#include "src/queueallocator.h"
 
 namespace bkedittimecheck {
 
 class BlockParameterConstraint;
+class ViolationDatabase;
 
 /// A lock-free queue filled on the main thread and drained on the worker.
 template <typename T>
 using EditQueue = tbb::concurrent_queue<T, QueueAllocator<T>>;
 
+/// What the engine must still do on its side (styling, the comment path) after `bkEditBD` took
+/// a block of a host batch into its queues.
+struct BlockNoted {
+  bool variantSubsystem = false;  ///< a variant subsystem came or went: clear errors and warnings
+  bool commented = false;         ///< the block is commented: take the comment path
+  bool deleted = false;           ///< the block's handle went on the deleted queue
+};
+
 /// The exchange record of one diagram between the main thread and the worker: seven queues that
 /// the main thread fills from host events, and the worker-side state that the internal checks
-/// fold them into.
+/// fold them into. It alone decides what an added, changed, deleted, renamed or (un)commented
+/// block means for the queues, and which snapshots outlive a pass.
 ///
 /// Thread contract: the queues may be pushed on the main thread and popped on the worker at the
-/// same time. Fields marked "worker" are written by the worker alone and have no lock; fields
-/// marked "main" belong to the main thread. Every host call runs on the main thread.
+/// same time. Operations marked "Worker" touch only the worker-side fields, which have no lock
+/// since the worker alone writes them; operations marked "Main thread" touch only the main-side
+/// fields. Every host call runs on the main thread.
 class bkEditBD {
  public:
   /// Main thread. `auditorMode` is the diagram's rule-auditor bit at construction.
@@ -40,9 +50,24 @@ class bkEditBD {
   bkEditBD(const bkEditBD&) = delete;
   bkEditBD& operator=(const bkEditBD&) = delete;
 
+  // ---- main thread: the blocks of host batches
+
+  /// Main thread. An added (`EditTimeEvent::kBlocksAdded`) or changed block: records event
+  /// listeners, subsystems and state owners, then snapshots it unless it is commented.
+  BlockNoted noteChangedBlock(BKBlock* block, int kind);
+  /// Main thread. A deleted block: `block` is null once the host dropped it, else the undo
+  /// object whose facts are withdrawn. Pushes the handle unless the block is commented.
+  BlockNoted noteDeletedBlock(double handle, BKBlock* block);
+  /// Main thread. A renamed or moved block.
+  BlockNoted noteRenamedBlock(BKBlock* block);
+  /// Main thread. A block whose comment status changed: records a subsystem that leaves or
+  /// enters the commented set and snapshots the block. False when nothing concerns the checks
+  /// (a commented block of another kind), and then nothing was queued.
+  bool noteCommentChange(BKBlock* block);
+
   /// Main thread. Snapshots `block` onto `changedBlocks` when it matters: routing blocks always
-  /// (up to the 1000th), others only when their graph is on view and not for kind 18. Returns
-  /// true when a snapshot was pushed. Host exceptions pass to the caller.
+  /// (up to the 1000th), others only when their graph is on view and not for blocks just added.
+  /// Returns true when a snapshot was pushed. Host exceptions pass to the caller.
   bool noteBlock(BKBlock* block, int kind);
 
   /// Main thread. True for the blocks that cross-block checks need whatever is on view; counts
@@ -52,18 +77,32 @@ class bkEditBD {
   /// Main thread. Records a subsystem's mask kind (rule-auditor mode) and its path change.
   void noteSubsystemRename(BKBlock* block);
 
-  /// Main thread. Drops the event listener record of `block` from `subsysProperties`.
+  /// Main thread. Drops the event listener record of `handle` from `subsysProperties`.
   void dropSubsysProperties(double handle);
-
   /// Main thread. Keeps only the event listener records whose handle still resolves to one.
   void compactSubsysProperties();
+
+  /// Main thread. Queues the mask kind of every known subsystem again.
+  void requeueMasks();
+
+  /// Main thread sets, any thread reads: the diagram's "UniqueDataStoreMsg" level (0 none,
+  /// 1 warning, 2 error). A plain atomic value: a stale read only defers the data store check's
+  /// answer to its next run.
+  void setUniqueDataStoreMsg(std::int32_t level) { uniqueDataStoreMsg.store(level); }
+  std::int32_t getUniqueDataStoreMsg() const { return uniqueDataStoreMsg.load(); }
+
+  /// Main thread. True while variant subsystems are known to be in the diagram.
+  bool hasVariants() const { return variantSubsystemCount != 0; }
+
+  // ---- main thread: the scans
 
   /// Main thread. Replaces both wanted lists of graphs; each done list keeps only wanted graphs.
   void setWantedGraphs(const std::vector<bkGraph*>& graphs);
 
-  /// Main thread. Snapshots `block` onto `changedBlocks` only when it is a routing block (the
-  /// whole-diagram walk). Returns true when a snapshot was pushed.
-  bool noteRoutingBlock(BKBlock* block);
+  /// Main thread. The one walk of the whole diagram from `root`: counts variant subsystems,
+  /// records subsystems, event listeners and commented subsystems, and snapshots routing blocks.
+  /// Does nothing once it ran.
+  void scanDiagramOnce(bkGraph* root);
 
   /// Main thread. True while the rule-auditor scan has graphs left: the wanted and done lists
   /// differ in length and `auditorMode` is set. Only lengths count.
@@ -80,36 +119,24 @@ class bkEditBD {
   /// included, is snapshotted onto `changedBlocks`.
   void scanNextVisibleGraph();
 
+  /// Main thread. Forgets what the interactive scan visited and scans its first graph again.
+  void restartVisibleScan();
+  /// Main thread. Takes `auditorMode` afresh, forgets what the rule-auditor scan visited and
+  /// scans its first graph again.
+  void restartAuditorScan(bool auditorModeNow);
+  /// Main thread. Forgets what the rule-auditor scan visited, scanning nothing.
+  void forgetAuditorScan();
+
   /// Main thread. Mask kind of a subsystem block: 1 none, 4 initialization set, else 2 or 3.
   static std::int32_t maskKindOf(BKBlock* block);
 
-  /// Worker. True when a check with these scope parameters must pass `block` by: a linked block
-  /// when `skipLinkedBlocks` is 1, or a block under a mask that `lookUnderMasks` (1 to 3) excludes.
-  bool isOutsideScope(const bkEditBlock& block, std::int32_t skipLinkedBlocks,
-                      std::int32_t lookUnderMasks) const;
-
-  /// Worker. Pops `deletedHandles`, dropping each block and its records. Without a store for this
-  /// diagram the queue is left as it is.
-  void processDeletions();
-
-  /// Worker. Folds the subsystem, rename, mask, state owner and snapshot queues into the
-  /// worker-side maps, in that order.
-  void processChanges();
-
-  /// Worker. Rewrites the paths of the blocks that lie under `oldPath`.
-  void renameBlocks(const std::wstring& oldPath, const std::wstring& newPath);
-
-  /// Worker. Carries the commented state of the subsystems in `subsysMap` into the store and the
-  /// block map; `renamed` moves paths instead. Drops entries that are no longer commented.
-  void syncCommentedSubsystems(bool renamed);
-
-  // ---- identity (set at construction)
-  const std::wstring name;
-
   // ---- worker
-  std::map<double, std::shared_ptr<bkEditBlock>> blocks;
-  std::map<std::wstring, std::int32_t> maskKinds;
-  std::map<double, Blkproperties> subsysMap;
+
+  /// Worker. The snapshots of the current pass and the blocks kept across passes, by handle.
+  const std::map<double, std::shared_ptr<bkEditBlock>>& blockMap() const { return blocks; }
+
+  /// Any thread. True from the 1001st Goto/From block on, for the life of this record.
+  bool hasTooManyRoutingBlocks() const { return tooManyRoutingBlocks.load(); }
 
   /// Worker. True when the queue `subsysProperties` holds an event listener record whose
   /// parent path is `path` (narrow): that system iterates. Pops the queue up to the first such
@@ -117,8 +144,46 @@ class bkEditBD {
   /// meanwhile.
   bool isIteratorSystem(const std::string& path);
 
-  // ---- main writes, worker reads: the diagram's "UniqueDataStoreMsg" level (0 none,
-  // 1 warning, 2 error), copied at construction and again by "updateDiagnostic"
+  /// Worker. True when a check with these scope parameters must pass `block` by: a linked block
+  /// when `skipLinkedBlocks` is 1, or a block under a mask that `lookUnderMasks` (1 to 3) excludes.
+  bool isOutsideScope(const bkEditBlock& block, std::int32_t skipLinkedBlocks,
+                      std::int32_t lookUnderMasks) const;
+
+  /// Worker. Pops `deletedHandles`, dropping each block and its records from `violations`.
+  /// Without a store the queue is left as it is.
+  void processDeletions(ViolationDatabase* violations);
+
+  /// Worker. Folds the subsystem, rename, mask, state owner and snapshot queues into the
+  /// worker-side maps, in that order; comment changes of subsystems reach `violations`.
+  void processChanges(ViolationDatabase* violations);
+
+  /// Worker. After the last check of a pass: keeps only the blocks that cross-block checks
+  /// read on every run, without their rule-auditor part.
+  void pruneAfterPass();
+
+  const std::wstring name;
+
+ private:
+  friend struct bkEditBDProbe;  // white-box access for the engine's tests
+
+  // True when the owner of `graph` was walked already in this scan (recorded in `pathsDone`)
+  // or is a chart, whose inside is never walked.
+  bool isOwnerTaken(const bkGraph* graph, std::set<std::wstring>& pathsDone);
+  // Records an event listener block.
+  void noteEventListener(BKBlock* block);
+  // Pushes a commented subsystem entering (`isAdded`) or leaving the commented set.
+  void noteCommentedSubsystem(BKBlock* block, bool isAdded);
+  // Both drain steps for an event listener that left.
+  void dropEventListener(double handle);
+  void renameBlocks(const std::wstring& oldPath, const std::wstring& newPath);
+  void syncCommentedSubsystems(ViolationDatabase& violations, bool renamed);
+
+  // ---- worker
+  std::map<double, std::shared_ptr<bkEditBlock>> blocks;
+  std::map<std::wstring, std::int32_t> maskKinds;
+  std::map<double, Blkproperties> subsysMap;
+
+  // ---- main writes, worker reads (copied at construction and by the setting's refresh)
   std::atomic<std::int32_t> uniqueDataStoreMsg{0};
   std::map<std::string, ParameterValue> modelParameterData;
 
@@ -147,11 +212,6 @@ class bkEditBD {
   bool hasStateAccessBlocks = false;
   std::map<std::string, std::vector<std::shared_ptr<BlockParameterConstraint>>>
       parameterDataByBlockType;
-
- private:
-  // True when the owner of `graph` was walked already in this scan (recorded in `pathsDone`)
-  // or is a chart, whose inside is never walked.
-  bool isOwnerTaken(const bkGraph* graph, std::set<std::wstring>& pathsDone);
 };
 
 /// Any thread. Narrow paths as the state accessor check reads them. True for a path without

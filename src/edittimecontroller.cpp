@@ -4,10 +4,12 @@
 #include <functional>
 #include <iostream>
 
-#include "host/signals/pluginchangereport.h"
 #include "host/runtime/eventloop.h"
+#include "host/signals/pluginchangereport.h"
 #include "src/bkeditbd.h"
+#include "src/editcodes.h"
 #include "src/edittimeengine.h"
+#include "src/features.h"
 #include "src/hostinterface.h"
 #include "src/profiler.h"
 #include "src/violationdatabase.h"
@@ -20,8 +22,20 @@ namespace {
 // The controller lives for the whole session; it is made on the main thread at first use.
 EditTimeController* theController = nullptr;
 
-// The event codes that may bring an engine into being: 1, 7, 10 and 15.
-constexpr unsigned kCreatingCodes = 0x8482;
+// The event codes that may bring an engine into being.
+bool createsEngine(int code) {
+  return code == EditTimeEvent::kChecksOn || code == EditTimeEvent::kConfiguration ||
+         code == EditTimeEvent::kErrorsOn || code == EditTimeEvent::kAllOn;
+}
+
+// The common form of the switches: an open, unsuspended diagram, and its engine when the code
+// may create one or one exists.
+template <typename Fn>
+void withSwitchEngine(EditTimeController& c, const std::wstring& name, int code, Fn fn) {
+  BKRootBD* diagram = diagramByName(name);
+  if (!diagram || isSuspended(diagram)) return;
+  if (auto engine = c.getOrCreateEngine(diagram, code)) fn(*engine);
+}
 
 }  // namespace
 
@@ -34,10 +48,8 @@ EditTimeController::~EditTimeController() = default;
 
 std::shared_ptr<EditTimeEngine> EditTimeController::findEngine(const std::wstring& name) const {
   std::lock_guard<std::mutex> lock(enginesMutex);
-  for (const auto& [key, engine] : engines) {
-    if (toWide(key) == name) return engine;
-  }
-  return nullptr;
+  const auto it = engines.find(name);
+  return it == engines.end() ? nullptr : it->second;
 }
 
 std::shared_ptr<bkEditBD> EditTimeController::findEditBD(const std::wstring& name) const {
@@ -51,14 +63,13 @@ std::shared_ptr<ViolationDatabase> EditTimeController::findViolationDatabase(
   return engine ? engine->getViolations() : nullptr;
 }
 
-std::shared_ptr<EditTimeEngine> EditTimeController::getOrCreateEngine(BKRootBD* diagram,
-                                                                      int code) {
+std::shared_ptr<EditTimeEngine> EditTimeController::getOrCreateEngine(BKRootBD* diagram, int code) {
   if (!diagram) return nullptr;
-  const bksvString key = toBksv(diagramNameOf(diagram));
+  const std::wstring key = diagramNameOf(diagram);
   // The main thread is the only writer of `engines`, so it may read without the lock.
   auto it = engines.lower_bound(key);
   if (it != engines.end() && it->first == key) return it->second;
-  if (code < 0 || code >= 16 || ((kCreatingCodes >> code) & 1u) == 0) return nullptr;
+  if (!createsEngine(code)) return nullptr;
   auto engine = std::make_shared<EditTimeEngine>(diagram);
   std::lock_guard<std::mutex> lock(enginesMutex);
   engines.emplace_hint(engines.lower_bound(key), key, engine);
@@ -67,8 +78,7 @@ std::shared_ptr<EditTimeEngine> EditTimeController::getOrCreateEngine(BKRootBD* 
 
 void EditTimeController::closeEngine(const std::wstring& name) {
   Profiler profiler("ENGINE", "MODELCLOSE");
-  const bksvString key = toBksv(name);
-  auto it = engines.find(key);
+  auto it = engines.find(name);
   if (it == engines.end()) return;
   std::shared_ptr<EditTimeEngine> engine = it->second;
   engine->cleanupOnModelClose();
@@ -78,7 +88,7 @@ void EditTimeController::closeEngine(const std::wstring& name) {
   }
   // The worker may be inside findEngine: the erase is guarded on both paths.
   std::lock_guard<std::mutex> lock(enginesMutex);
-  engines.erase(key);
+  engines.erase(it);
 }
 
 bool EditTimeController::hasClosingEngine(const std::wstring& name, std::uint32_t engineId) const {
@@ -94,12 +104,10 @@ void EditTimeController::applyStyle(const std::wstring& name, std::uint32_t engi
     retireClosingEngine(name, engineId);
     return;
   }
-  const bksvString key = toBksv(name);
-  for (const auto& [engineName, engine] : engines) {
-    if (engineName == key && engine->engineId() == engineId) {
-      engine->applyStyling();
-      engine->passStyled();
-    }
+  const auto it = engines.find(name);
+  if (it != engines.end() && it->second->engineId() == engineId) {
+    it->second->applyStyling();
+    it->second->passStyled();
   }
   scheduleFollowUp(name);
 }
@@ -182,6 +190,214 @@ void EditTimeController::scheduleFollowUp(const std::wstring& name) {
 
 void EditTimeController::removeStylingOf(const std::wstring& name, int code) {
   if (auto engine = findEngine(name)) engine->removeStyling(name, code);
+}
+
+// ---- what the host language binds
+
+void EditTimeController::updateDiagnostic(const std::wstring& name) {
+  if (auto engine = findEngine(name)) {
+    engine->getData()->setUniqueDataStoreMsg(uniqueDataStoreLevel(engine->getDiagram()));
+    engine->getAlgorithmTable().runCheckById("orvanta.blockara.DataStoreUsage");
+  }
+}
+
+void EditTimeController::refreshExclusions(const std::wstring& name) {
+  if (auto engine = findEngine(name)) {
+    engine->refreshExclusions();
+    engine->applyStyling();
+  }
+}
+
+void EditTimeController::refreshExclusionsWithPartFile(const std::wstring& name,
+                                                       const std::wstring& file) {
+  if (auto engine = findEngine(name)) {
+    engine->refreshExclusionsWithPartFile(file);
+    engine->applyStyling();
+  }
+}
+
+void EditTimeController::getViolations(const std::string& name) {
+  std::cout << "bdName = " << name << std::endl;
+}
+
+std::vector<std::string> EditTimeController::getViolations(const std::wstring& name,
+                                                           double blockHandle) {
+  if (auto engine = findEngine(name)) return engine->getBlockViolationStrings(blockHandle);
+  return {};
+}
+
+void EditTimeController::on(const std::wstring& name) {
+  withSwitchEngine(*this, name, EditTimeEvent::kChecksOn,
+                   [](EditTimeEngine& e) { e.checksOn(EditTimeEvent::kChecksOn); });
+}
+
+void EditTimeController::off(const std::wstring& name) {
+  withSwitchEngine(*this, name, EditTimeEvent::kChecksOff,
+                   [&](EditTimeEngine&) { closeEngine(name); });
+}
+
+void EditTimeController::enableRA(const std::wstring& name) {
+  withSwitchEngine(*this, name, EditTimeEvent::kConfiguration,
+                   [](EditTimeEngine& e) { e.enableAuditor(); });
+}
+
+void EditTimeController::disableRA(const std::wstring& name) {
+  withSwitchEngine(*this, name, EditTimeEvent::kAuditorOff,
+                   [](EditTimeEngine& e) { e.disableAuditor(); });
+  removeStylingOf(name, EditTimeEvent::kAuditorOff);
+}
+
+void EditTimeController::turnOffErrorsAndWarnings(const std::wstring& name) {
+  turnOffErrors(name);
+  turnOffWarnings(name);
+}
+
+void EditTimeController::turnOnErrorsAndWarnings(const std::wstring& name) {
+  withSwitchEngine(*this, name, EditTimeEvent::kAllOn, [](EditTimeEngine& e) { e.allOn(); });
+}
+
+void EditTimeController::turnOnErrors(const std::wstring& name) {
+  withSwitchEngine(*this, name, EditTimeEvent::kErrorsOn, [](EditTimeEngine& e) { e.errorsOn(); });
+}
+
+void EditTimeController::turnOffErrors(const std::wstring& name) {
+  removeStylingOf(name, EditTimeEvent::kErrorsOff);
+  withSwitchEngine(*this, name, EditTimeEvent::kErrorsOff,
+                   [](EditTimeEngine& e) { e.errorsOff(); });
+}
+
+void EditTimeController::turnOffWarnings(const std::wstring& name) {
+  withSwitchEngine(*this, name, EditTimeEvent::kWarningsOff,
+                   [](EditTimeEngine& e) { e.warningsOff(); });
+  removeStylingOf(name, EditTimeEvent::kWarningsOff);
+}
+
+void EditTimeController::turnOnWarnings(const std::wstring& name) {
+  withSwitchEngine(*this, name, EditTimeEvent::kWarningsOn,
+                   [](EditTimeEngine& e) { e.warningsOn(); });
+}
+
+void EditTimeController::postNameChange(const std::wstring& oldName, const std::wstring& newName) {
+  Profiler profiler("ENGINE", "MODELRENAME");
+  closeEngine(oldName);
+  if (showEditTimeIssues()) onDiagramEvent(diagramByName(newName), EditTimeEvent::kChecksOn);
+}
+
+void EditTimeController::switchConfiguration(const std::wstring& file, const std::wstring& name) {
+  if (auto engine = findEngine(name)) {
+    engine->removeStyling(name, EditTimeEvent::kAuditorOff);
+    engine->loadConfig(file);
+  }
+}
+
+void EditTimeController::loadDefaultConfiguration(const std::wstring& name) {
+  if (auto engine = findEngine(name)) {
+    engine->removeStyling(name, EditTimeEvent::kAuditorOff);
+    engine->loadDefaultConfig();
+  }
+}
+
+void EditTimeController::handleNewWindowOpen(const std::wstring& name) {
+  if (auto engine = findEngine(name)) {
+    engine->viewChanged();
+    engine->connectStudioListeners();
+  }
+}
+
+void EditTimeController::refreshBlockaraStatePortChecks(const std::wstring& name,
+                                                        double blockHandle) {
+  if (auto engine = findEngine(name)) engine->refreshChartChecks(blockHandle);
+}
+
+void EditTimeController::refreshWorkspaceChecks(const std::wstring& name) {
+  if (auto engine = findEngine(name))
+    engine->refreshWorkspaceChecks(EditTimeEvent::kWorkspaceRefresh);
+}
+
+// ---- signals and tasks
+
+void EditTimeController::onDiagramEvent(BKRootBD* diagram, int code) {
+  if (!diagram || isSuspended(diagram)) return;
+  auto engine = getOrCreateEngine(diagram, code);
+  if (!engine || code < EditTimeEvent::kChecksOn || code > EditTimeEvent::kLastDiagramEvent) return;
+  switch (code) {
+    case EditTimeEvent::kChecksOn:
+      engine->checksOn(EditTimeEvent::kChecksOn);
+      break;
+    case EditTimeEvent::kChecksOff:
+      closeEngine(engine->getDiagramName());
+      break;
+    case EditTimeEvent::kConfiguration:
+      engine->enableAuditor();
+      break;
+    case EditTimeEvent::kAuditorOff:
+      engine->disableAuditor();
+      break;
+    case EditTimeEvent::kErrorsOn:
+      engine->errorsOn();
+      break;
+    case EditTimeEvent::kErrorsOff:
+      engine->errorsOff();
+      break;
+    case EditTimeEvent::kWarningsOn:
+      engine->warningsOn();
+      break;
+    case EditTimeEvent::kWarningsOff:
+      engine->warningsOff();
+      break;
+    case EditTimeEvent::kAllOn:
+      engine->allOn();
+      break;
+    default:
+      break;
+  }
+}
+
+void EditTimeController::processBatch(BKRootBD* diagram, const PluginChangeReport& report,
+                                      int kind) {
+  auto engine = getOrCreateEngine(diagram, kind);
+  if (!engine) return;
+  switch (kind) {
+    case EditTimeEvent::kBlocksAdded:
+      // A host batch with additions also flushes its deletions.
+      engine->processBatchOfEvents(report, EditTimeEvent::kBlocksDeleted);
+      engine->processBatchOfEvents(report, EditTimeEvent::kBlocksAdded);
+      break;
+    case EditTimeEvent::kBlocksDeleted:
+    case EditTimeEvent::kBlocksRenamed:
+    case EditTimeEvent::kBlocksChanged:
+      engine->processBatchOfEvents(report, kind);
+      break;
+    default:
+      break;
+  }
+}
+
+void EditTimeController::commentStatusChanged(BKRootBD* diagram, BKBlock* block) {
+  if (auto engine = getOrCreateEngine(diagram, EditTimeEvent::kNone))
+    engine->commentStatusChanged(block);
+}
+
+void EditTimeController::modelParameterChanged(BKRootBD* diagram, const std::string& name) {
+  if (!featureOn(BKFEAT_BlockConstraintCheckAuthoring)) return;
+  auto engine = getOrCreateEngine(diagram, EditTimeEvent::kNone);
+  if (!engine) return;
+  // Model parameter constraints come with the configuration; without them no parameter has any,
+  // and a parameter without constraints starts no pass.
+  (void)name;
+}
+
+bool EditTimeController::isTakingEdits(BKRootBD* diagram) const {
+  auto engine = findEngine(diagramNameOf(diagram));
+  return !engine || engine->editsEnabled();
+}
+
+void EditTimeController::runDiagramSlice(const std::wstring& name) {
+  if (auto engine = findEngine(name)) engine->runDiagramSlice();
+}
+
+void EditTimeController::runWorkspaceSlice(const std::wstring& name) {
+  if (auto engine = findEngine(name)) engine->runWorkspaceSlice();
 }
 
 }  // namespace bkedittimecheck

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "host/language/cosinterface.h"
-#include "host/model/bksvstring.h"
 
 class BKRootBD;
 class BKBlock;
@@ -115,7 +114,7 @@ class EditTimeController : public ncos::Wrappable {
 
   mutable std::mutex enginesMutex;
   mutable std::mutex closingMutex;
-  std::map<bksvString, std::shared_ptr<EditTimeEngine>> engines;  // guarded by enginesMutex
+  std::map<std::wstring, std::shared_ptr<EditTimeEngine>> engines;  // guarded by enginesMutex
   std::map<std::wstring, std::vector<std::shared_ptr<EditTimeEngine>>>
       closingEngines;  // guarded by closingMutex
 };

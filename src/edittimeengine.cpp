@@ -1,14 +1,18 @@
 #include "src/edittimeengine.h"
 
 #include <atomic>
+#include <mutex>
+#include <shared_mutex>
 
-#include "host/prefs/bkfeature.h"
-#include "host/signals/pluginchangereport.h"
 #include "host/model/bkglue.h"
 #include "host/model/bkgraph.h"
+#include "host/model/bkrootbd.h"
+#include "host/signals/pluginchangereport.h"
+#include "host/studio/studioapp.h"
 #include "src/bkeditbd.h"
 #include "src/configuration/edittimecheckselector.h"
 #include "src/configuration/exclusionmanager.h"
+#include "src/editcodes.h"
 #include "src/edittimetaskmanager.h"
 #include "src/edittimetaskmanagerworkspace.h"
 #include "src/features.h"
@@ -17,33 +21,19 @@
 #include "src/profiler.h"
 #include "src/violationdatabase.h"
 
-namespace {
-
-BkFeature blockConstraintCheckAuthoring("BlockConstraintCheckAuthoring",
-                                        "Block Constraint Check Authoring for Edit-time Checking",
-                                        "src/edittimeengine", "BkCheck", 974268, 1, 0);
-BkFeature blockParamEditTimeCheckOnCanvas(
-    "BlockParamEditTimeCheckOnCanvas",
-    "Missing variable check for block parameters during edit time", "src/edittimeengine",
-    "Blockara Data Management", 1615926, 1, 0);
-
-}  // namespace
-
-BkFeature* BKFEAT_BlockConstraintCheckAuthoring = &blockConstraintCheckAuthoring;
-BkFeature* BKFEAT_BlockParamEditTimeCheckOnCanvas = &blockParamEditTimeCheckOnCanvas;
-
 namespace bkedittimecheck {
 
 namespace {
 
 std::atomic<std::uint32_t> engineCounter{0};
 
-bool isStateOwnerKind(int code) {
-  return code == 31 || code == 33 || code == 36 || code == 68 || code == 116 || code == 156;
-}
-
-bool isEventListener(const BKBlock* block) {
-  return block->getTypeCode() == 62 || typeNameOf(block) == "EventListener";
+// The engine's ordered session under the root, made afresh when missing or finished.
+void ensureSession(
+    std::shared_ptr<Performance::CooperativeTaskManager::OrderedTaskSession>& session) {
+  using Performance::CooperativeTaskManager;
+  if (session && !session->isFinished()) return;
+  session = CooperativeTaskManager::instance().addOrderedSession();
+  CooperativeTaskManager::TaskSession::queueForProcessing();
 }
 
 }  // namespace
@@ -59,7 +49,7 @@ EditTimeEngine::EditTimeEngine(BKRootBD* diagram)
   diagram::style::Styler* styler = createEditTimeStyler();
   styler->activate();
   data = std::make_shared<bkEditBD>(diagramName, auditorModeOn(diagram));
-  data->uniqueDataStoreMsg = uniqueDataStoreLevel(diagram);
+  data->setUniqueDataStoreMsg(uniqueDataStoreLevel(diagram));
   violations = std::make_shared<ViolationDatabase>();
   checkSelector = std::make_shared<EditTimeCheckSelector>();
   exclusions = std::make_shared<ExclusionManager>();
@@ -86,39 +76,20 @@ bool EditTimeEngine::isExcluded(double handle, const EditTimeViolation& violatio
   return block && exclusions->isExcluded(*block, violation);
 }
 
-bool EditTimeEngine::hasVariants() const { return data->variantSubsystemCount != 0; }
+bool EditTimeEngine::hasVariants() const { return data->hasVariants(); }
 
 void EditTimeEngine::refreshVisibleGraphs() { data->setWantedGraphs(visibleGraphsOf(diagram)); }
 
-void EditTimeEngine::noteSubsystemRename(BKBlock* block) { data->noteSubsystemRename(block); }
-
 void EditTimeEngine::processChangedBlock(BKBlock* block, int kind) {
   if (!block) return;
-  const int code = block->getTypeCode();
-  if (isEventListener(block)) {
-    data->subsysProperties.push(
-        SubsysProperties{toWide(block->getFullPath(false)), block->getHandle(), code == 62});
-  }
-  if (code == 131) {
-    if (isVariantSubsystem(block)) {
-      data->variantSubsystemCount += 1;
-      removeStyling(diagramName, 11);
-      removeStyling(diagramName, 13);
-    }
-    noteSubsystemRename(block);
-  }
-  if (data->hasStateAccessBlocks && isStateOwnerKind(code)) {
-    data->stateRWOwnerPathChanges.push(
-        StateRWOwnerPathChange{block->getBlockId(), toWide(block->getFullPath(false)), true});
-  }
-  if (block->isCommented()) {
-    commentStatusChanged(block);
-    return;
-  }
-  if (!data->hasStateAccessBlocks && (code == 123 || code == 125)) {
-    data->hasStateAccessBlocks = true;
-  }
-  data->noteBlock(block, kind);
+  const BlockNoted noted = data->noteChangedBlock(block, kind);
+  if (noted.variantSubsystem) clearErrorsAndWarnings();
+  if (noted.commented) commentStatusChanged(block);
+}
+
+void EditTimeEngine::clearErrorsAndWarnings() {
+  removeStyling(diagramName, EditTimeEvent::kErrorsOff);
+  removeStyling(diagramName, EditTimeEvent::kWarningsOff);
 }
 
 void EditTimeEngine::processBatchOfEvents(const PluginChangeReport& report, int kind) {
@@ -126,93 +97,41 @@ void EditTimeEngine::processBatchOfEvents(const PluginChangeReport& report, int 
   std::shared_ptr<bkEditBD> keep = data;
   refreshVisibleGraphs();
   switch (kind) {
-    case 18:
-      for (double handle : report.added) processChangedBlock(handle2Block(handle), 18);
-      algorithmTable.runEvent(18, hasVariants());
+    case EditTimeEvent::kBlocksAdded:
+      for (double handle : report.added) processChangedBlock(handle2Block(handle), kind);
       break;
-    case 21:
-      for (double handle : report.changed) processChangedBlock(handle2Block(handle), 21);
-      algorithmTable.runEvent(21, hasVariants());
+    case EditTimeEvent::kBlocksChanged:
+      for (double handle : report.changed) processChangedBlock(handle2Block(handle), kind);
       break;
-    case 19:
+    case EditTimeEvent::kBlocksDeleted:
       for (double handle : report.deleted) {
         BKBlock* block = handle2Block(handle);
-        if (!block) {
-          data->handleToSubsystem.erase(handle);
-          data->deletedHandles.push(handle);
-          continue;
-        }
-        // The block survives as an undo object: its facts are still there to be withdrawn.
-        const int code = block->getTypeCode();
-        if (typeNameOf(block) == "EventListener") {
-          data->dropSubsysProperties(handle);
-          data->compactSubsysProperties();
-        }
-        if (isStateOwnerKind(code) && data->hasStateAccessBlocks) {
-          data->stateRWOwnerPathChanges.push(
-              StateRWOwnerPathChange{block->getBlockId(), toWide(block->getFullPath(false)), false});
-        } else if (code == 62) {
-          data->dropSubsysProperties(handle);
-          data->compactSubsysProperties();
-        } else if (code == 131) {
-          if (isVariantSubsystem(block)) {
-            data->variantSubsystemCount -= 1;
-            removeStyling(diagramName, 11);
-            removeStyling(diagramName, 13);
-          }
-          data->handleToSubsystem.erase(handle);
-        }
-        if (block->isCommented()) {
-          commentStatusChanged(block);
-        } else {
-          data->deletedHandles.push(handle);
-          removeErrorAndWarnClasses(handle);
-        }
+        const BlockNoted noted = data->noteDeletedBlock(handle, block);
+        if (noted.variantSubsystem) clearErrorsAndWarnings();
+        if (noted.commented) commentStatusChanged(block);
+        if (noted.deleted && block) removeErrorAndWarnClasses(handle);
       }
-      algorithmTable.runEvent(19, hasVariants());
       break;
-    case 20:
+    case EditTimeEvent::kBlocksRenamed:
       for (double handle : report.renamed) {
         BKBlock* block = handle2Block(handle);
         if (!block) continue;
-        if (isEventListener(block)) data->compactSubsysProperties();
-        if (block->getTypeCode() == 131) {
-          noteSubsystemRename(block);
-          if (isVariantSubsystem(block)) {
-            removeStyling(diagramName, 11);
-            removeStyling(diagramName, 13);
-          }
-        }
-        if (block->isCommented()) {
-          commentStatusChanged(block);
-        } else {
-          data->noteBlock(block, 0);
-        }
+        const BlockNoted noted = data->noteRenamedBlock(block);
+        if (noted.variantSubsystem) clearErrorsAndWarnings();
+        if (noted.commented) commentStatusChanged(block);
       }
-      algorithmTable.runEvent(20, hasVariants());
       break;
     default:
-      break;
+      return;
   }
+  algorithmTable.runEvent(kind, hasVariants());
 }
 
 void EditTimeEngine::commentStatusChanged(BKBlock* block) {
   if (!block) return;
-  const int code = block->getTypeCode();
-  const std::wstring path = toWide(block->getFullPath(false));
-  if (!block->isCommented()) {
-    if (code == 131) data->blkProperties.push(Blkproperties{L"", path + L"/", block->getHandle(), false});
-  } else {
-    removeBlockResults(block->getHandle());
-    const bool routing = code == 22 || code == 23 || code == 24 || code == 51 || code == 56 || code == 57;
-    if (code == 131) {
-      data->blkProperties.push(Blkproperties{L"", path + L"/", block->getHandle(), true});
-    } else if (!routing) {
-      return;
-    }
-  }
-  data->noteBlock(block, 0);
-  algorithmTable.runEvent(3, hasVariants());
+  if (block->isCommented()) removeBlockResults(block->getHandle());
+  if (!data->noteCommentChange(block)) return;
+  algorithmTable.runEvent(EditTimeEvent::kCommentStatus, hasVariants());
 }
 
 void EditTimeEngine::removeBlockResults(double blockHandle) {
@@ -234,7 +153,7 @@ void EditTimeEngine::errorsOn() {
   algorithmTable.showErrors = true;
   scanDiagram();
   restartVisibleScan();
-  algorithmTable.runEvent(1, hasVariants());
+  algorithmTable.runEvent(EditTimeEvent::kChecksOn, hasVariants());
 }
 
 void EditTimeEngine::warningsOn() {
@@ -243,7 +162,7 @@ void EditTimeEngine::warningsOn() {
   profiler.stop();
   scanDiagram();
   restartVisibleScan();
-  algorithmTable.runEvent(1, hasVariants());
+  algorithmTable.runEvent(EditTimeEvent::kChecksOn, hasVariants());
 }
 
 void EditTimeEngine::allOn() {
@@ -251,7 +170,7 @@ void EditTimeEngine::allOn() {
   algorithmTable.showWarnings = true;
   scanDiagram();
   restartVisibleScan();
-  algorithmTable.runEvent(15, hasVariants());
+  algorithmTable.runEvent(EditTimeEvent::kAllOn, hasVariants());
 }
 
 void EditTimeEngine::errorsOff() { algorithmTable.showErrors = false; }
@@ -262,27 +181,26 @@ void EditTimeEngine::enableAuditor() {
   Profiler profiler("ENGINE", "ENABLERA");
   populateBlockParamConstraintData(L"");
   requeueMasks();
-  algorithmTable.runEvent(7, hasVariants());
+  algorithmTable.runEvent(EditTimeEvent::kConfiguration, hasVariants());
 }
 
 void EditTimeEngine::disableAuditor() {
   algorithmTable.auditorChecksEnabled = false;
-  data->auditorGraphsDone.clear();
-  data->auditorPathsDone.clear();
+  data->forgetAuditorScan();
 }
 
 void EditTimeEngine::loadConfig(const std::wstring& path) {
   Profiler profiler("ENGINE", "LOADCONFIG");
   populateBlockParamConstraintData(path);
   requeueMasks();
-  algorithmTable.runEvent(7, hasVariants());
+  algorithmTable.runEvent(EditTimeEvent::kConfiguration, hasVariants());
 }
 
 void EditTimeEngine::loadDefaultConfig() {
   Profiler profiler("ENGINE", "LOADDEFAULTCONFIG");
   populateBlockParamConstraintData(L"");
   requeueMasks();
-  algorithmTable.runEvent(7, hasVariants());
+  algorithmTable.runEvent(EditTimeEvent::kConfiguration, hasVariants());
 }
 
 void EditTimeEngine::refreshChartChecks(double blockHandle) {
@@ -295,19 +213,17 @@ void EditTimeEngine::refreshChartChecks(double blockHandle) {
   BKBlock* owner = graph ? graph->getOwner() : nullptr;
   if (owner && owner->getGraph()) {
     for (BKBlock* state : bkgg::graphicalBlocksOf(owner->getGraph(), 1)) {
-      if (isChartBasedSubsystem(state)) data->noteBlock(state, 0);
+      if (isChartBasedSubsystem(state)) data->noteBlock(state, EditTimeEvent::kNone);
     }
   }
-  algorithmTable.runEvent(9, hasVariants());
+  algorithmTable.runEvent(EditTimeEvent::kChartRefresh, hasVariants());
 }
 
 void EditTimeEngine::refreshWorkspaceChecks(int code) {
   Profiler profiler("ENGINE", "REFRESH_WORKSPACE_CHECKS");
   std::shared_ptr<bkEditBD> keep = data;
-  data->visibleGraphsDone.clear();
-  data->visiblePathsDone.clear();
   refreshVisibleGraphs();
-  data->scanNextVisibleGraph();
+  data->restartVisibleScan();
   algorithmTable.runEvent(code, hasVariants());
 }
 
@@ -331,9 +247,114 @@ void EditTimeEngine::viewChanged() {
   refreshVisibleGraphs();
   restartVisibleScan();
   if (auditorModeOn(diagram)) restartAuditorScan();
-  algorithmTable.runEvent(2, hasVariants());
+  algorithmTable.runEvent(EditTimeEvent::kViewChanged, hasVariants());
 }
 
 void EditTimeEngine::passStyled() { algorithmTable.pending.passStyled(); }
+
+// ---- styling, studio connections, scans and clean-up
+
+void EditTimeEngine::connectStudioListeners() {
+  namespace connections = Blockara::connections;
+  connections::ConnectionService& service = connections::ConnectionService::instance();
+  for (Blockara::StudioApp* studio :
+       Blockara::StudioApp::getAllStudioAppsFor(diagram->getHandle())) {
+    std::shared_ptr<const connections::NamedThread> thread = service.getNamedThread("Numeria");
+    auto& events = studio->activeEditorChangedEventService();
+    std::unique_lock<std::shared_mutex> lock(service.globalWriteLock());
+    // No test for an earlier connection: a studio reached twice delivers twice.
+    StudioConnection* connection =
+        events.connect(this, &EditTimeEngine::activeEditorChanged, thread);
+    connection->enable();
+    studioConnections.emplace_back(studio, connection);
+  }
+}
+
+void EditTimeEngine::activeEditorChanged(const Blockara::ActiveEditorChangedEvent& /*event*/) {
+  viewChanged();
+}
+
+void EditTimeEngine::removeStyling(const std::wstring& /*name*/, int code) {
+  Profiler profiler("ENGINE", "REMOVESTYLING");
+  styling->removeStyling(static_cast<std::uint32_t>(code));
+}
+
+void EditTimeEngine::applyStyling() {
+  Profiler profiler("ENGINE", "Styling");
+  styling->applyStyling();
+}
+
+std::vector<std::string> EditTimeEngine::getBlockViolationStrings(double blockHandle) const {
+  return styling->getBlockViolationStrings(blockHandle);
+}
+
+void EditTimeEngine::cleanupOnModelClose() {
+  Profiler profiler("ENGINE", "CLEANUPONMODELCLOSE");
+  if (diagramTask) diagramTask->remove();
+  for (Blockara::StudioApp* studio :
+       Blockara::StudioApp::getAllStudioAppsFor(diagram->getHandle())) {
+    for (const auto& [owner, connection] : studioConnections) {
+      if (owner == studio) connection->disable();
+    }
+  }
+  // What is left belongs to studios that have closed, and went with their event services.
+  studioConnections.clear();
+  callDiagramFunction("edittime.EditTimeCheckingSetup.cleanup", diagramName);
+}
+
+void EditTimeEngine::scheduleDiagramTask() {
+  if (!auditorModeOn(diagram)) return;
+  std::shared_ptr<bkEditBD> keep = data;
+  if (!data->hasAuditorGraphsToScan()) return;
+  ensureSession(taskSession);
+  diagramTask = std::make_shared<EditTimeTaskManager>(diagramName);
+  taskSession->add(diagramTask);
+  Performance::CooperativeTaskManager::TaskSession::queueForProcessing();
+}
+
+void EditTimeEngine::scheduleWorkspaceTask() {
+  std::shared_ptr<bkEditBD> keep = data;
+  if (!data->hasVisibleGraphsToScan()) return;
+  ensureSession(taskSession);
+  workspaceTask = std::make_shared<EditTimeTaskManagerWorkspace>(diagramName);
+  taskSession->add(workspaceTask);
+  Performance::CooperativeTaskManager::TaskSession::queueForProcessing();
+}
+
+void EditTimeEngine::runDiagramSlice() {
+  std::shared_ptr<bkEditBD> keep = data;
+  refreshVisibleGraphs();
+  data->scanNextAuditorGraph();
+  algorithmTable.runEvent(EditTimeEvent::kChecksOn, hasVariants());
+}
+
+void EditTimeEngine::runWorkspaceSlice() {
+  std::shared_ptr<bkEditBD> keep = data;
+  refreshVisibleGraphs();
+  data->scanNextVisibleGraph();
+  algorithmTable.runEvent(EditTimeEvent::kChecksOn, hasVariants());
+}
+
+void EditTimeEngine::scanDiagram() {
+  if (showEditTimeIssues()) data->scanDiagramOnce(diagram->getRootGraph());
+}
+
+void EditTimeEngine::restartVisibleScan() { data->restartVisibleScan(); }
+
+void EditTimeEngine::restartAuditorScan() { data->restartAuditorScan(auditorModeOn(diagram)); }
+
+void EditTimeEngine::requeueMasks() { data->requeueMasks(); }
+
+void EditTimeEngine::populateBlockParamConstraintData(const std::wstring& path) {
+  algorithmTable.auditorChecksEnabled = true;
+  // A file that does not parse throws here, through the caller, to the host language.
+  EditTimeCheckSelector::loadCheckSelection(path);
+  if (featureOn(BKFEAT_BlockConstraintCheckAuthoring)) {
+    // The constraint data of the configuration is built here once its reader exists.
+    Profiler profiler("ENGINE", "populateBlockParamConstraintData");
+  }
+  exclusions->loadExclusions(diagram);
+  restartAuditorScan();
+}
 
 }  // namespace bkedittimecheck

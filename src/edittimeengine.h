@@ -15,7 +15,7 @@ struct PluginChangeReport;
 namespace Blockara {
 struct ActiveEditorChangedEvent;
 class StudioApp;
-}
+}  // namespace Blockara
 
 namespace bkedittimecheck {
 
@@ -150,12 +150,15 @@ class EditTimeEngine : public Blockara::connections::Listener {
   AlgorithmTable& getAlgorithmTable() { return algorithmTable; }
   /// Main thread. Copy of the rule-auditor bit at construction.
   bool getAuditorMode() const { return auditorMode; }
+  /// Any thread. The selection of configurable checks; never changes after construction.
+  const std::shared_ptr<EditTimeCheckSelector>& getCheckSelector() const { return checkSelector; }
   /// Main thread. The diagram's exclusions.
   const std::shared_ptr<ExclusionManager>& getExclusions() const { return exclusions; }
 
  private:
   bool hasVariants() const;
-  void noteSubsystemRename(BKBlock* block);
+  // Takes every "Error" and "Warn" off: a variant subsystem came or went.
+  void clearErrorsAndWarnings();
   void scanDiagram();
   void restartVisibleScan();
   void restartAuditorScan();
@@ -168,8 +171,8 @@ class EditTimeEngine : public Blockara::connections::Listener {
 
   AlgorithmTable algorithmTable;
   std::shared_ptr<Performance::CooperativeTaskManager::OrderedTaskSession> taskSession;  // main
-  std::shared_ptr<EditTimeTaskManager> diagramTask;             // main
-  std::shared_ptr<EditTimeTaskManagerWorkspace> workspaceTask;  // main
+  std::shared_ptr<EditTimeTaskManager> diagramTask;                                      // main
+  std::shared_ptr<EditTimeTaskManagerWorkspace> workspaceTask;                           // main
   BKRootBD* diagram;
   std::wstring diagramName;
   std::shared_ptr<EditTimeCheckSelector> checkSelector;

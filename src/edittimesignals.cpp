@@ -1,6 +1,7 @@
 // The engine's ear: small stateless handlers on the host's signals. Each applies its gate and
 // forwards to the controller; the slots capture nothing and find the engine by diagram name.
 #include "host/signals/bkplugin.h"
+#include "src/editcodes.h"
 #include "src/edittimecontroller.h"
 #include "src/edittimeengine.h"
 #include "src/hostinterface.h"
@@ -19,13 +20,13 @@ bool takingEdits(BKRootBD* d) { return controller().isTakingEdits(d); }
 void onOpened(BKRootBD* d) {
   // A failing start of checking must not disturb the opening of a model.
   try {
-    if (checkable(d) && takingEdits(d)) controller().onDiagramEvent(d, 1);
+    if (checkable(d) && takingEdits(d)) controller().onDiagramEvent(d, EditTimeEvent::kChecksOn);
   } catch (...) {
   }
 }
 
 void onClosing(BKRootBD* d) {
-  if (takingEdits(d)) controller().onDiagramEvent(d, 5);
+  if (takingEdits(d)) controller().onDiagramEvent(d, EditTimeEvent::kChecksOff);
 }
 
 template <int Kind>
@@ -60,15 +61,17 @@ void RegisterEditBdEvents(BKRootBD* diagram) {
   bkplugin::addEditBdSignal(diagram, BKGE_DIAGRAM_OPENED, &onOpened);
   bkplugin::addEditBdSignal(diagram, BKGE_DIAGRAM_CLOSING, &onClosing);
   if (isLibrary(diagram)) return;
-  bkplugin::addEditBdBatchSignal(diagram, BKGE_BLOCKS_ADDED, &onBatch<18>);
-  bkplugin::addEditBdBatchSignal(diagram, BKGE_BLOCKS_CHANGED, &onBatch<21>);
-  bkplugin::addEditBdBatchSignal(diagram, BKGE_BLOCKS_DELETED, &onBatch<19>);
-  bkplugin::addEditBdBatchSignal(diagram, BKGE_BLOCKS_RENAMED, &onBatch<20>);
+  bkplugin::addEditBdBatchSignal(diagram, BKGE_BLOCKS_ADDED, &onBatch<EditTimeEvent::kBlocksAdded>);
+  bkplugin::addEditBdBatchSignal(diagram, BKGE_BLOCKS_CHANGED,
+                                 &onBatch<EditTimeEvent::kBlocksChanged>);
+  bkplugin::addEditBdBatchSignal(diagram, BKGE_BLOCKS_DELETED,
+                                 &onBatch<EditTimeEvent::kBlocksDeleted>);
+  bkplugin::addEditBdBatchSignal(diagram, BKGE_BLOCKS_RENAMED,
+                                 &onBatch<EditTimeEvent::kBlocksRenamed>);
   bkplugin::addEditBdBlockCommentedStatusSignal(diagram, BKGE_BLOCK_COMMENTED_OUT, &onComment);
   bkplugin::addEditBdBlockCommentedStatusSignal(diagram, BKGE_BLOCK_COMMENTED_THROUGH, &onComment);
   bkplugin::addEditBdBlockCommentedStatusSignal(diagram, BKGE_BLOCK_UNCOMMENTED, &onComment);
-  bkplugin::addEditBdModelParameterSignal(diagram, BKGE_MODEL_PARAMETER_CHANGED,
-                                          &onModelParameter);
+  bkplugin::addEditBdModelParameterSignal(diagram, BKGE_MODEL_PARAMETER_CHANGED, &onModelParameter);
 }
 
 void RegisterCompBdEvents(BKCompBD* diagram) {
@@ -79,10 +82,14 @@ void RegisterCompBdEvents(BKCompBD* diagram) {
     withEngine(rootOfCompiled(c), [](EditTimeEngine& e) { e.setEditsEnabled(true); });
   });
   bkplugin::addCompBdSignal(diagram, BKCE_VARIABLES_CHANGED, [](BKCompBD* c) {
-    withEngine(rootOfCompiled(c), [](EditTimeEngine& e) { e.refreshMissingVariables(17); });
+    withEngine(rootOfCompiled(c), [](EditTimeEngine& e) {
+      e.refreshMissingVariables(EditTimeEvent::kMissingVariableRefresh);
+    });
   });
   bkplugin::addCompBdSignal(diagram, BKCE_WORKSPACE_CHANGED, [](BKCompBD* c) {
-    withEngine(rootOfCompiled(c), [](EditTimeEngine& e) { e.refreshWorkspaceChecks(16); });
+    withEngine(rootOfCompiled(c), [](EditTimeEngine& e) {
+      e.refreshWorkspaceChecks(EditTimeEvent::kWorkspaceRefresh);
+    });
   });
 }
 

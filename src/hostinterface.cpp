@@ -2,7 +2,9 @@
 
 #include <vector>
 
+#include "host/language/cmddistributor.h"
 #include "host/language/feval.h"
+#include "host/language/nvm.h"
 #include "host/language/nxarray.h"
 #include "host/model/bkglue.h"
 #include "host/model/bkgraph.h"
@@ -10,8 +12,14 @@
 #include "host/model/blockqueries.h"
 #include "host/model/configset.h"
 #include "host/model/subsystemblock.h"
+#include "host/prefs/bkfeature.h"
+#include "host/prefs/edittimepreferences.h"
 #include "host/studio/studioapp.h"
+#include "host/style/styler.h"
 #include "host/trace/ptlog.h"
+#include "src/editcodes.h"
+#include "src/evaluation/feval.h"
+#include "src/presentation/edittimestyler.h"
 
 namespace bkedittimecheck {
 
@@ -37,7 +45,7 @@ BKRootBD* diagramByName(const std::wstring& name) {
   return bkBlockDiagramSet::nameToBlockDiagram(toBksv(name));
 }
 
-bool isLibrary(const BKRootBD* diagram) { return diagram->getDiagramKind() == 1; }
+bool isLibrary(const BKRootBD* diagram) { return diagram->getDiagramKind() == kLibraryDiagramKind; }
 
 bool isSuspended(const BKRootBD* diagram) { return diagram->isSuspended(); }
 
@@ -57,7 +65,9 @@ bool graphOwnerIsNotChart(const BKBlock* block) {
 }
 
 bool isChartBasedSubsystem(const BKBlock* block) {
-  if (block->getTypeCode() != 131 || SubsystemBlock::getSubsystemType(block) != 8) return false;
+  if (block->getTypeCode() != BlockKind::kSubSystem ||
+      SubsystemBlock::getSubsystemType(block) != kChartStateSubsystemType)
+    return false;
   bkGraph* graph = BKGlue::getBlockGraph(block);
   return graph && graph->getOwner() && BKGlue::isChartelleBlock(graph->getOwner());
 }
@@ -102,8 +112,8 @@ SubsystemFacts subsystemFactsOf(const BKBlock* block) {
 std::string resolveRelativeBlockPath(const BKBlock* block, const std::string& relative) {
   // The host's own resolution, so that escaped "//" in names and a climb above the root read as
   // the host reads them.
-  return ConvertUStringToStdString(BlockAccess::AccessUtil::convertRelativePathToFullPath(
-      block, i18n::to_u16string(relative)));
+  return ConvertUStringToStdString(
+      BlockAccess::AccessUtil::convertRelativePathToFullPath(block, i18n::to_u16string(relative)));
 }
 
 std::int32_t stateOwnerBlockId(const BKBlock* block, std::int32_t current) {
@@ -142,5 +152,37 @@ void callDiagramFunction(const char* function, const std::wstring& diagramName) 
   bksvDiagnosticPtr diagnostic = bksvFEVAL_NoThrow(0, results, function, args);
   (void)diagnostic;
 }
+
+// ---- the user's preference, feature flags, styling, tracer and the evaluation bridge
+
+bool showEditTimeIssues() { return bk::bkedittimecheck::bkutils::getShowEditTimeIssues(); }
+
+bool featureOn(BkFeature* feature) { return feature != nullptr && feature->isOn(); }
+
+int featureLevel(BkFeature* feature) { return feature != nullptr ? feature->getLevel() : 0; }
+
+void removeErrorAndWarnClasses(double handle) {
+  diagram::style::Styler* styler = createEditTimeStyler();
+  styler->removeClass(handle, L"Error");
+  styler->removeClass(handle, L"Warn");
+}
+
+void postApplyStyle(const std::wstring& diagramName, std::uint32_t engineId) {
+  try {
+    // The future is dropped at once: the worker never waits for its styling.
+    postFEval(nvm::Factory::getCurrentLocalMVM(), "edittime.Styler.applyStyle", diagramName,
+              engineId);
+  } catch (const cmddistributor::RuntimeException& error) {
+    (void)error.getMessage();  // styling of this pass is lost; the next pass styles everything
+  } catch (...) {
+  }
+}
+
+void logTracePoint(const std::string& point, bool isStart, const std::string& contextA,
+                   const std::string& contextB) {
+  ptLogBlockaraData("EDITTIMECHECK", contextA, contextB, point, isStart);
+}
+
+void addTraceGrouping() { (void)ptAddGrouping("EDITTIMECHECK", {"ENGINE", "GRAPH", "ALGORITHMS"}); }
 
 }  // namespace bkedittimecheck

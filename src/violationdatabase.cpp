@@ -1,13 +1,11 @@
 #include "src/violationdatabase.h"
 
+#include "src/editcodes.h"
+
 namespace bkedittimecheck {
 
-namespace {
-
-bool isError(std::uint32_t severity) { return severity == 1 || severity == 4; }
-bool isAuditor(std::uint32_t severity) { return severity == 3 || severity == 4; }
-
-}  // namespace
+using Severity::isAuditor;
+using Severity::isError;
 
 void ViolationDatabase::add(const ViolationPtr& violation) {
   std::lock_guard<std::mutex> lock(mutex);
@@ -102,7 +100,7 @@ std::map<double, bool> ViolationDatabase::blocksWithEditTimeWarnings() const {
   std::map<double, bool> out;
   for (const auto& [handle, set] : byBlock) {
     for (const auto& v : set) {
-      if (v->severity == 0) {
+      if (v->severity == Severity::kWarning) {
         out.emplace(handle, v->isCommented != 0);
         break;
       }
@@ -133,7 +131,7 @@ std::map<double, bool> ViolationDatabase::blocksWithOnlyAuditorViolations() cons
     bool hasAuditor = false;
     bool flag = false;
     for (const auto& v : set) {
-      if (v->severity == 0) hasWarning = true;
+      if (v->severity == Severity::kWarning) hasWarning = true;
       if (isAuditor(v->severity)) {
         hasAuditor = true;
         flag = v->isCommented != 0;
@@ -209,7 +207,7 @@ void ViolationDatabase::removeErrors() {
 
 void ViolationDatabase::removeWarnings() {
   std::lock_guard<std::mutex> lock(mutex);
-  removeFirstMatch([](const EditTimeViolation& v) { return v.severity == 0; });
+  removeFirstMatch([](const EditTimeViolation& v) { return v.severity == Severity::kWarning; });
 }
 
 void ViolationDatabase::markCommentedUnder(const std::wstring& path, bool isCommented) {

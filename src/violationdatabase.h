@@ -9,7 +9,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "src/algorithms/edittimeviolation.h"
+#include "src/edittimeviolation.h"
 
 namespace bkedittimecheck {
 
@@ -23,7 +23,8 @@ namespace bkedittimecheck {
 class ViolationDatabase {
  public:
   using ViolationPtr = std::shared_ptr<EditTimeViolation>;
-  using ViolationSet = std::unordered_set<ViolationPtr, EditTimeViolationHash, EditTimeViolationEqual>;
+  using ViolationSet =
+      std::unordered_set<ViolationPtr, EditTimeViolationHash, EditTimeViolationEqual>;
 
   ViolationDatabase() = default;
   ViolationDatabase(const ViolationDatabase&) = delete;

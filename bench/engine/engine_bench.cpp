@@ -33,6 +33,7 @@
 #include "src/presentation/edittimestyler.h"
 #include "src/violationdatabase.h"
 #include "src/workerthread/asynctaskmanager.h"
+#include "tests/src/bkeditbdprobe.h"
 
 namespace bkedittimecheck {
 namespace {
@@ -153,13 +154,15 @@ void BM_WorkerPassAllBlocks(benchmark::State& state) {
   d->editing().setProperties(d->getName() + u"/g1", {{"ShowName", true}});
   table.setEventObserver({});
   Road::settle();
+  const CheckContext context{engine->getData(), engine->getViolations(),
+                             engine->getCheckSelector()};
   for (auto _ : state) {
-    data.blocks = snapshot;
-    for (const auto& check : checks) check->runCheck();
+    bkEditBDProbe(data).blocks() = snapshot;
+    for (const auto& check : checks) check->runCheck(context);
   }
   state.counters["checks"] = static_cast<double>(checks.size());
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(snapshot.size()));
-  data.blocks.clear();
+  bkEditBDProbe(data).blocks().clear();
 }
 
 // Edit to glow: a rename to a prohibited name until the block carries its class.

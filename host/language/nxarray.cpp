@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/language/cosinterface.h"
+#include "host/model/bksvstring.h"
 
 const char* nxClassName(nxClassID id) {
   switch (id) {
@@ -273,78 +274,6 @@ const nxArray& nxArrayProxy::array() const {
   return value ? *value : empty;
 }
 
-std::string toUtf8(std::u16string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char32_t c = text[i];
-    if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
-        text[i + 1] <= 0xDFFF) {
-      c = 0x10000 + ((c - 0xD800) << 10) + (text[i + 1] - 0xDC00);
-      ++i;
-    } else if (c >= 0xD800 && c <= 0xDFFF) {
-      c = 0xFFFD;
-    }
-    if (c < 0x80) {
-      out += static_cast<char>(c);
-    } else if (c < 0x800) {
-      out += static_cast<char>(0xC0 | (c >> 6));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-      out += static_cast<char>(0xE0 | (c >> 12));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (c >> 18));
-      out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-  }
-  return out;
-}
+std::string toUtf8(std::u16string_view text) { return i18n::to_string(text); }
 
-std::u16string toUtf16(std::string_view text) {
-  std::u16string out;
-  out.reserve(text.size());
-  std::size_t i = 0;
-  while (i < text.size()) {
-    auto b = static_cast<unsigned char>(text[i]);
-    char32_t c = 0xFFFD;
-    std::size_t len = 1;
-    if (b < 0x80) {
-      c = b;
-    } else if ((b & 0xE0) == 0xC0) {
-      len = 2;
-    } else if ((b & 0xF0) == 0xE0) {
-      len = 3;
-    } else if ((b & 0xF8) == 0xF0) {
-      len = 4;
-    }
-    if (len > 1) {
-      bool ok = i + len <= text.size();
-      char32_t v = b & (0x7F >> len);
-      for (std::size_t k = 1; ok && k < len; ++k) {
-        auto cb = static_cast<unsigned char>(text[i + k]);
-        if ((cb & 0xC0) != 0x80) ok = false;
-        v = (v << 6) | (cb & 0x3F);
-      }
-      // The shortest form only: an overlong sequence is as invalid as a broken one.
-      static const char32_t smallest[5] = {0, 0, 0x80, 0x800, 0x10000};
-      if (ok && v >= smallest[len] && v <= 0x10FFFF && !(v >= 0xD800 && v <= 0xDFFF)) {
-        c = v;
-      } else {
-        len = 1;
-      }
-    }
-    if (c >= 0x10000) {
-      c -= 0x10000;
-      out += static_cast<char16_t>(0xD800 + (c >> 10));
-      out += static_cast<char16_t>(0xDC00 + (c & 0x3FF));
-    } else {
-      out += static_cast<char16_t>(c);
-    }
-    i += len;
-  }
-  return out;
-}
+std::u16string toUtf16(std::string_view text) { return i18n::to_u16string(text); }

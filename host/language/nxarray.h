@@ -145,6 +145,7 @@ class nxArrayProxy {
   std::shared_ptr<const nxArray> value;
 };
 
-/// UTF-16 to UTF-8 and back; invalid sequences become U+FFFD. Any thread.
+/// UTF-16 to UTF-8 and back by the host's one codec (`i18n::to_string`, `i18n::to_u16string`);
+/// invalid sequences become U+FFFD. Any thread.
 std::string toUtf8(std::u16string_view text);
 std::u16string toUtf16(std::string_view text);

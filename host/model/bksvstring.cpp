@@ -1,5 +1,9 @@
 #include "host/model/bksvstring.h"
 
+// The host's one UTF-8/UTF-16 codec. Written out rather than taken from a library: the standard
+// converters are deprecated, and the library ones we have either skip bad input or swallow the
+// bytes after a broken sequence, where the host wants one U+FFFD per bad byte.
+
 namespace {
 
 void appendUtf8(std::string& out, char32_t cp) {
@@ -34,7 +38,7 @@ constexpr char32_t kReplacement = 0xFFFD;
 
 }  // namespace
 
-std::string ConvertUStringToStdString(const bksvString& text) {
+std::string ConvertUStringToStdString(std::u16string_view text) {
   std::string out;
   out.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -54,9 +58,9 @@ std::string ConvertUStringToStdString(const bksvString& text) {
 
 namespace i18n {
 
-std::string to_string(const std::u16string& text) { return ConvertUStringToStdString(text); }
+std::string to_string(std::u16string_view text) { return ConvertUStringToStdString(text); }
 
-std::u16string to_u16string(const std::string& text) {
+std::u16string to_u16string(std::string_view text) {
   std::u16string out;
   out.reserve(text.size());
   std::size_t i = 0;

@@ -10,7 +10,7 @@ namespace bkedittimecheck {
 BlockTypeList BKCIUnsupportedBlocks::blockTypeList;
 
 BKCIUnsupportedBlocks::BKCIUnsupportedBlocks(std::wstring diagramName, std::uint32_t severity)
-    : BlockListCheck("orvanta.bkci.UnsupportedBlocks", std::move(diagramName), severity) {}
+    : BlockListCheck(kCheckId, std::move(diagramName), severity) {}
 
 void BKCIUnsupportedBlocks::readParameters(const boost::property_tree::ptree& configuration) {
   blockTypeList.clear();

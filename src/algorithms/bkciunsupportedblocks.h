@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "src/algorithms/blocklistcheck.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -14,6 +15,9 @@ namespace bkedittimecheck {
 /// the violation type is "BKCIUnsupportedBlocks". Worker thread only.
 class BKCIUnsupportedBlocks : public BlockListCheck {
  public:
+  static constexpr char kCheckId[] = "orvanta.bkci.UnsupportedBlocks";
+  static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
+
   /// Any thread. Never throws beyond allocation.
   BKCIUnsupportedBlocks(std::wstring diagramName, std::uint32_t severity);
 

@@ -4,23 +4,10 @@
 #include <memory>
 #include <utility>
 
-#include "host/prefs/bkfeature.h"
 #include "src/bkeditbd.h"
 #include "src/features.h"
 #include "src/hostinterface.h"
 #include "src/violationdatabase.h"
-
-namespace {
-
-BkFeature blockaraEditTimeChecksForBlockaraBasedStates(
-    "BlockaraEditTimeChecksForBlockaraBasedStates",
-    "Blockara edit time checks for Blockara based states in Chartelle",
-    "src/algorithms/blockarastateportmappingviolation", "Chartelle [Semantics]", 1588823, 1, 0);
-
-}  // namespace
-
-BkFeature* BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates =
-    &blockaraEditTimeChecksForBlockaraBasedStates;
 
 namespace bkedittimecheck {
 
@@ -30,7 +17,7 @@ BlockaraStatePortMappingViolation::BlockaraStatePortMappingViolation(std::wstrin
 
 bool BlockaraStatePortMappingViolation::evaluate(bkEditBD& data, ViolationDatabase& database) {
   if (!featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) return false;
-  std::map<double, std::shared_ptr<bkEditBlock>> blocks = data.blocks;
+  std::map<double, std::shared_ptr<bkEditBlock>> blocks = data.blockMap();
   const bool hadBlocks = !blocks.empty();
   for (const auto& [handle, port] : blocks) {
     const BlockaraStatePortInfo* info = port ? port->getChartInputData() : nullptr;
@@ -42,7 +29,7 @@ bool BlockaraStatePortMappingViolation::evaluate(bkEditBD& data, ViolationDataba
     const BlockaraStateMappingInfo& mapping = *state->getChartRecord();
     const std::wstring name = fromNarrow(port->getBlockName());
     const auto decide = [&](const char* type, bool violates) {
-      auto r = std::make_shared<EditTimeViolation>(checkId, type, 1, handle);
+      auto r = std::make_shared<EditTimeViolation>(checkId, type, Severity::kError, handle);
       if (violates) {
         r->isCommented = port->getIsCommented() ? 1 : 0;
         r->blockPath = port->getFullPath();

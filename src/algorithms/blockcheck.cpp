@@ -4,23 +4,21 @@
 #include <map>
 #include <memory>
 
-#include "src/algorithms/edittimeviolation.h"
 #include "src/bkeditbd.h"
 #include "src/configuration/edittimecheckselector.h"
 #include "src/constraints/bkeditblock.h"
-#include "src/edittimecontroller.h"
+#include "src/edittimeviolation.h"
 #include "src/violationdatabase.h"
 
 namespace bkedittimecheck {
 
-bool BlockCheck::runCheck() {
-  EditTimeController& controller = EditTimeController::instance();
-  const std::shared_ptr<bkEditBD> data = controller.findEditBD(diagramName);
-  const std::shared_ptr<ViolationDatabase> database = controller.findViolationDatabase(diagramName);
+bool BlockCheck::runCheck(const CheckContext& context) {
+  const std::shared_ptr<bkEditBD>& data = context.data;
+  ViolationDatabase* database = context.violations.get();
   if (!data || !database) return false;
 
   // A copy, so that the Setup of a later run cannot change the map under this walk.
-  const std::map<double, std::shared_ptr<bkEditBlock>> blocks = data->blocks;
+  const std::map<double, std::shared_ptr<bkEditBlock>> blocks = data->blockMap();
   if (wantsParameters()) readParameters(EditTimeCheckSelector::getCheckConfiguration(checkId));
   beginRun();
 

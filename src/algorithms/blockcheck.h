@@ -31,7 +31,7 @@ class BlockCheck : public EditTimeAlgorithms {
   /// Worker thread. The whole run. False when the diagram's data or store are missing (then no
   /// record changes); true otherwise. Exceptions of the hooks (a bad regular expression, say)
   /// pass to the caller, leaving the records of the blocks already visited as they are.
-  bool runCheck() final;
+  bool runCheck(const CheckContext& context) final;
 
   /// Worker thread. The decisions for a block that is in scope and that `considers` took, one per
   /// entry of `violationTypes()`; `verdicts` comes sized and filled with `Verdict::Remove`.

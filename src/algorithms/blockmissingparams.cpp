@@ -1,6 +1,7 @@
 #include "src/algorithms/blockmissingparams.h"
 
 #include <future>
+#include <map>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -17,12 +18,12 @@ namespace bkedittimecheck {
 namespace {
 
 const char* const kViolationType = "BlockEditTimeMissingParams";
+// From this level of BKFEAT_ShowMissingVarsAtEditTime on, a missing variable is a warning.
+constexpr int kWarningLevel = 3;
 
 // The blocks that the prune keeps between passes: they stand in the question with 0.
 bool keptAcrossBatches(const bkEditBlock& block) {
-  const int kind = block.getBlockKind();
-  return kind == 22 || kind == 51 || kind == 56 || kind == 57 || kind == 123 || kind == 125 ||
-         block.hasChartData();
+  return BlockKind::isKeptAcrossPasses(block.getBlockKind()) || block.hasChartData();
 }
 
 BlockMissingParams::Question& question() {
@@ -46,15 +47,16 @@ BlockMissingParams::BlockMissingParams(std::wstring diagramName, std::uint32_t s
     : DiagramCheck(kCheckId, std::move(diagramName), severity), eventCode(eventCode) {}
 
 bool BlockMissingParams::evaluate(bkEditBD& data, ViolationDatabase& database) {
-  if (eventCode == 17) {
+  if (eventCode == EditTimeEvent::kMissingVariableRefresh) {
     database.removeByType(checkId, kViolationType);
     return true;
   }
   // The worker alone changes the map (Setup and RemoveBlock ran earlier in this queue), so it
   // is read in place. A place in the vector is what keeps the answer aligned with the blocks.
   std::vector<double> handles;
-  handles.reserve(data.blocks.size());
-  for (const auto& [handle, block] : data.blocks) {
+  const std::map<double, std::shared_ptr<bkEditBlock>>& blocks = data.blockMap();
+  handles.reserve(blocks.size());
+  for (const auto& [handle, block] : blocks) {
     handles.push_back(block && keptAcrossBatches(*block) ? 0.0 : handle);
   }
   if (handles.empty()) return true;
@@ -63,9 +65,10 @@ bool BlockMissingParams::evaluate(bkEditBD& data, ViolationDatabase& database) {
     const std::vector<bool> missing = answer.get();
     if (missing.empty() || missing.size() != handles.size()) return false;
     const std::uint32_t recordSeverity =
-        featureLevel(BKFEAT_ShowMissingVarsAtEditTime) < 3 ? 1 : 0;
-    auto it = data.blocks.begin();
-    for (std::size_t i = 0; i < missing.size() && it != data.blocks.end(); ++i, ++it) {
+        featureLevel(BKFEAT_ShowMissingVarsAtEditTime) < kWarningLevel ? Severity::kError
+                                                                       : Severity::kWarning;
+    auto it = blocks.begin();
+    for (std::size_t i = 0; i < missing.size() && it != blocks.end(); ++i, ++it) {
       auto r = std::make_shared<EditTimeViolation>(checkId, kViolationType, recordSeverity,
                                                    it->first);
       r->isCommented = it->second && it->second->getIsCommented() ? 1 : 0;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "src/algorithms/diagramcheck.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -16,8 +17,8 @@ namespace bkedittimecheck {
 /// stays empty. The one check that waits for the host language. Worker thread only.
 class BlockMissingParams : public DiagramCheck {
  public:
-  static constexpr const char* kCheckId = "BlockMissingVariable";
-  static constexpr std::uint32_t kSeverity = 1;
+  static constexpr char kCheckId[] = "BlockMissingVariable";
+  static constexpr std::uint32_t kSeverity = Severity::kError;
   /// The host-language function asked, with the vector of handles and the diagram's name.
   static constexpr const char* kFunction = "Blockara.BlockEditTimeController.findMissingVariable";
 

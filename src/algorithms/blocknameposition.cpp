@@ -7,7 +7,7 @@
 namespace bkedittimecheck {
 
 BlockNamePosition::BlockNamePosition(std::wstring diagramName, std::uint32_t severity)
-    : BlockCheck("orvanta.kabe.kb_0401", std::move(diagramName), severity) {}
+    : BlockCheck(kCheckId, std::move(diagramName), severity) {}
 
 Verdict BlockNamePosition::decideOne(const bkEditBlock& block) const {
   const bkRAEditBlock& ra = *block.getRaEditBlock();

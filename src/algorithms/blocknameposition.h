@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "src/algorithms/blockcheck.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -12,6 +13,9 @@ namespace bkedittimecheck {
 /// violation type is "BlockNamePosition". Reads only the scope pair. Worker thread only.
 class BlockNamePosition : public BlockCheck {
  public:
+  static constexpr char kCheckId[] = "orvanta.kabe.kb_0401";
+  static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
+
   /// Any thread. Never throws beyond allocation.
   BlockNamePosition(std::wstring diagramName, std::uint32_t severity);
 

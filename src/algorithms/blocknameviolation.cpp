@@ -9,17 +9,18 @@ namespace bkedittimecheck {
 std::string BlockNameViolation::prohibitedNamePattern;
 
 BlockNameViolation::BlockNameViolation(std::wstring diagramName, std::uint32_t severity)
-    : NameCheck("orvanta.kabe.kb_0402", std::move(diagramName), severity) {}
+    : NameCheck(kCheckId, std::move(diagramName), severity) {}
 
 Verdict BlockNameViolation::decideOne(const bkEditBlock& block) const {
   const bkRAEditBlock& ra = *block.getRaEditBlock();
   if (!ra.rawFlagBit1) return Verdict::Remove;
   // Port blocks are PortNameViolation's; a plain subsystem is SubsystemNameViolation's, while a
   // masked or function subsystem is checked here.
-  if (block.getBlockKind() == 66 || block.getBlockKind() == 67 || block.getBlockKind() == 88) {
+  if (BlockKind::isPortBlock(block.getBlockKind())) {
     return Verdict::Leave;
   }
-  if (block.getBlockKind() == 131 && ra.maskType.empty() && !ra.isBlockaraFunction) {
+  if (block.getBlockKind() == BlockKind::kSubSystem && ra.maskType.empty() &&
+      !ra.isBlockaraFunction) {
     return Verdict::Leave;
   }
   return searchByLines(compiled, block.getBlockName()) ? Verdict::Add : Verdict::Remove;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "src/algorithms/namecheck.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -13,6 +14,9 @@ namespace bkedittimecheck {
 /// only.
 class BlockNameViolation : public NameCheck {
  public:
+  static constexpr char kCheckId[] = "orvanta.kabe.kb_0402";
+  static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
+
   /// Any thread. Never throws beyond allocation.
   BlockNameViolation(std::wstring diagramName, std::uint32_t severity);
 

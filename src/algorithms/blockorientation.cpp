@@ -7,11 +7,12 @@
 namespace bkedittimecheck {
 
 BlockOrientation::BlockOrientation(std::wstring diagramName, std::uint32_t severity)
-    : BlockCheck("orvanta.kabe.kb_0403", std::move(diagramName), severity) {}
+    : BlockCheck(kCheckId, std::move(diagramName), severity) {}
 
 Verdict BlockOrientation::decideOne(const bkEditBlock& block) const {
-  return block.getBlockKind() == 131 && block.getRaEditBlock()->orientation != 0 ? Verdict::Add
-                                                                                 : Verdict::Remove;
+  return block.getBlockKind() == BlockKind::kSubSystem && block.getRaEditBlock()->orientation != 0
+             ? Verdict::Add
+             : Verdict::Remove;
 }
 
 }  // namespace bkedittimecheck

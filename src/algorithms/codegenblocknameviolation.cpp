@@ -10,7 +10,7 @@ std::string CodegenBlockNameViolation::prohibitedNamePattern;
 
 CodegenBlockNameViolation::CodegenBlockNameViolation(std::wstring diagramName,
                                                      std::uint32_t severity)
-    : NameCheck("orvanta.codegen.BlockNames", std::move(diagramName), severity),
+    : NameCheck(kCheckId, std::move(diagramName), severity),
       codegenFootnoteTags(makeCodegenFootnoteTags()),
       productionFootnoteTags(makeProductionFootnoteTags()) {}
 

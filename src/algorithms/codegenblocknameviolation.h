@@ -6,6 +6,7 @@
 
 #include "src/algorithms/codegenfootnotes.h"
 #include "src/algorithms/namecheck.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -13,6 +14,9 @@ namespace bkedittimecheck {
 /// line. Severity 3; the violation type is "CodegenBlockNameViolation". Worker thread only.
 class CodegenBlockNameViolation : public NameCheck {
  public:
+  static constexpr char kCheckId[] = "orvanta.codegen.BlockNames";
+  static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
+
   /// Any thread. Never throws beyond allocation.
   CodegenBlockNameViolation(std::wstring diagramName, std::uint32_t severity);
 

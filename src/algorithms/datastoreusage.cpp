@@ -14,6 +14,10 @@ namespace bkedittimecheck {
 
 namespace {
 
+// The levels of the diagram's "UniqueDataStoreMsg"; 0 (none) and any other value report nothing.
+constexpr std::int32_t kDiagnosticWarning = 1;
+constexpr std::int32_t kDiagnosticError = 2;
+
 // Made once, under the language's guarded initialisation: two diagrams may run this at once.
 const std::string& sameGraphType() {
   static const std::string type = "DuplicateDataStoreMemoryBlocksSameGraph";
@@ -34,8 +38,8 @@ bool DataStoreUsage::evaluate(bkEditBD& data, ViolationDatabase& database) {
   using Block = std::shared_ptr<bkEditBlock>;
   // The worker alone changes the map, so it is read in place.
   std::map<std::wstring, std::vector<Block>> byName;
-  for (const auto& [handle, block] : data.blocks) {
-    if (!block || block->getBlockKind() != 22) continue;
+  for (const auto& [handle, block] : data.blockMap()) {
+    if (!block || block->getBlockKind() != BlockKind::kDataStoreMemory) continue;
     const std::string name =
         block->getDefaultEditBlock() ? block->getDefaultEditBlock()->stringParam0 : "";
     auto it = byName.find(fromNarrow(name));
@@ -47,7 +51,7 @@ bool DataStoreUsage::evaluate(bkEditBD& data, ViolationDatabase& database) {
   }
 
   // A plain read: a stale level only defers the right answer to the next run.
-  const std::int32_t level = data.uniqueDataStoreMsg.load(std::memory_order_relaxed);
+  const std::int32_t level = data.getUniqueDataStoreMsg();
   std::vector<std::shared_ptr<EditTimeViolation>> found;
   const auto make = [this, &found](const bkEditBlock& block, const std::string& type,
                                    std::uint32_t recordSeverity) {
@@ -57,22 +61,22 @@ bool DataStoreUsage::evaluate(bkEditBD& data, ViolationDatabase& database) {
     r->blockPath = block.getFullPath();
     found.push_back(std::move(r));
   };
-  if (severity == 1 || severity == 5) {
+  if (severity == Severity::kError || severity == Severity::kBoth) {
     for (const auto& [name, list] : byName) {
       if (list.size() < 2) continue;
       for (std::size_t i = 0; i < list.size(); ++i) {
         for (std::size_t j = 0; j < list.size(); ++j) {
           if (i == j) continue;
-          if (inSameSystem(*list[i], *list[j])) make(*list[i], sameGraphType(), 1);
-          if (level == 2) make(*list[i], diagnosticType(), 1);
-          if (level == 1) make(*list[i], diagnosticType(), 0);
+          if (inSameSystem(*list[i], *list[j])) make(*list[i], sameGraphType(), Severity::kError);
+          if (level == kDiagnosticError) make(*list[i], diagnosticType(), Severity::kError);
+          if (level == kDiagnosticWarning) make(*list[i], diagnosticType(), Severity::kWarning);
         }
       }
     }
   }
 
-  for (const auto& [handle, block] : data.blocks) {
-    if (!block || block->getBlockKind() != 22) continue;
+  for (const auto& [handle, block] : data.blockMap()) {
+    if (!block || block->getBlockKind() != BlockKind::kDataStoreMemory) continue;
     const std::vector<EditTimeViolation> present = database.violationsOfBlock(handle, checkId);
     for (const auto& r : found) {
       if (r->blockHandle == handle && r->isCommented == 0) database.add(r);

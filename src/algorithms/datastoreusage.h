@@ -4,6 +4,7 @@
 #include <string>
 
 #include "src/algorithms/diagramcheck.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -14,8 +15,8 @@ namespace bkedittimecheck {
 /// the check's records on data store blocks. Worker thread only.
 class DataStoreUsage : public DiagramCheck {
  public:
-  static constexpr const char* kCheckId = "orvanta.blockara.DataStoreUsage";
-  static constexpr std::uint32_t kSeverity = 5;
+  static constexpr char kCheckId[] = "orvanta.blockara.DataStoreUsage";
+  static constexpr std::uint32_t kSeverity = Severity::kBoth;
 
   /// Any thread. Never throws beyond allocation.
   DataStoreUsage(std::wstring diagramName, std::uint32_t severity);

@@ -33,7 +33,7 @@ EditTimeAlgorithms::~EditTimeAlgorithms() = default;
 
 void EditTimeAlgorithms::prepare() {}
 
-bool EditTimeAlgorithms::runCheck() { return true; }
+bool EditTimeAlgorithms::runCheck(const CheckContext& /*context*/) { return true; }
 
 void EditTimeAlgorithms::setInputParametersChanged(bool changed) {
   ParametersChangedFlag& flag = parametersChanged();

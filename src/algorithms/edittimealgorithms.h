@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "src/algorithms/checkcontext.h"
+
 namespace bkedittimecheck {
 
 /// The pair of parameters that decides which blocks a check looks at.
@@ -30,10 +32,10 @@ class EditTimeAlgorithms {
   /// Worker thread. A hook that no check needs; does nothing.
   virtual void prepare();
 
-  /// Worker thread. Does the whole work of the check for one run. The result is informative
-  /// only (false: the diagram's data were missing, or the last decision added a record); no
-  /// caller relies on it. May throw; the analyzer swallows it.
-  virtual bool runCheck();
+  /// Worker thread. Does the whole work of the check for one run on the diagram's parts in
+  /// `context`. The result is informative only (false: the diagram's data were missing, or the
+  /// last decision added a record); no caller relies on it. May throw; the analyzer swallows it.
+  virtual bool runCheck(const CheckContext& context);
 
   /// Any thread. Marks the check parameters as to be read again (true) or as read (false).
   static void setInputParametersChanged(bool changed);

@@ -24,7 +24,7 @@ const std::string& visibilityOf(const bkEditBlock& go) {
 const std::string& tagOf(const bkEditBlock& block) {
   // A Goto keeps its visibility first and its tag second; From and visibility blocks the tag.
   const bkDefaultEditBlock& d = *block.getDefaultEditBlock();
-  return block.getBlockKind() == 56 ? d.stringParam1 : d.stringParam0;
+  return block.getBlockKind() == BlockKind::kGoto ? d.stringParam1 : d.stringParam0;
 }
 
 bool hasRecordFor(const Records& records, double handle) {
@@ -40,9 +40,9 @@ class Pairing {
     for (const auto& [handle, block] : blocks) {
       if (!block || block->getIsCommented() || !block->getDefaultEditBlock()) continue;
       switch (block->getBlockKind()) {
-        case 51: froms[tagOf(*block)].push_back(block); break;
-        case 56: gotos[tagOf(*block)].push_back(block); break;
-        case 57: visibilities[tagOf(*block)].push_back(block); break;
+        case BlockKind::kFrom: froms[tagOf(*block)].push_back(block); break;
+        case BlockKind::kGoto: gotos[tagOf(*block)].push_back(block); break;
+        case BlockKind::kGotoTagVisibility: visibilities[tagOf(*block)].push_back(block); break;
         default: break;
       }
     }
@@ -98,7 +98,7 @@ class Pairing {
       const auto it = gotos.find(tag);
       for (const Block& from : list) {
         if (it == gotos.end() || !paired(*from, it->second, tag, false)) {
-          fromViolations.push_back(record(*from, "NoMatchingGoTO", 0));
+          fromViolations.push_back(record(*from, "NoMatchingGoTO", Severity::kWarning));
         }
       }
     }
@@ -106,7 +106,7 @@ class Pairing {
       const auto it = froms.find(tag);
       for (const Block& go : list) {
         if (it == froms.end() || !paired(*go, it->second, tag, true)) {
-          gotoViolations.push_back(record(*go, "NoMatchingFrom", 0));
+          gotoViolations.push_back(record(*go, "NoMatchingFrom", Severity::kWarning));
         }
       }
     }
@@ -115,7 +115,7 @@ class Pairing {
       for (const Block& x : list) {
         for (const Block& y : list) {
           if (x != y && inSameSystem(*x, *y)) {
-            visibilityViolations.push_back(record(*x, "DuplicateGoToTagVisibility", 1));
+            visibilityViolations.push_back(record(*x, "DuplicateGoToTagVisibility", Severity::kError));
             break;
           }
         }
@@ -127,7 +127,8 @@ class Pairing {
     for (const auto& [tag, list] : gotos) {
       for (const Block& go : list) {
         if (visibilityOf(*go) == "TAG_SCOPED" && visibilities.count(tag) == 0) {
-          gotoViolations.push_back(record(*go, "NoMatchingGoToTagVisibilityBlock", 1));
+          gotoViolations.push_back(
+              record(*go, "NoMatchingGoToTagVisibilityBlock", Severity::kError));
         }
       }
       if (list.size() < 2) continue;
@@ -137,7 +138,7 @@ class Pairing {
           const bool bothGlobal =
               visibilityOf(*a) == "TAG_GLOBAL" && visibilityOf(*b) == "TAG_GLOBAL";
           if ((inSameSystem(*a, *b) && visibilityOf(*a) == visibilityOf(*b)) || bothGlobal) {
-            gotoViolations.push_back(record(*a, "DuplicateGoTo", 1));
+            gotoViolations.push_back(record(*a, "DuplicateGoTo", Severity::kError));
             break;
           }
         }
@@ -204,11 +205,11 @@ GoToFromBlockMismatch::GoToFromBlockMismatch(std::wstring diagramName, std::uint
 
 bool GoToFromBlockMismatch::evaluate(bkEditBD& data, ViolationDatabase& database) {
   // Past the limit the check is off for the diagram rather than slow; old findings stay.
-  if (data.tooManyRoutingBlocks) return true;
-  const std::map<double, Block> blocks = data.blocks;
+  if (data.hasTooManyRoutingBlocks()) return true;
+  const std::map<double, Block> blocks = data.blockMap();
   Pairing pairing(checkId, blocks);
-  if (severity == 0 || severity == 5) pairing.pairingGroup();
-  if (severity == 1 || severity == 5) pairing.gotoGroup();
+  if (severity == Severity::kWarning || severity == Severity::kBoth) pairing.pairingGroup();
+  if (severity == Severity::kError || severity == Severity::kBoth) pairing.gotoGroup();
   pairing.apply(database);
   return true;
 }

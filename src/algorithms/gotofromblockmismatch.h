@@ -4,6 +4,7 @@
 #include <string>
 
 #include "src/algorithms/diagramcheck.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -14,8 +15,8 @@ namespace bkedittimecheck {
 /// type. Scope plays no part; commented blocks drop out of the pairing. Worker thread only.
 class GoToFromBlockMismatch : public DiagramCheck {
  public:
-  static constexpr const char* kCheckId = "orvanta.blockara.GoToFromBlockMismatch";
-  static constexpr std::uint32_t kSeverity = 5;
+  static constexpr char kCheckId[] = "orvanta.blockara.GoToFromBlockMismatch";
+  static constexpr std::uint32_t kSeverity = Severity::kBoth;
 
   /// Any thread. Never throws beyond allocation.
   GoToFromBlockMismatch(std::wstring diagramName, std::uint32_t severity);

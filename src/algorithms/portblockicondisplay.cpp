@@ -7,11 +7,11 @@
 namespace bkedittimecheck {
 
 PortBlockIconDisplay::PortBlockIconDisplay(std::wstring diagramName, std::uint32_t severity)
-    : BlockCheck("orvanta.kabe.kb_0404", std::move(diagramName), severity) {}
+    : BlockCheck(kCheckId, std::move(diagramName), severity) {}
 
 bool PortBlockIconDisplay::considers(const bkEditBlock& block) const {
   // Kind 67 shares the icon parameter but stays outside this check.
-  return block.getBlockKind() == 66 || block.getBlockKind() == 88;
+  return block.getBlockKind() == BlockKind::kInport || block.getBlockKind() == BlockKind::kOutport;
 }
 
 Verdict PortBlockIconDisplay::decideOne(const bkEditBlock& block) const {

@@ -9,10 +9,10 @@ namespace bkedittimecheck {
 std::string PortNameViolation::prohibitedNamePattern;
 
 PortNameViolation::PortNameViolation(std::wstring diagramName, std::uint32_t severity)
-    : NameCheck("orvanta.kabe.kb_0405", std::move(diagramName), severity) {}
+    : NameCheck(kCheckId, std::move(diagramName), severity) {}
 
 bool PortNameViolation::considers(const bkEditBlock& block) const {
-  return block.getBlockKind() == 66 || block.getBlockKind() == 67 || block.getBlockKind() == 88;
+  return BlockKind::isPortBlock(block.getBlockKind());
 }
 
 Verdict PortNameViolation::decideOne(const bkEditBlock& block) const {

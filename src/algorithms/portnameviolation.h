@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "src/algorithms/namecheck.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -12,6 +13,9 @@ namespace bkedittimecheck {
 /// violation type is "PortNameViolation". Worker thread only.
 class PortNameViolation : public NameCheck {
  public:
+  static constexpr char kCheckId[] = "orvanta.kabe.kb_0405";
+  static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
+
   /// Any thread. Never throws beyond allocation.
   PortNameViolation(std::wstring diagramName, std::uint32_t severity);
 

@@ -7,7 +7,7 @@
 namespace bkedittimecheck {
 
 ProductionCodeGenSupport::ProductionCodeGenSupport(std::wstring diagramName, std::uint32_t severity)
-    : BlockCheck("orvanta.codegen.PCGSupport", std::move(diagramName), severity),
+    : BlockCheck(kCheckId, std::move(diagramName), severity),
       codegenFootnoteTags(makeCodegenFootnoteTags()),
       productionFootnoteTags(makeProductionFootnoteTags()) {}
 

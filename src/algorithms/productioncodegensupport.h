@@ -6,6 +6,7 @@
 
 #include "src/algorithms/blockcheck.h"
 #include "src/algorithms/codegenfootnotes.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -15,6 +16,9 @@ namespace bkedittimecheck {
 /// scope is whatever the shared map holds. Worker thread only.
 class ProductionCodeGenSupport : public BlockCheck {
  public:
+  static constexpr char kCheckId[] = "orvanta.codegen.PCGSupport";
+  static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
+
   /// Any thread. Never throws beyond allocation.
   ProductionCodeGenSupport(std::wstring diagramName, std::uint32_t severity);
 

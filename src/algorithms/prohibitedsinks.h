@@ -4,15 +4,19 @@
 #include <string>
 #include <vector>
 
-#include "src/algorithms/blocklistcheck.h"
+#include "src/algorithms/prohibitedlistcheck.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
 /// "orvanta.kabe.kb_0408": sink whose type and mask type stand on a configured list, which is
 /// prohibited or, with "Treat blocktype list as" "Allowed", the only allowed one. Severity 3; the
 /// violation type is "ProhibitedSinks". Worker thread only.
-class ProhibitedSinks : public BlockListCheck {
+class ProhibitedSinks : public ProhibitedListCheck {
  public:
+  static constexpr char kCheckId[] = "orvanta.kabe.kb_0408";
+  static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
+
   /// Any thread. Never throws beyond allocation.
   ProhibitedSinks(std::wstring diagramName, std::uint32_t severity);
 
@@ -23,13 +27,9 @@ class ProhibitedSinks : public BlockListCheck {
 
   std::vector<std::string> violationTypes() const override { return {"ProhibitedSinks"}; }
 
-  /// Worker thread. Replaces the list and the scope pair from the check's entry; see
-  /// `readBlockTypeList`.
-  void readParameters(const boost::property_tree::ptree& configuration) override;
-
  protected:
   BlockTypeList& blockTypes() const override { return blockTypeList; }
-  Verdict decideOne(const bkEditBlock& block) const override;
+  bool& listIsProhibited() const override { return treatListAsProhibited; }
 };
 
 }  // namespace bkedittimecheck

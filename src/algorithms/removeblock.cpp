@@ -3,17 +3,15 @@
 #include <utility>
 
 #include "src/bkeditbd.h"
-#include "src/edittimecontroller.h"
 
 namespace bkedittimecheck {
 
 RemoveBlock::RemoveBlock(std::wstring diagramName, std::uint32_t severity)
-    : EditTimeAlgorithms("internal.RemoveBlock", std::move(diagramName), severity) {}
+    : EditTimeAlgorithms(kCheckId, std::move(diagramName), severity) {}
 
-bool RemoveBlock::runCheck() {
-  const std::shared_ptr<bkEditBD> data = EditTimeController::instance().findEditBD(diagramName);
-  if (!data) return false;
-  data->processDeletions();
+bool RemoveBlock::runCheck(const CheckContext& context) {
+  if (!context.data) return false;
+  context.data->processDeletions(context.violations.get());
   return true;
 }
 

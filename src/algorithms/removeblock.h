@@ -4,6 +4,7 @@
 #include <string>
 
 #include "src/algorithms/edittimealgorithms.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -12,11 +13,14 @@ namespace bkedittimecheck {
 /// reports nothing and is never selected. Worker thread only.
 class RemoveBlock : public EditTimeAlgorithms {
  public:
+  static constexpr char kCheckId[] = "internal.RemoveBlock";
+  static constexpr std::uint32_t kSeverity = Severity::kBoth;
+
   /// Any thread. Never throws beyond allocation.
   RemoveBlock(std::wstring diagramName, std::uint32_t severity);
 
   /// Worker thread. False when the diagram has no data; true otherwise.
-  bool runCheck() override;
+  bool runCheck(const CheckContext& context) override;
 };
 
 }  // namespace bkedittimecheck

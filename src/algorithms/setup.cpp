@@ -3,16 +3,14 @@
 #include <utility>
 
 #include "src/bkeditbd.h"
-#include "src/edittimecontroller.h"
 
 namespace bkedittimecheck {
 
 Setup::Setup(std::wstring diagramName)
-    : EditTimeAlgorithms("internal.DBsetup", std::move(diagramName), 5) {}
+    : EditTimeAlgorithms(kCheckId, std::move(diagramName), kSeverity) {}
 
-bool Setup::runCheck() {
-  const std::shared_ptr<bkEditBD> data = EditTimeController::instance().findEditBD(diagramName);
-  if (data) data->processChanges();
+bool Setup::runCheck(const CheckContext& context) {
+  if (context.data) context.data->processChanges(context.violations.get());
   return true;
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "src/algorithms/edittimealgorithms.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -12,11 +13,14 @@ namespace bkedittimecheck {
 /// reports nothing and is never selected. Worker thread only.
 class Setup : public EditTimeAlgorithms {
  public:
+  static constexpr char kCheckId[] = "internal.DBsetup";
+  static constexpr std::uint32_t kSeverity = Severity::kBoth;
+
   /// Any thread. The severity is 5. Never throws beyond allocation.
   explicit Setup(std::wstring diagramName);
 
   /// Worker thread. Always true; does nothing when the diagram has no data.
-  bool runCheck() override;
+  bool runCheck(const CheckContext& context) override;
 };
 
 }  // namespace bkedittimecheck

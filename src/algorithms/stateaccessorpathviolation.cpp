@@ -31,10 +31,10 @@ StateAccessorPathViolation::StateAccessorPathViolation(std::wstring diagramName,
     : DiagramCheck(kCheckId, std::move(diagramName), severity) {}
 
 bool StateAccessorPathViolation::evaluate(bkEditBD& data, ViolationDatabase& database) {
-  const std::map<double, std::shared_ptr<bkEditBlock>> blocks = data.blocks;
+  const std::map<double, std::shared_ptr<bkEditBlock>> blocks = data.blockMap();
   bool clean = true;
   for (const auto& [handle, block] : blocks) {
-    if (!block || (block->getBlockKind() != 123 && block->getBlockKind() != 125)) continue;
+    if (!block || !BlockKind::isStateAccessor(block->getBlockKind())) continue;
     const auto record = [&](const char* type) {
       auto r = std::make_shared<EditTimeViolation>(checkId, type, severity, handle);
       r->isCommented = block->getIsCommented() ? 1 : 0;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "src/algorithms/diagramcheck.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -14,8 +15,8 @@ namespace bkedittimecheck {
 /// only ever removed. Records carry the check's severity. Worker thread only.
 class StateAccessorPathViolation : public DiagramCheck {
  public:
-  static constexpr const char* kCheckId = "orvanta.blockara.StateAccessorPathViolation";
-  static constexpr std::uint32_t kSeverity = 1;
+  static constexpr char kCheckId[] = "orvanta.blockara.StateAccessorPathViolation";
+  static constexpr std::uint32_t kSeverity = Severity::kError;
 
   /// Any thread. Never throws beyond allocation.
   StateAccessorPathViolation(std::wstring diagramName, std::uint32_t severity);

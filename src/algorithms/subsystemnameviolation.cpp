@@ -9,13 +9,13 @@ namespace bkedittimecheck {
 std::string SubsystemNameViolation::prohibitedNamePattern;
 
 SubsystemNameViolation::SubsystemNameViolation(std::wstring diagramName, std::uint32_t severity)
-    : NameCheck("orvanta.kabe.kb_0406", std::move(diagramName), severity) {}
+    : NameCheck(kCheckId, std::move(diagramName), severity) {}
 
 Verdict SubsystemNameViolation::decideOne(const bkEditBlock& block) const {
   const bkRAEditBlock& ra = *block.getRaEditBlock();
-  if (block.getBlockKind() != 131 || ra.isBlockaraFunction) return Verdict::Leave;
-  if (ra.subsystemType == 2) return Verdict::Remove;
-  if (ra.functionPackaging == 1) return Verdict::Remove;  // inlined
+  if (block.getBlockKind() != BlockKind::kSubSystem || ra.isBlockaraFunction) return Verdict::Leave;
+  if (ra.subsystemType == kExemptSubsystemType) return Verdict::Remove;
+  if (ra.functionPackaging == FunctionPackaging::kInline) return Verdict::Remove;
   return searchWhole(compiled, block.getBlockName()) ? Verdict::Add : Verdict::Remove;
 }
 

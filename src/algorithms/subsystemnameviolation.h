@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "src/algorithms/namecheck.h"
+#include "src/editcodes.h"
 
 namespace bkedittimecheck {
 
@@ -12,6 +13,9 @@ namespace bkedittimecheck {
 /// Severity 3; the violation type is "SubsystemNameViolation". Worker thread only.
 class SubsystemNameViolation : public NameCheck {
  public:
+  static constexpr char kCheckId[] = "orvanta.kabe.kb_0406";
+  static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
+
   /// Any thread. Never throws beyond allocation.
   SubsystemNameViolation(std::wstring diagramName, std::uint32_t severity);
 

@@ -1,6 +1,8 @@
 #include "src/configuration/exclusionmanager.h"
 
 #include <algorithm>
+#include <boost/property_tree/ptree.hpp>
+#include <boost/property_tree/xml_parser.hpp>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -8,16 +10,13 @@
 #include <mutex>
 #include <sstream>
 
-#include <boost/property_tree/ptree.hpp>
-#include <boost/property_tree/xml_parser.hpp>
-
 #include "host/model/bkglue.h"
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
 #include "host/package/bkblockdiagramloadsave.h"
 #include "host/package/bkspackage.h"
 #include "host/prefs/edittimepreferences.h"
-#include "src/algorithms/edittimeviolation.h"
+#include "src/edittimeviolation.h"
 #include "src/hostinterface.h"
 
 namespace bkedittimecheck {
@@ -90,8 +89,7 @@ void refuseDeepNesting(const std::string& text, const std::string& file) {
       const bool selfClosing = j < text.size() && text[j - 1] == '/';
       if (!selfClosing && ++depth > ExclusionManager::maxNesting) {
         throw pt::xml_parser_error(
-            "elements nest deeper than " + std::to_string(ExclusionManager::maxNesting) +
-                " levels",
+            "elements nest deeper than " + std::to_string(ExclusionManager::maxNesting) + " levels",
             file, lineAt(text, start));
       }
       i = j + 1;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "src/editcodes.h"
 #include "src/features.h"
 #include "src/hostinterface.h"
 
@@ -27,19 +28,19 @@ std::string dialogParameter(const BKBlock* block, const std::string& name) {
 std::shared_ptr<bkDefaultEditBlock> makeDefaultEditBlock(BKBlock* block, int kind) {
   auto data = std::make_shared<bkDefaultEditBlock>();
   switch (kind) {
-    case 56:
+    case BlockKind::kGoto:
       data->stringParam0 = tagVisibilityWord(dialogParameter(block, "TagVisibility"));
       data->stringParam1 = BKBlock::getGrParamValue(block, 0, 0);
       break;
-    case 51:
-    case 57:
+    case BlockKind::kFrom:
+    case BlockKind::kGotoTagVisibility:
       data->stringParam0 = dialogParameter(block, "GotoTag");
       break;
-    case 22:
+    case BlockKind::kDataStoreMemory:
       data->stringParam0 = dialogParameter(block, "DataStoreName");
       break;
-    case 123:
-    case 125: {
+    case BlockKind::kStateReader:
+    case BlockKind::kStateWriter: {
       std::string owner = dialogParameter(block, "StateOwnerBlock");
       if (owner.compare(0, 3, "../") == 0) owner = resolveRelativeBlockPath(block, owner);
       data->stringParam0 = owner;
@@ -56,33 +57,33 @@ std::shared_ptr<bkRAEditBlock> makeRaEditBlock(BKBlock* block, int kind) {
   auto ra = std::make_shared<bkRAEditBlock>();
   if (const BKMask* mask = block->getMask()) ra->maskType = toWide(mask->type);
   ra->blockType = fromNarrow(typeNameOf(block));
-  if (kind == 66 || kind == 67) ra->enumParameterValue = block->getGrEnumPrmValue(6);
-  if (kind == 88) ra->enumParameterValue = block->getGrEnumPrmValue(10);
+  if (kind == BlockKind::kInport || kind == BlockKind::kInportShadow) {
+    ra->enumParameterValue = block->getGrEnumPrmValue(6);
+  }
+  if (kind == BlockKind::kOutport) ra->enumParameterValue = block->getGrEnumPrmValue(10);
   ra->orientation = block->getGrOrientation();
   const unsigned flags = block->getPlatformFlags();
   ra->rawFlagBit1 = (flags & 0x2u) != 0;
   ra->rawFlagBit2 = (flags & 0x4u) != 0;
-  if (kind == 131) {
+  if (kind == BlockKind::kSubSystem) {
     const SubsystemFacts facts = subsystemFactsOf(block);
     if (facts.isAtomic) {
-      ra->functionPackaging = facts.isCodeAuto             ? 0
-                              : facts.isFunction           ? 2
-                              : facts.isReusableFunction   ? 3
-                                                           : 1;
+      ra->functionPackaging = facts.isCodeAuto           ? FunctionPackaging::kAuto
+                              : facts.isFunction         ? FunctionPackaging::kFunction
+                              : facts.isReusableFunction ? FunctionPackaging::kReusableFunction
+                                                         : FunctionPackaging::kInline;
     }
     ra->isBlockaraFunction = facts.isBlockaraFunction;
     ra->subsystemType = facts.subsystemType;
   }
-  ra->capabilitySupport8 = block->getType().capability(8);
-  ra->capabilitySupport9 = block->getType().capability(9);
+  ra->capabilitySupport8 = block->getType().capability(kCodegenCapability);
+  ra->capabilitySupport9 = block->getType().capability(kProductionCapability);
   ra->codegenFootnote = block->getType().footnote("codegen");
   ra->productionFootnote = block->getType().footnote("production");
   return ra;
 }
 
-bool needsDefaultEditBlock(int kind) {
-  return kind == 22 || kind == 51 || kind == 56 || kind == 57 || kind == 123 || kind == 125;
-}
+bool needsDefaultEditBlock(int kind) { return BlockKind::isKeptAcrossPasses(kind); }
 
 }  // namespace
 

@@ -6,6 +6,7 @@
 #include "host/style/classselector.h"
 #include "host/style/glow.h"
 #include "host/style/style.h"
+#include "src/editcodes.h"
 #include "src/violationdatabase.h"
 
 namespace bkedittimecheck {
@@ -39,11 +40,11 @@ ds::Styler* createEditTimeStyler() {
 
 const char* violationCategory(std::uint32_t severity) {
   switch (severity) {
-    case 1:
+    case Severity::kError:
       return "EDITTIME_ERROR";
-    case 3:
+    case Severity::kAuditorWarning:
       return "RAWARNING";
-    case 4:
+    case Severity::kAuditorError:
       return "RAERROR";
     default:
       return "EDITTIME_WARNING";
@@ -104,16 +105,16 @@ void EditTimeStyling::removeStyling(std::uint32_t code) {
     for (const auto& entry : blocks) styler.removeClass(entry.first, className);
   };
   switch (code) {
-    case 8:
+    case EditTimeEvent::kAuditorOff:
       // A block that also has an edit-time warning keeps its "Warn".
       removeFrom(violations.blocksWithOnlyAuditorViolations(), L"Warn");
       violations.removeAuditorViolations();
       break;
-    case 11:
+    case EditTimeEvent::kErrorsOff:
       removeFrom(violations.blocksWithErrors(), L"Error");
       violations.removeErrors();
       break;
-    case 13:
+    case EditTimeEvent::kWarningsOff:
       removeFrom(violations.blocksWithEditTimeWarnings(), L"Warn");
       violations.removeWarnings();
       break;
@@ -136,7 +137,7 @@ std::vector<std::string> EditTimeStyling::getBlockViolationStrings(double handle
   if (!isAlive(handle)) return strings;
   for (const EditTimeViolation& record : violations.violationsOf(handle)) {
     // The comment state plays no part here: a commented block still reports.
-    if ((record.severity == 3 || record.severity == 4) && isExcluded(handle, record)) continue;
+    if (Severity::isAuditor(record.severity) && isExcluded(handle, record)) continue;
     strings.push_back(record.violationType);
     strings.push_back(record.checkId);
     strings.push_back(violationCategory(record.severity));

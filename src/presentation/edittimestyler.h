@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/style/styler.h"
-#include "src/algorithms/edittimeviolation.h"
+#include "src/edittimeviolation.h"
 
 namespace bkedittimecheck {
 

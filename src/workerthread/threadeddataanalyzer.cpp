@@ -28,16 +28,17 @@ void ThreadedDataAnalyzer::run(void* /*context*/) {
     controller.forgetClosingEngine(name, engineId);
     return;
   }
-  std::shared_ptr<bkEditBD> data = engine->getData();
-  if (!data) {
+  const CheckContext context{engine->getData(), engine->getViolations(),
+                             engine->getCheckSelector()};
+  if (!context.data) {
     try {
-      requestStyling();
+      requestStyling(nullptr);
       return;
     } catch (...) {
     }
   } else {
     try {
-      algorithm->runCheck();
+      algorithm->runCheck(context);
       engine->pendingWork().finishOne();
     } catch (...) {
       // A failing check is dropped; its pass stays counted, as nothing can tell how far it got.
@@ -46,31 +47,16 @@ void ThreadedDataAnalyzer::run(void* /*context*/) {
   profiler.stop();
   if (engine->queuedCount() == 0) {
     try {
-      requestStyling();
+      requestStyling(context.data.get());
     } catch (...) {
     }
   }
 }
 
-void ThreadedDataAnalyzer::requestStyling() {
-  const std::wstring name = algorithm->getDiagramName();
-  std::shared_ptr<bkEditBD> data = EditTimeController::instance().findEditBD(name);
+void ThreadedDataAnalyzer::requestStyling(bkEditBD* data) {
   EditTimeAlgorithms::setInputParametersChanged(false);
-  if (data) {
-    for (auto it = data->blocks.begin(); it != data->blocks.end();) {
-      const int kind = it->second->getBlockKind();
-      // Cross-block checks need these between passes; everything else lives for one pass.
-      const bool keep = kind == 22 || kind == 51 || kind == 56 || kind == 57 || kind == 123 ||
-                        kind == 125 || it->second->hasChartData();
-      if (keep) {
-        it->second->dropRaEditBlock();
-        ++it;
-      } else {
-        it = data->blocks.erase(it);
-      }
-    }
-  }
-  postApplyStyle(name, engineId);
+  if (data) data->pruneAfterPass();
+  postApplyStyle(algorithm->getDiagramName(), engineId);
 }
 
 }  // namespace bkedittimecheck

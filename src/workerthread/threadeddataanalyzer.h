@@ -8,6 +8,8 @@
 
 namespace bkedittimecheck {
 
+class bkEditBD;
+
 /// Runs one check of one pass on the worker, for the engine that queued it. When the last
 /// queued check of the engine is done it asks the main thread to style the diagram.
 class ThreadedDataAnalyzer : public WorkerQueueFunc {
@@ -23,7 +25,9 @@ class ThreadedDataAnalyzer : public WorkerQueueFunc {
   std::uint32_t getEngineId() const { return engineId; }
 
  private:
-  void requestStyling();
+  // Clears the "parameters changed" flag, prunes the block map of `data` (null: none) and posts
+  // the styling of the pass.
+  void requestStyling(bkEditBD* data);
 
   std::shared_ptr<EditTimeAlgorithms> algorithm;
   std::uint32_t engineId;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "host/signals/bkplugin.h"
+#include "tests/src/bkeditbdprobe.h"
 #include "tests/src/enginefixture.h"
 
 namespace bkedittimecheck::testing {
@@ -147,11 +148,11 @@ TEST_F(ControllerTest, TheDataStoreDiagnosticIsTakenAtStartAndByUpdateDiagnostic
   controller().on(L"m");
   auto engine = engineOf(u"m");
   ASSERT_TRUE(engine);
-  EXPECT_EQ(engine->getData()->uniqueDataStoreMsg, 2);
+  EXPECT_EQ(engine->getData()->getUniqueDataStoreMsg(), 2);
   d->editing().setModelParam("UniqueDataStoreMsg", std::string("warning"));
-  EXPECT_EQ(engine->getData()->uniqueDataStoreMsg, 2);
+  EXPECT_EQ(engine->getData()->getUniqueDataStoreMsg(), 2);
   controller().updateDiagnostic(L"m");
-  EXPECT_EQ(engine->getData()->uniqueDataStoreMsg, 1);
+  EXPECT_EQ(engine->getData()->getUniqueDataStoreMsg(), 1);
 }
 
 }  // namespace

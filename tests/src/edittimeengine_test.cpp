@@ -4,6 +4,7 @@
 #include "host/model/bkblock.h"
 #include "host/style/glow.h"
 #include "host/style/styler.h"
+#include "tests/src/bkeditbdprobe.h"
 #include "tests/src/enginefixture.h"
 
 namespace bkedittimecheck::testing {
@@ -36,10 +37,10 @@ TEST_F(EngineBatchTest, AddedBlocksOnlyRoutingBlocksAreTakenAndDeletionsRunFirst
   takeEvents();
   {
     blockara::EditBatch batch(*d);
-    e().addBlock(u"m", "Gain", u"g");                  // on view, but held back until scanned
-    e().addBlock(u"m/hidden", "Goto", u"go");          // routing: taken though not on view
+    e().addBlock(u"m", "Gain", u"g");          // on view, but held back until scanned
+    e().addBlock(u"m/hidden", "Goto", u"go");  // routing: taken though not on view
     e().addBlock(u"m/hidden", "DataStoreMemory", u"ds");
-    e().addBlock(u"m/hidden", "Constant", u"c");       // neither routing nor on view
+    e().addBlock(u"m/hidden", "Constant", u"c");  // neither routing nor on view
   }
   EXPECT_EQ(takeChanged(*data), (Names{"go", "ds"}));
   EXPECT_TRUE(takeDeleted(*data).empty());
@@ -74,12 +75,13 @@ TEST_F(EngineBatchTest, ChangedBlocksAreTakenWhenRoutingOrOnView) {
 TEST_F(EngineBatchTest, RoutingBlocksAreAlwaysTakenUpToTheThousandth) {
   {
     blockara::EditBatch batch(*d);
-    for (int i = 0; i < 1001; ++i) e().addBlock(u"m", "Goto", i18n::to_u16string("g" + std::to_string(i)));
+    for (int i = 0; i < 1001; ++i)
+      e().addBlock(u"m", "Goto", i18n::to_u16string("g" + std::to_string(i)));
   }
   const Names taken = takeChanged(*data);
   ASSERT_EQ(taken.size(), 1000u);
   EXPECT_EQ(taken.back(), "g999");
-  EXPECT_TRUE(data->tooManyRoutingBlocks);
+  EXPECT_TRUE(bkEditBDProbe(*data).tooManyRoutingBlocks());
   // Past the limit a Goto is an ordinary block: taken on a change only when on view.
   e().setProperties(u"m/g1000", {{"GotoTag", std::string("Z")}});
   EXPECT_EQ(takeChanged(*data), (Names{"g1000"}));
@@ -89,13 +91,13 @@ TEST_F(EngineBatchTest, DeletedBlocksAndVariantSubsystems) {
   BKBlock* gain = e().addBlock(u"m", "Gain", u"g");
   const double gainHandle = gain->getHandle();
   e().addBlock(u"m", "SubSystem", u"v", {{"Variant", std::string("on")}});
-  EXPECT_EQ(data->variantSubsystemCount, 1u);
+  EXPECT_EQ(bkEditBDProbe(*data).variantSubsystemCount(), 1u);
   EXPECT_EQ(takeEvents().back(), (Event{18, true}));
 
   // A change of a variant subsystem counts it again: only additions and deletions are balanced
   // by the host, changes are not.
   e().setProperties(u"m/v", {{"Variant", std::string("on")}});
-  EXPECT_EQ(data->variantSubsystemCount, 2u);
+  EXPECT_EQ(bkEditBDProbe(*data).variantSubsystemCount(), 2u);
   e().setProperties(u"m/v", {{"Variant", std::string("off")}});
   takeEvents();
   takeChanged(*data);
@@ -105,19 +107,19 @@ TEST_F(EngineBatchTest, DeletedBlocksAndVariantSubsystems) {
   EXPECT_EQ(takeEvents(), (std::vector<Event>{{19, true}}));
 
   e().setProperties(u"m/v", {{"Variant", std::string("on")}});
-  const unsigned before = data->variantSubsystemCount;
+  const unsigned before = bkEditBDProbe(*data).variantSubsystemCount();
   e().deleteBlock(u"m/v");
-  EXPECT_EQ(data->variantSubsystemCount, before - 1);
+  EXPECT_EQ(bkEditBDProbe(*data).variantSubsystemCount(), before - 1);
 
   // Without undo history the deleted block is gone at once: its handle is queued, the count
   // stays as it was.
   e().addBlock(u"m", "SubSystem", u"w", {{"Variant", std::string("on")}});
-  const unsigned withW = data->variantSubsystemCount;
+  const unsigned withW = bkEditBDProbe(*data).variantSubsystemCount();
   e().setUndoDepth(0);
   takeDeleted(*data);
   e().deleteBlock(u"m/w");
   EXPECT_EQ(takeDeleted(*data).size(), 1u);
-  EXPECT_EQ(data->variantSubsystemCount, withW);
+  EXPECT_EQ(bkEditBDProbe(*data).variantSubsystemCount(), withW);
 }
 
 TEST_F(EngineBatchTest, CommentChangesRouteByKind) {
@@ -136,14 +138,14 @@ TEST_F(EngineBatchTest, CommentChangesRouteByKind) {
   EXPECT_EQ(takeEvents(), (std::vector<Event>{{3, false}}));
 
   e().setCommentState(u"m/s", 2);
-  auto added = takeAll(data->blkProperties);
+  auto added = takeAll(bkEditBDProbe(*data).blkProperties());
   ASSERT_EQ(added.size(), 1u);
   EXPECT_TRUE(added[0].isAdded);
   EXPECT_EQ(added[0].pathWithSlash, L"m/s/");
   EXPECT_EQ(added[0].handle, sub->getHandle());
 
   e().setCommentState(u"m/s", 0);
-  auto removed = takeAll(data->blkProperties);
+  auto removed = takeAll(bkEditBDProbe(*data).blkProperties());
   ASSERT_EQ(removed.size(), 1u);
   EXPECT_FALSE(removed[0].isAdded);
   EXPECT_EQ(takeEvents().back(), (Event{3, false}));
@@ -153,10 +155,10 @@ TEST_F(EngineBatchTest, RenamedSubsystemsQueueTheirPathChange) {
   e().addBlock(u"m", "SubSystem", u"s");
   e().addBlock(u"m/s", "Goto", u"go");
   takeChanged(*data);
-  takeAll(data->subsysNameChanges);
+  takeAll(bkEditBDProbe(*data).subsysNameChanges());
   takeEvents();
   e().renameBlock(u"m/s", u"t");
-  auto changes = takeAll(data->subsysNameChanges);
+  auto changes = takeAll(bkEditBDProbe(*data).subsysNameChanges());
   ASSERT_EQ(changes.size(), 1u);
   EXPECT_EQ(changes[0].oldPath, L"m/s");
   EXPECT_EQ(changes[0].newPath, L"m/t");
@@ -185,7 +187,7 @@ TEST_F(EngineBatchTest, StateAccessorSnapshotsResolveTheirOwnerAsTheHostDoes) {
   e().addBlock(u"m", "StateWriter", u"w", {{"StateOwnerBlock", std::string("m/gone")}});
   std::vector<std::shared_ptr<bkEditBlock>> taken;
   std::shared_ptr<bkEditBlock> block;
-  while (data->changedBlocks.try_pop(block)) taken.push_back(block);
+  while (bkEditBDProbe(*data).changedBlocks().try_pop(block)) taken.push_back(block);
   ASSERT_EQ(taken.size(), 2u);
   ASSERT_TRUE(taken[0]->getDefaultEditBlock());
   EXPECT_EQ(taken[0]->getDefaultEditBlock()->stringParam0, "m/owner");

@@ -1,12 +1,14 @@
 // The two graph scans: one system level per cooperative slice, the next slice only after the
 // styling of a pass, and tasks that outlive their engine.
+#include "src/edittimetaskmanager.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 #include "host/runtime/cooperativetaskmanager.h"
-#include "src/edittimetaskmanager.h"
 #include "src/edittimetaskmanagerworkspace.h"
+#include "tests/src/bkeditbdprobe.h"
 #include "tests/src/enginefixture.h"
 
 namespace bkedittimecheck::testing {
@@ -51,9 +53,10 @@ class ScanTest : public EngineFixture {
 
 TEST_F(ScanTest, OneGraphPerSliceAndTheNextOnlyAfterStyling) {
   build(true, {u"m/s1", u"m/s2", u"m/s3"});
-  ASSERT_EQ(data->visibleGraphs.size(), 4u);
-  ASSERT_EQ(data->visibleGraphsDone.size(), 1u);  // the view change scanned the root
-  ASSERT_EQ(data->auditorGraphsDone.size(), 1u);
+  ASSERT_EQ(bkEditBDProbe(*data).visibleGraphs().size(), 4u);
+  ASSERT_EQ(bkEditBDProbe(*data).visibleGraphsDone().size(),
+            1u);  // the view change scanned the root
+  ASSERT_EQ(bkEditBDProbe(*data).auditorGraphsDone().size(), 1u);
   EXPECT_FALSE(CooperativeTaskManager::hasPendingWork());
 
   for (const std::string s : {"s1", "s2", "s3"}) {
@@ -64,7 +67,7 @@ TEST_F(ScanTest, OneGraphPerSliceAndTheNextOnlyAfterStyling) {
     ASSERT_TRUE(CooperativeTaskManager::processNext());  // the rule-auditor slice
     EXPECT_EQ(takeChanged(*data), Names{"in_" + s}) << s;
     EXPECT_EQ(takeEvents(), (std::vector<Event>{{1, false}}));
-    EXPECT_EQ(data->auditorPathsDone.count(L"m/" + fromNarrow(s)), 1u);
+    EXPECT_EQ(bkEditBDProbe(*data).auditorPathsDone().count(L"m/" + fromNarrow(s)), 1u);
 
     ASSERT_TRUE(CooperativeTaskManager::processNext());  // the interactive slice
     EXPECT_EQ(takeChanged(*data), Names{"in_" + s}) << s;
@@ -88,7 +91,7 @@ TEST_F(ScanTest, OneGraphPerSliceAndTheNextOnlyAfterStyling) {
 TEST_F(ScanTest, ATwiceShownSubsystemIsWalkedOnceAndAChartNever) {
   // Without the rule auditor only the interactive scan makes tasks.
   build(false, {u"m/s1", u"m/s1", u"m/c"});
-  ASSERT_EQ(data->visibleGraphs.size(), 4u);
+  ASSERT_EQ(bkEditBDProbe(*data).visibleGraphs().size(), 4u);
   // The worker first finishes the interactive checks that the opening and the edits queued.
   blockara::TimerThread::tickAllManual();
   // With both display switches off a slice's table holds only the two internal entries: it
@@ -108,7 +111,7 @@ TEST_F(ScanTest, ATwiceShownSubsystemIsWalkedOnceAndAChartNever) {
   EXPECT_EQ(seen, Names{"in_s1"});
   // The repeated graph counts in the wanted list only: the lengths keep differing, and each
   // further slice scans nothing but still runs its table.
-  EXPECT_EQ(data->visibleGraphsDone.size(), 3u);
+  EXPECT_EQ(bkEditBDProbe(*data).visibleGraphsDone().size(), 3u);
   EXPECT_TRUE(data->hasVisibleGraphsToScan());
   takeEvents();
   styled();
@@ -145,13 +148,13 @@ TEST_F(ScanTest, TheTaskLeftBehindAtCloseDoesNoHarm) {
   // The rule-auditor task is taken out; the workspace task stays on purpose.
   EXPECT_EQ(session->size(), 1u);
   EXPECT_EQ(engine->getDiagramTask()->owner(), nullptr);
-  const std::size_t visibleDone = data->visibleGraphsDone.size();
-  const std::size_t auditorDone = data->auditorGraphsDone.size();
+  const std::size_t visibleDone = bkEditBDProbe(*data).visibleGraphsDone().size();
+  const std::size_t auditorDone = bkEditBDProbe(*data).auditorGraphsDone().size();
 
   blockara::EventLoop::instance().runUntilIdle();
   EXPECT_TRUE(workspace.expired() || !workspace.lock()->owner());  // it ran and left
-  EXPECT_EQ(data->visibleGraphsDone.size(), visibleDone);
-  EXPECT_EQ(data->auditorGraphsDone.size(), auditorDone);
+  EXPECT_EQ(bkEditBDProbe(*data).visibleGraphsDone().size(), visibleDone);
+  EXPECT_EQ(bkEditBDProbe(*data).auditorGraphsDone().size(), auditorDone);
   EXPECT_TRUE(takeChanged(*data).empty());
   EXPECT_TRUE(takeEvents().empty());
   EXPECT_FALSE(engineOf(u"m"));

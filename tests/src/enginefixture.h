@@ -18,6 +18,7 @@
 #include "src/edittimeengine.h"
 #include "src/hostinterface.h"
 #include "src/moduleentries.h"
+#include "tests/src/bkeditbdprobe.h"
 
 namespace bkedittimecheck::testing {
 
@@ -58,8 +59,9 @@ class EngineFixture : public ::testing::Test {
   /// Records the events of the engine now registered under `name`, if any.
   void observe(const std::u16string& name) {
     if (auto e = engineOf(name)) {
-      e->getAlgorithmTable().setEventObserver(
-          [this](int code, bool variants, std::size_t) { events.push_back({code, variants}); });
+      e->getAlgorithmTable().setEventObserver([this](int code, bool variants, std::size_t) {
+        events.push_back({code, variants});
+      });
     }
   }
 
@@ -73,7 +75,8 @@ class EngineFixture : public ::testing::Test {
   static std::vector<std::string> takeChanged(bkEditBD& data) {
     std::vector<std::string> names;
     std::shared_ptr<bkEditBlock> block;
-    while (data.changedBlocks.try_pop(block)) names.push_back(block->getBlockName());
+    while (bkEditBDProbe(data).changedBlocks().try_pop(block))
+      names.push_back(block->getBlockName());
     return names;
   }
 
@@ -81,7 +84,7 @@ class EngineFixture : public ::testing::Test {
   static std::vector<double> takeDeleted(bkEditBD& data) {
     std::vector<double> handles;
     double handle = 0;
-    while (data.deletedHandles.try_pop(handle)) handles.push_back(handle);
+    while (bkEditBDProbe(data).deletedHandles().try_pop(handle)) handles.push_back(handle);
     return handles;
   }
 

@@ -9,6 +9,7 @@
 #include "src/configuration/exclusionmanager.h"
 #include "src/presentation/edittimestyler.h"
 #include "src/violationdatabase.h"
+#include "tests/src/bkeditbdprobe.h"
 #include "tests/src/enginefixture.h"
 
 namespace bkedittimecheck::testing {
@@ -42,8 +43,8 @@ class EngineSwitchTest : public EngineFixture {
   void watch(EditTimeEngine& e) {
     EditTimeEngine* at = &e;
     e.getAlgorithmTable().setEventObserver([this, at](int code, bool, std::size_t) {
-      trace.push_back("run " + std::to_string(code) + flags(*at) +
-                      " scanned=" + std::to_string(at->getData()->visibleGraphsDone.size()));
+      trace.push_back("run " + std::to_string(code) + flags(*at) + " scanned=" +
+                      std::to_string(bkEditBDProbe(*at->getData()).visibleGraphsDone().size()));
     });
     createEditTimeStyler()->setObserver([this, at](double handle, const std::wstring& c, bool on) {
       trace.push_back(std::string(on ? "+" : "-") + toNarrow(c) + (handle == g ? " g" : " h") +
@@ -174,12 +175,12 @@ TEST_F(EngineSwitchTest, TheWholeDiagramIsWalkedOnceInAnEnginesLife) {
   controller().turnOnErrors(L"m");  // made, but the walk waits for the preference
   auto fresh = engineOf(u"m");
   ASSERT_TRUE(fresh);
-  EXPECT_FALSE(fresh->getData()->initialScanDone);
+  EXPECT_FALSE(bkEditBDProbe(*fresh->getData()).initialScanDone());
   takeChanged(*fresh->getData());
 
   bk::bkedittimecheck::bkutils::setShowEditTimeIssues(true);
   controller().turnOnErrors(L"m");
-  EXPECT_TRUE(fresh->getData()->initialScanDone);
+  EXPECT_TRUE(bkEditBDProbe(*fresh->getData()).initialScanDone());
   // The walk takes the routing block off view; the restarted visible scan takes the root.
   std::vector<std::string> first = takeChanged(*fresh->getData());
   std::sort(first.begin(), first.end());
@@ -201,12 +202,12 @@ TEST_F(EngineSwitchTest, TheWalkCountsVariantsAndNotesSubsystemsAndListeners) {
   auto fresh = engineOf(u"m");
   ASSERT_TRUE(fresh);
   bkEditBD& data = *fresh->getData();
-  EXPECT_EQ(data.variantSubsystemCount, 1u);
-  EXPECT_EQ(data.handleToSubsystem.size(), 3u);  // s, v and the commented one
-  const auto listeners = takeAll(data.subsysProperties);
+  EXPECT_EQ(bkEditBDProbe(data).variantSubsystemCount(), 1u);
+  EXPECT_EQ(bkEditBDProbe(data).handleToSubsystem().size(), 3u);  // s, v and the commented one
+  const auto listeners = takeAll(bkEditBDProbe(data).subsysProperties());
   ASSERT_EQ(listeners.size(), 1u);
   EXPECT_EQ(listeners[0].path, L"m/s/listen");
-  const auto commented = takeAll(data.blkProperties);
+  const auto commented = takeAll(bkEditBDProbe(data).blkProperties());
   ASSERT_EQ(commented.size(), 1u);
   EXPECT_EQ(commented[0].pathWithSlash, L"m/quiet/");
   EXPECT_TRUE(commented[0].isAdded);
@@ -250,10 +251,11 @@ TEST_F(EngineSwitchTest, AuditorSwitchesAndConfigurations) {
   controller().enableRA(L"m");
   bkEditBD& data = *engine->getData();
   EXPECT_EQ(take(), (Trace{"run 7 E1 W1 RA1 scanned=1"}));
-  EXPECT_EQ(data.auditorGraphsDone.size(), 1u);
+  EXPECT_EQ(bkEditBDProbe(data).auditorGraphsDone().size(), 1u);
   // Masks are queued again for every known subsystem.
   bool sawMask = false;
-  for (const MaskedBlock& m : takeAll(data.maskedBlocks)) sawMask |= m.path == L"m/s";
+  for (const MaskedBlock& m : takeAll(bkEditBDProbe(data).maskedBlocks()))
+    sawMask |= m.path == L"m/s";
   EXPECT_TRUE(sawMask);
 
   add(g, "ra", 3);
@@ -269,14 +271,14 @@ TEST_F(EngineSwitchTest, AuditorSwitchesAndConfigurations) {
 
   controller().disableRA(L"m");
   EXPECT_FALSE(engine->getAlgorithmTable().auditorChecksEnabled);
-  EXPECT_TRUE(data.auditorGraphsDone.empty());
-  EXPECT_TRUE(data.auditorPathsDone.empty());
+  EXPECT_TRUE(bkEditBDProbe(data).auditorGraphsDone().empty());
+  EXPECT_TRUE(bkEditBDProbe(data).auditorPathsDone().empty());
   EXPECT_TRUE(take().empty());
 
   // Checks on under the rule auditor bring the configuration back before the table runs.
   controller().on(L"m");
   EXPECT_EQ(take(), (Trace{"run 1 E1 W1 RA1 scanned=1"}));
-  EXPECT_EQ(data.auditorGraphsDone.size(), 1u);
+  EXPECT_EQ(bkEditBDProbe(data).auditorGraphsDone().size(), 1u);
 }
 
 TEST_F(EngineSwitchTest, RefreshesAfterACompileOrAWorkspaceChange) {

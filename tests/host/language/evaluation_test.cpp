@@ -49,33 +49,16 @@ std::vector<bool> flagsOf(const std::shared_ptr<CmdEvent>& event) {
   return detail::toVectorOfBool(results.at(0));
 }
 
-TEST_F(EvaluationTest, RequestFromAnotherThreadRunsOnMainThreadAtNextPump) {
-  auto future = postFromWorker<std::vector<bool>>(
+TEST_F(EvaluationTest, ExtractorsShapeTheResultAndTheirErrorsReachTheFuture) {
+  auto flags = postFromWorker<std::vector<bool>>(
       "testmods.Calls.flags", 1,
       {nxArray::doubleMatrix(1, 3, {0.0, 2.0, 5.0}), nxArray::charRow(u"diagram")}, flagsOf);
-  auto& distributor = nvm::Factory::getCurrentLocalMVM()->getDistributor();
-  EXPECT_EQ(distributor.trackedCount(), 1u);
-  EXPECT_EQ(future.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
-  EXPECT_EQ(blockara::EventLoop::instance().runPosted(), 1u);
-  EXPECT_EQ(distributor.trackedCount(), 0u);
-  EXPECT_EQ(future.get(), (std::vector<bool>{false, true, true}));
-}
-
-TEST_F(EvaluationTest, LuaErrorArrivesAsRuntimeExceptionAndExtractionErrorsPropagate) {
-  auto failing = postFromWorker<void>(
-      "testmods.Calls.fail", 0, {nxArray::charRow("bkedittimecheck:edittimecheck:X: bad")},
-      [](const std::shared_ptr<CmdEvent>& e) { detail::completedResults(e); });
   // A result of the wrong class is the extraction's error.
   auto wrongClass = postFromWorker<std::vector<bool>>(
       "testmods.Calls.add", 1, {nxArray::doubleScalar(1), nxArray::doubleScalar(2)}, flagsOf);
-  blockara::EventLoop::instance().runPosted();
-  try {
-    failing.get();
-    FAIL();
-  } catch (const RuntimeException& e) {
-    EXPECT_EQ(e.getIdentifier(), "bkedittimecheck:edittimecheck:X");
-    EXPECT_EQ(e.getMessage(), "bkedittimecheck:edittimecheck:X: bad");
-  }
+  EXPECT_EQ(flags.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
+  EXPECT_EQ(blockara::EventLoop::instance().runPosted(), 2u);
+  EXPECT_EQ(flags.get(), (std::vector<bool>{false, true, true}));
   try {
     wrongClass.get();
     FAIL();
@@ -136,8 +119,6 @@ TEST_F(EvaluationTest, SynchronousEvaluationNeverThrows) {
   std::thread([&] { offThread = bksvFEVAL_NoThrow(0, out, "testmods.Calls.add", {}); }).join();
   ASSERT_NE(offThread, nullptr);
   EXPECT_EQ(offThread->identifier, "blockara:nvm:NotMainThread");
-  host.reset();
-  EXPECT_NE(bksvFEVAL_NoThrow(0, out, "testmods.Calls.add", {}), nullptr);
 }
 
 /// A sink that keeps what it gets.
@@ -215,49 +196,54 @@ TEST_F(EvaluationTest, FailedRequestsCompleteWithTheirErrorAndWriteItToTheErrorS
   auto vm = nvm::Factory::getCurrentLocalMVM();
   auto output = std::make_shared<RecordingSink>();
   auto errors = std::make_shared<RecordingSink>();
+  class FailingData : public FEvalOpaqueData {
+    std::vector<nxArray> toArrays() const override { throw std::runtime_error("arguments lost"); }
+  };
+  auto args = [](std::vector<nxArray> a) { return std::make_shared<FEvalArrayData>(std::move(a)); };
+  struct Case {
+    std::shared_ptr<const FEvalOpaqueData> data;
+    const char* function;
+    int nlhs;
+    const char* identifier;
+    const char* message;  // the whole message, or nullptr when the identifier says enough
+  };
+  const Case cases[] = {
+      {args({nxArray::charRow("pkg:area:Broke: broken")}), "testmods.Calls.fail", 0,
+       "pkg:area:Broke", "pkg:area:Broke: broken"},
+      {args({nxArray::charRow("plain text")}), "testmods.Calls.fail", 0, "", "plain text"},
+      {args({}), "testmods.Calls.nothing", 1, "blockara:nvm:UnknownFunction", nullptr},
+      {args({}), "no.such.module.fn", 1, "blockara:nvm:UnknownFunction", nullptr},
+      {args({}), "testmods.Broken.fn", 1, "", nullptr},  // a module that does not load
+      {args({}), "testmods.Raising.fn", 1, "testmods:load:Refused", nullptr},
+      {args({}), "testmods.Calls.giveFunction", 1, "blockara:nvm:BadResult", nullptr},
+      {std::make_shared<FailingData>(), "testmods.Calls.echo", 1, "", "arguments lost"},
+  };
+  std::vector<std::future<std::vector<nxArray>>> futures;
   auto post = [&](std::shared_ptr<const FEvalOpaqueData> data, const std::string& name, int nlhs) {
     auto request = std::make_shared<CmdRequest>(3, output, errors,
                                                 std::make_shared<FEvalIIP>(name, nlhs, data, 3));
     auto delegate = std::make_shared<PromiseDelegateT<std::vector<nxArray>>>(allResults);
-    auto future = delegate->getFuture();
+    futures.push_back(delegate->getFuture());
     vm->getDistributor().submitRequest(request, delegate);
-    return future;
   };
-  auto args = [](std::vector<nxArray> a) { return std::make_shared<FEvalArrayData>(std::move(a)); };
-  class FailingData : public FEvalOpaqueData {
-    std::vector<nxArray> toArrays() const override { throw std::runtime_error("arguments lost"); }
-  };
+  for (const Case& c : cases) post(c.data, c.function, c.nlhs);
+  // A cell holding a char row is a value like any other.
   auto widgetLike = nxArray::cellRow({nxArray::charRow("x")});
-  std::vector<std::future<std::vector<nxArray>>> futures;
-  futures.push_back(
-      post(args({nxArray::charRow("pkg:area:Broke: broken")}), "testmods.Calls.fail", 0));
-  futures.push_back(post(args({nxArray::charRow("plain text")}), "testmods.Calls.fail", 0));
-  futures.push_back(post(args({}), "testmods.Calls.nothing", 1));
-  futures.push_back(post(args({}), "no.such.module.fn", 1));
-  futures.push_back(post(args({}), "testmods.Broken.fn", 1));
-  futures.push_back(post(args({}), "testmods.Raising.fn", 1));
-  futures.push_back(post(args({}), "testmods.Calls.giveFunction", 1));
-  futures.push_back(post(std::make_shared<FailingData>(), "testmods.Calls.echo", 1));
-  futures.push_back(post(args({widgetLike}), "testmods.Calls.echo", 1));
+  post(args({widgetLike}), "testmods.Calls.echo", 1);
   blockara::EventLoop::instance().runPosted();
 
-  EXPECT_EQ(failureOf(futures[0]),
-            std::make_pair(std::string("pkg:area:Broke"), std::string("pkg:area:Broke: broken")));
-  EXPECT_EQ(failureOf(futures[1]), std::make_pair(std::string(), std::string("plain text")));
-  EXPECT_EQ(failureOf(futures[2]).first, "blockara:nvm:UnknownFunction");
-  EXPECT_EQ(failureOf(futures[3]).first, "blockara:nvm:UnknownFunction");
-  auto broken = failureOf(futures[4]);
-  EXPECT_EQ(broken.first, "");
-  EXPECT_NE(broken.second.find("Broken.lua"), std::string::npos) << broken.second;
-  EXPECT_EQ(failureOf(futures[5]).first, "testmods:load:Refused");
-  EXPECT_EQ(failureOf(futures[6]).first, "blockara:nvm:BadResult");
-  EXPECT_EQ(failureOf(futures[7]), std::make_pair(std::string(), std::string("arguments lost")));
-  EXPECT_EQ(futures[8].get(), std::vector<nxArray>{widgetLike});
-
   auto written = errors->taken();
-  ASSERT_EQ(written.size(), 8u);
-  EXPECT_EQ(written[0], "pkg:area:Broke: broken");
-  EXPECT_EQ(written[7], "arguments lost");
+  ASSERT_EQ(written.size(), std::size(cases));
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    auto [identifier, message] = failureOf(futures[i]);
+    EXPECT_EQ(identifier, cases[i].identifier) << cases[i].function;
+    if (cases[i].message) {
+      EXPECT_EQ(message, cases[i].message);
+    }
+    EXPECT_EQ(written[i], message) << cases[i].function;
+  }
+  EXPECT_NE(written[4].find("Broken.lua"), std::string::npos) << written[4];
+  EXPECT_EQ(futures.back().get(), std::vector<nxArray>{widgetLike});
   EXPECT_TRUE(output->taken().empty());
 }
 
@@ -359,6 +345,20 @@ TEST_F(EvaluationTest, ErrorIdentifiersAreTakenOnlyFromAWellFormedStart) {
     ASSERT_NE(diagnostic, nullptr) << c.message;
     EXPECT_EQ(diagnostic->identifier, c.identifier) << c.message;
   }
+}
+
+TEST_F(EvaluationTest, ScriptErrorsCarryATracebackAndRegisteredFunctionsCheckTheirArguments) {
+  std::string error =
+      host->runString("local function inner() error('deep') end inner()").value_or("");
+  EXPECT_NE(error.find("deep"), std::string::npos);
+  EXPECT_NE(error.find("stack traceback"), std::string::npos);
+  EXPECT_EQ(lua_gettop(host->state()), 0);
+  host->registerFunction("blockara.twice", [](lua_State* L) {
+    lua_pushnumber(L, 2 * luaL_checknumber(L, 1));
+    return 1;
+  });
+  EXPECT_EQ(host->runString("assert(blockara.twice(4) == 8)"), std::nullopt);
+  EXPECT_NE(host->runString("blockara.twice('x')"), std::nullopt);
 }
 
 }  // namespace

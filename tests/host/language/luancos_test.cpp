@@ -52,6 +52,12 @@ TEST_F(LuaNcosTest, OverloadsAreTriedOwnClassFirstThenSuperclasses) {
     -- uint32 arguments: a double holding an integer in range, or the largest uint32
     assert(g:greet("y", 1) == "hi y;")
     assert(g:greet("z", 0) == "")
+    -- a custom property keeps the value uninterpreted, shape included
+    local w = Test.pkg.Widget(); w.Value = nx.column({"x", "y"})
+    local r, c = nx.size(w.Value); assert(r == 2 and c == 1)
+    -- a static method returning a borrowed object gives the same native object each time
+    local s = Test.pkg.Widget.getShared(); s.Name = "shared"
+    assert(Test.pkg.Widget.getShared() == s and Test.pkg.Widget.getShared().Name == "shared")
   )"),
             "");
 }
@@ -170,6 +176,8 @@ TEST_F(LuaNcosTest, StaticAndInstanceCallsAreKeptApart) {
       {"Test.pkg.Widget.addTag('w', 't')", "blockara:ncos:NoMatchingSignature: "},
       // a static method given something that is no object vector
       {"Test.pkg.Gadget.liveCount('x')", "blockara:ncos:NoMatchingSignature: "},
+      // a uint32 argument out of range
+      {"Test.pkg.Widget():greet('x', -1)", "blockara:ncos:NoMatchingSignature: "},
       {"Test.pkg.Gadget():nothing()", "blockara:ncos:UnknownMember: "},
       // '.' instead of ':' on a method
       {"local g = Test.pkg.Gadget(); g.describe(true)",
@@ -202,9 +210,11 @@ TEST_F(LuaNcosTest, DeadObjectsFailEveryUseWithInvalidObject) {
   }
   // Unknown names are still told apart from dead objects.
   EXPECT_EQ(errorOf("local n = held.Missing").rfind("blockara:ncos:UnknownMember: ", 0), 0u);
-  EXPECT_EQ(run("assert(held == held); assert(tostring(held):find('deleted'))"
+  EXPECT_EQ(run("assert(held == held); assert(tostring(held) == 'Test.pkg.Widget object (deleted)')"
                 "assert(nx.class(held) == 'Test.pkg.Widget')"
-                "assert(Test.pkg.Gadget.liveCount(nx.array('object', 1, 2, {held, g})) == 1)"),
+                "assert(Test.pkg.Gadget.liveCount(nx.array('object', 1, 2, {held, g})) == 1)"
+                // a static method with no object to return gives the empty object array
+                "assert(nx.class(Test.pkg.Widget.getTransient()) == 'object')"),
             "");
 }
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <regex>
 
 #include "host/language/messageid.h"
 
@@ -12,10 +11,8 @@ namespace {
 BKMSG_DECLARE_ERROR(InvalidBlockParameterName, "bkedittimecheck:edittimecheck");
 BKMSG_DECLARE_ERROR(NotInCatalogue, "bkedittimecheck:edittimecheck");
 
-TEST(MessageCatalogTest, SubstitutesArgumentsAndFormsIdentifiers) {
-  using bkmsg::MessageCatalog;
-  EXPECT_EQ(MessageCatalog::substitute("a {0} b {1} {0} {2} {x}", {"X", "Y"}), "a X b Y X {2} {x}");
-  MessageCatalog::instance().load(std::string(BKETC_RESOURCE_DIR) + "/messages.xml");
+TEST(MessageCatalogTest, MessagesBeginWithTheirIdentifierAndFallBackToTheArguments) {
+  bkmsg::MessageCatalog::instance().load(std::string(BKETC_RESOURCE_DIR) + "/messages.xml");
   InvalidBlockParameterName e(std::u16string(u"Gain"), "Sum");
   EXPECT_EQ(e.identifier(), "bkedittimecheck:edittimecheck:InvalidBlockParameterName");
   EXPECT_EQ(std::string(e.what()).rfind(e.identifier() + ": ", 0), 0u);
@@ -41,21 +38,6 @@ TEST(MessageCatalogTest, CatalogueHasATextForEveryEngineIdentifier) {
   }
 }
 
-TEST(MessageCatalogTest, BadCatalogueNamesTheFileAndKeepsTexts) {
-  auto& catalog = bkmsg::MessageCatalog::instance();
-  catalog.load(std::string(BKETC_RESOURCE_DIR) + "/messages.xml");
-  std::size_t before = catalog.identifiers().size();
-  std::string path = ::testing::TempDir() + "/broken.xml";
-  std::ofstream(path) << "<catalogue><component name='x'><message id='A'>t</message>";
-  try {
-    catalog.load(path);
-    FAIL();
-  } catch (const std::runtime_error& e) {
-    EXPECT_NE(std::string(e.what()).find(path), std::string::npos);
-  }
-  EXPECT_EQ(catalog.identifiers().size(), before);
-}
-
 TEST(MessageCatalogTest, SubstitutionReplacesOnlyKnownArgumentNumbers) {
   using bkmsg::MessageCatalog;
   std::vector<std::string> eleven;
@@ -77,6 +59,7 @@ TEST(MessageCatalogTest, SubstitutionReplacesOnlyKnownArgumentNumbers) {
       {"{0}-{1}", {"{1}", "b"}, "{1}-b"},  // an argument is not substituted again
       {"", {"x"}, ""},
       {"}{0}{", {"x"}, "}x{"},
+      {"a {0} b {1} {0} {2} {x}", {"X", "Y"}, "a X b Y X {2} {x}"},
   };
   for (const Case& c : cases)
     EXPECT_EQ(MessageCatalog::substitute(c.pattern, c.args), c.expected) << c.pattern;
@@ -99,8 +82,10 @@ TEST(MessageCatalogTest, LaterFilesWinAndMissingTextsShowArguments) {
   EXPECT_STREQ(NotInCatalogue().what(), "bkedittimecheck:edittimecheck:NotInCatalogue");
 }
 
-TEST(MessageCatalogTest, EveryMalformedCatalogueIsRefusedWhole) {
+TEST(MessageCatalogTest, EveryMalformedCatalogueIsRefusedWholeAndKeepsTheTextsBefore) {
   auto& catalog = bkmsg::MessageCatalog::instance();
+  catalog.load(std::string(BKETC_RESOURCE_DIR) + "/messages.xml");
+  const std::vector<std::string> before = catalog.identifiers();
   struct Case {
     const char* content;
     const char* problem;
@@ -130,6 +115,7 @@ TEST(MessageCatalogTest, EveryMalformedCatalogueIsRefusedWhole) {
   }
   // The good message before the bad one was not kept either.
   EXPECT_FALSE(catalog.contains("x:y:Good"));
+  EXPECT_EQ(catalog.identifiers(), before);
   std::string missing = ::testing::TempDir() + "/absent-catalogue.xml";
   try {
     catalog.load(missing);

@@ -19,12 +19,6 @@ TEST(NxArrayTest, ShapesFieldsAndAccessErrors) {
   EXPECT_EQ(row.numberOfDimensions(), 2u);
   EXPECT_EQ(static_cast<int>(nxArray::objectMatrix(0, 0, {}).classID()), 17);
 
-  nxArray s = nxArray::structMatrix(1, 2, {"BlockType"});
-  s.setField(1, "MaskType", nxArray::charRow("m"));
-  ASSERT_EQ(s.fieldNames().size(), 2u);
-  EXPECT_EQ(s.getField(1, "MaskType")->charData(), "m");
-  EXPECT_TRUE(s.getField(0, "MaskType")->isEmpty());
-  EXPECT_EQ(s.getField(0, "Nope"), nullptr);
 
   EXPECT_THROW(row.getDouble(0), std::invalid_argument);
   EXPECT_THROW(row.getCell(2), std::out_of_range);
@@ -34,59 +28,12 @@ TEST(NxArrayTest, ShapesFieldsAndAccessErrors) {
   EXPECT_TRUE(nxArrayProxy().array().isEmpty());
 }
 
-TEST(NxArrayTest, WideStringsConvert) {
+TEST(NxArrayTest, WideCharRowsHoldUtf8) {
+  // The codec itself is tested with the host's string type; this is the array's use of it.
   std::u16string wide = u"Gr\u00fc\u00dfe \U0001F600";
-  EXPECT_EQ(toUtf16(toUtf8(wide)), wide);
   EXPECT_EQ(nxArray::charRow(wide).toUtf16String(), wide);
-  EXPECT_EQ(toUtf16("\xff"), u"\ufffd");
-}
-
-TEST(NxArrayTest, SerializationRoundTripsAndRejectsBadBytes) {
-  nxArray s = nxArray::structMatrix(2, 1, {"f"});
-  s.setField(0, "f", nxArray::uint32Matrix(1, 2, {1, 2}));
-  std::vector<nxArray> arrays = {nxArray(),
-                                 nxArray::doubleMatrix(2, 1, {1, 2}),
-                                 nxArray::logicalMatrix(1, 2, {true, false}),
-                                 nxArray::charMatrix(2, 1, "ab"),
-                                 nxArray::cellColumn({nxArray::charRow("x")}),
-                                 s};
-  auto bytes = cmddistributor::detail::serializeNxArrays(arrays);
-  EXPECT_EQ(cmddistributor::detail::deserializeNxArrays(bytes), arrays);
-  for (std::size_t cut = 0; cut < bytes.size(); cut += 3) {
-    std::vector<std::uint8_t> truncated(bytes.begin(), bytes.begin() + static_cast<long>(cut));
-    EXPECT_THROW(cmddistributor::detail::deserializeNxArrays(truncated), std::runtime_error) << cut;
-  }
-  EXPECT_THROW(cmddistributor::detail::serializeNxArrays({nxArray::objectMatrix(0, 0, {})}),
-               std::invalid_argument);
-}
-
-TEST(NxArrayTest, InvalidUtf8BecomesReplacementCharacters) {
-  struct Case {
-    std::string utf8;
-    std::u16string utf16;
-  };
-  const Case cases[] = {
-      {"a\xc3\xa9z", u"a\u00e9z"},
-      {"\xe2\x82\xac", u"\u20ac"},
-      {"\xf0\x9f\x98\x80", u"\U0001F600"},
-      {"\xf4\x8f\xbf\xbf", u"\U0010FFFF"},
-      {"\xc3", u"\ufffd"},                                // cut short at the end
-      {"\xe2\x82x", u"\ufffd\ufffdx"},                    // cut short before an ASCII byte
-      {"\x80", u"\ufffd"},                                // a lone continuation byte
-      {"\xc0\x80", u"\ufffd\ufffd"},                      // overlong NUL
-      {"\xe0\x80\xaf", u"\ufffd\ufffd\ufffd"},            // overlong '/'
-      {"\xf0\x82\x82\xac", u"\ufffd\ufffd\ufffd\ufffd"},  // overlong euro sign
-      {"\xed\xa0\x80", u"\ufffd\ufffd\ufffd"},            // an encoded surrogate
-      {"\xf4\x90\x80\x80", u"\ufffd\ufffd\ufffd\ufffd"},  // beyond U+10FFFF
-      {"\xff\xfe", u"\ufffd\ufffd"},
-  };
-  for (const Case& c : cases) EXPECT_EQ(toUtf16(c.utf8), c.utf16) << c.utf8;
-  // Lone surrogates on the UTF-16 side become U+FFFD too.
-  EXPECT_EQ(toUtf8(u"a\xd800"), "a\xef\xbf\xbd");
-  EXPECT_EQ(toUtf8(std::u16string(1, char16_t(0xdc00)) + u"b"),
-            "\xef\xbf\xbd"
-            "b");
   EXPECT_EQ(nxArray::charRow(u"\u20ac").numel(), 3u);
+  EXPECT_EQ(toUtf16(toUtf8(wide)), wide);
 }
 
 TEST(NxArrayTest, NewStructFieldsWidenEveryElementAndPropertiesReadThroughStructs) {
@@ -98,6 +45,7 @@ TEST(NxArrayTest, NewStructFieldsWidenEveryElementAndPropertiesReadThroughStruct
   EXPECT_EQ(*s.getField(1, "b"), nxArray::charRow("mid"));
   EXPECT_TRUE(s.getField(0, "b")->isEmpty());
   EXPECT_TRUE(s.getField(2, "b")->isEmpty());
+  EXPECT_EQ(s.getField(0, "c"), nullptr);
   EXPECT_THROW(s.setField(3, "a", nxArray()), std::out_of_range);
   EXPECT_EQ(omGetProperty(s, "b"), nxArray());
   try {
@@ -114,35 +62,43 @@ TEST(NxArrayTest, NewStructFieldsWidenEveryElementAndPropertiesReadThroughStruct
   EXPECT_FALSE(nxArray::charRow("") == nxArray::charMatrix(0, 0, ""));
 }
 
-TEST(NxArrayTest, SerializationRejectsHostileHeaders) {
+TEST(NxArrayTest, SerializationRoundTripsAndRefusesEveryDamagedInput) {
   using cmddistributor::detail::deserializeNxArrays;
   using cmddistributor::detail::serializeNxArrays;
-  auto base = serializeNxArrays({nxArray::doubleScalar(1)});
-  // Magic, count, class byte, then rows and cols at bytes 9 and 17.
-  auto patched = [&](std::size_t at, std::uint64_t value) {
+  nxArray s = nxArray::structMatrix(2, 1, {"f"});
+  s.setField(0, "f", nxArray::uint32Matrix(1, 2, {1, 2}));
+  const std::vector<nxArray> arrays = {
+      nxArray(),
+      nxArray::doubleMatrix(2, 1, {1, 2}),
+      nxArray::logicalMatrix(1, 2, {true, false}),
+      nxArray::charMatrix(2, 1, "ab"),
+      nxArray::cellColumn({nxArray::uint32Scalar(4294967295u), nxArray::charRow(u"\u20ac")}),
+      s};
+  auto bytes = serializeNxArrays(arrays);
+  EXPECT_EQ(deserializeNxArrays(bytes), arrays);
+  for (std::size_t cut = 0; cut < bytes.size(); cut += 3) {
+    std::vector<std::uint8_t> truncated(bytes.begin(), bytes.begin() + static_cast<long>(cut));
+    EXPECT_THROW(deserializeNxArrays(truncated), std::runtime_error) << cut;
+  }
+  EXPECT_THROW(serializeNxArrays({nxArray::objectMatrix(0, 0, {})}), std::invalid_argument);
+
+  // Hostile headers: magic, count, class byte, then rows and cols at bytes 9 and 17.
+  const auto base = serializeNxArrays({nxArray::doubleScalar(1)});
+  auto patched = [&](std::size_t at, std::uint64_t value, std::size_t width = 8) {
     auto b = base;
-    std::memcpy(b.data() + at, &value, 8);
+    std::memcpy(b.data() + at, &value, width);
     return b;
   };
-  EXPECT_THROW(deserializeNxArrays(patched(9, ~0ull)), std::runtime_error);
-  EXPECT_THROW(deserializeNxArrays(patched(9, 1ull << 32)), std::runtime_error);
-  auto badClass = base;
-  badClass[8] = 5;
-  EXPECT_THROW(deserializeNxArrays(badClass), std::runtime_error);
   auto trailing = base;
   trailing.push_back(0);
-  EXPECT_THROW(deserializeNxArrays(trailing), std::runtime_error);
-  auto badMagic = base;
-  badMagic[0] = 'M';
-  EXPECT_THROW(deserializeNxArrays(badMagic), std::runtime_error);
+  for (const auto& bad : {patched(9, ~0ull), patched(9, 1ull << 32), patched(8, 5, 1),
+                          patched(0, 'M', 1), trailing}) {
+    EXPECT_THROW(deserializeNxArrays(bad), std::runtime_error);
+  }
   // Deep nesting is refused rather than recursed into.
   nxArray deep = nxArray::charRow("x");
   for (int i = 0; i < 70; ++i) deep = nxArray::cellRow({deep});
   EXPECT_THROW(deserializeNxArrays(serializeNxArrays({deep})), std::runtime_error);
-  nxArray wide =
-      nxArray::cellRow({nxArray::uint32Scalar(4294967295u), nxArray::charRow(u"\u20ac")});
-  EXPECT_EQ(deserializeNxArrays(serializeNxArrays({wide, wide})),
-            (std::vector<nxArray>{wide, wide}));
 }
 
 }  // namespace

@@ -33,44 +33,10 @@ class PackageTest : public ::testing::Test {
   fs::path dir;
 };
 
-TEST_F(PackageTest, PackageWithExtraPartRoundTrips) {
-  PartMap parts = {{"/diagram.xml", "<diagram name='m'/>"},
-                   {"/auditor/exclusions.xml", std::string("<x>\0bin</x>", 11)},
-                   {"/empty", ""}};
-  fs::path file = dir / "m.bkdx";
-  writePackage(file, parts);
-  EXPECT_EQ(readPackage(file), parts);
-
-  PackageReader reader(file);
-  EXPECT_TRUE(reader.hasPart("/auditor/exclusions.xml"));
-  EXPECT_FALSE(reader.hasPart("/auditor/missing.xml"));
-  fs::path temp = makeTemporaryFile(".xml");
-  EXPECT_TRUE(fs::exists(temp));
-  EXPECT_NE(makeTemporaryFile(".xml"), temp);
-  reader::partToFile(reader, "/auditor/exclusions.xml", temp);
-  EXPECT_EQ(slurp(temp), parts["/auditor/exclusions.xml"]);
-  EXPECT_THROW(reader::partToFile(reader, "/nope", temp), PackageError);
-  fs::remove(temp);
-
-  writePackage(file, {});
-  EXPECT_TRUE(readPackage(file).empty());
-}
-
-TEST_F(PackageTest, CorruptOrTruncatedArchiveGivesClearErrorAndNothingHalfWritten) {
+TEST_F(PackageTest, CorruptArchiveGivesClearErrorAndNothingHalfWritten) {
   fs::path file = dir / "m.bkdx";
   writePackage(file, {{"/diagram.xml", std::string(5000, 'd')}, {"/b", "bbb"}});
   std::string good = slurp(file);
-
-  for (std::size_t cut : {std::size_t{0}, std::size_t{10}, good.size() / 2, good.size() - 1}) {
-    fs::path bad = dir / "cut.bkdx";
-    std::ofstream(bad, std::ios::binary).write(good.data(), static_cast<std::streamsize>(cut));
-    try {
-      readPackage(bad);
-      FAIL() << cut;
-    } catch (const PackageError& e) {
-      EXPECT_NE(std::string(e.what()).find(bad.string()), std::string::npos) << e.what();
-    }
-  }
   std::string flipped = good;
   flipped[60] ^= 0x55;  // inside the first part's data: the checksum no longer matches
   EXPECT_THROW(readPackageFromBuffer(reinterpret_cast<const std::uint8_t*>(flipped.data()),
@@ -86,7 +52,7 @@ TEST_F(PackageTest, CorruptOrTruncatedArchiveGivesClearErrorAndNothingHalfWritte
   EXPECT_THROW(writePackage(dir / "nodir" / "m.bkdx", {{"/a", "b"}}), PackageError);
   std::size_t entries = 0;
   for ([[maybe_unused]] const auto& e : fs::directory_iterator(dir)) ++entries;
-  EXPECT_EQ(entries, 2u);  // m.bkdx and cut.bkdx
+  EXPECT_EQ(entries, 1u);  // m.bkdx
 }
 
 std::string binaryBytes(std::size_t n, unsigned seed) {
@@ -118,6 +84,8 @@ TEST_F(PackageTest, BinaryAndManyPartsRoundTripInNameOrder) {
   std::vector<std::string> names;
   for (const auto& [name, content] : parts) names.push_back(name);
   EXPECT_EQ(reader.partNames(), names);
+  EXPECT_TRUE(reader.hasPart("/zeros"));
+  EXPECT_FALSE(reader.hasPart("/zero"));
   EXPECT_EQ(reader.partBytes("/every"), every);
   try {
     reader.partBytes("/absent");
@@ -126,8 +94,10 @@ TEST_F(PackageTest, BinaryAndManyPartsRoundTripInNameOrder) {
     EXPECT_EQ(std::string(e.what()), file.string() + ": no part '/absent'");
   }
   // Rewriting replaces every part: none of the old ones survive.
-  writePackage(file, {{"/only", "1"}});
-  EXPECT_EQ(readPackage(file), (PartMap{{"/only", "1"}}));
+  writePackage(file, {{"/only", "1"}, {"/empty", ""}});
+  EXPECT_EQ(readPackage(file), (PartMap{{"/only", "1"}, {"/empty", ""}}));
+  writePackage(file, {});
+  EXPECT_TRUE(readPackage(file).empty());
 }
 
 TEST_F(PackageTest, BadPartNamesAreRefusedBeforeAnythingIsWritten) {

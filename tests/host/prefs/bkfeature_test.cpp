@@ -16,9 +16,6 @@ BkFeature authoringFeature("BlockConstraintCheckAuthoring",
 BkFeature* BKFEAT_Test = &authoringFeature;
 
 TEST(BkFeatureTest, LevelDecidesAndEveryReadCounts) {
-  EXPECT_EQ(BKFEAT_Test->name(), "BlockConstraintCheckAuthoring");
-  EXPECT_EQ(BKFEAT_Test->area(), "BkCheck");
-  EXPECT_EQ(BKFEAT_Test->number(), 974268);
   EXPECT_EQ(BKFEAT_Test->defaultLevel(), 1);
   EXPECT_EQ(BKFEAT_Test->accessCount(), 0u);
   EXPECT_TRUE(BKFEAT_Test->isOn());

@@ -11,15 +11,11 @@
 namespace bk::bkedittimecheck::bkutils {
 namespace {
 
-TEST(EditTimePreferencesTest, ShowEditTimeIssuesStartsOnAndFollowsItsSetter) {
-  EXPECT_TRUE(getShowEditTimeIssues());
+TEST(EditTimePreferencesTest, KeepsTheLastSettingsAndExclusionsPerDiagram) {
+  EXPECT_TRUE(getShowEditTimeIssues());  // on until the user turns it off
   setShowEditTimeIssues(false);
   EXPECT_FALSE(getShowEditTimeIssues());
-  setShowEditTimeIssues(true);
-  EXPECT_TRUE(getShowEditTimeIssues());
-}
 
-TEST(EditTimePreferencesTest, KeepsTheLastSelectionMapAndExclusionsPerDiagram) {
   EXPECT_FALSE(EditTimePreferences::checkSelectionMap().has_value());
   EditTimePreferences::setCheckSelectionMap({{"bk_check_a", true}, {"bk_check_b", false}});
   EditTimePreferences::setCheckSelectionMap({{"bk_check_c", false}});

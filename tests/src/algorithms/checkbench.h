@@ -11,6 +11,7 @@
 #include "host/model/diagramediting.h"
 #include "host/runtime/eventloop.h"
 #include "src/bkeditbd.h"
+#include "tests/src/bkeditbdprobe.h"
 #include "src/constraints/bkeditblock.h"
 #include "src/hostinterface.h"
 #include "src/violationdatabase.h"
@@ -47,8 +48,13 @@ class CheckBench : public ::testing::Test {
   /// Snapshots every block of the diagram into the block map, as a pass would hold them.
   void snapshotAll() {
     for (BKBlock* b : d->blocksInPathOrder()) {
-      data->blocks[b->getHandle()] = std::make_shared<bkEditBlock>(b, false);
+      retake(b);
     }
+  }
+
+  /// Snapshots one block again, as a later batch would.
+  void retake(BKBlock* b) {
+    bkEditBDProbe(*data).blocks()[b->getHandle()] = std::make_shared<bkEditBlock>(b, false);
   }
 
   /// The records of `checkId` as "path|type|severity[|commented]", the path without the diagram

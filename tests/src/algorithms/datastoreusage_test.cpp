@@ -77,7 +77,7 @@ TEST_F(DataStoreUsageTest, DuplicatesUnderEachSetting) {
     reset();
     c.build(*this);
     snapshotAll();
-    data->uniqueDataStoreMsg = c.setting;
+    data->setUniqueDataStoreMsg(c.setting);
     run();
     EXPECT_EQ(records(DataStoreUsage::kCheckId), c.expected) << c.what;
   }
@@ -88,9 +88,9 @@ TEST_F(DataStoreUsageTest, ASettingChangeReplacesTheSeverityAndSeverityZeroClear
   add(u"m", "DataStoreMemory", u"a", store("A"));
   add(u"m/s", "DataStoreMemory", u"b", store("A"));
   snapshotAll();
-  data->uniqueDataStoreMsg = 2;
+  data->setUniqueDataStoreMsg(2);
   run();
-  data->uniqueDataStoreMsg = 1;
+  data->setUniqueDataStoreMsg(1);
   run();
   EXPECT_EQ(records(DataStoreUsage::kCheckId),
             (Lines{"/a|DuplicateDataStoreMemoryBlocksDiagnostic|0",

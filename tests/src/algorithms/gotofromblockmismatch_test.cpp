@@ -184,14 +184,14 @@ TEST_F(GoToFromTest, ACommentedGotoKeepsItsRecordWhileAnotherGotoViolates) {
   // g is commented out: it leaves the pairing, and h is no duplicate any more. g's own record
   // is touched only by a removal by type, which x's finding holds off.
   d->editing().setCommentState(u"m/g", 1);
-  data->blocks[g->getHandle()] = std::make_shared<bkEditBlock>(g, false);
+  retake(g);
   run();
   EXPECT_EQ(records(GoToFromBlockMismatch::kCheckId),
             (Lines{"/g|DuplicateGoTo|1", "/x|NoMatchingFrom|0"}));
 
   // Once no Goto violates, the removal by type takes the commented Goto's record as well.
   d->editing().setProperties(u"m/x", tag("A"));
-  data->blocks[x->getHandle()] = std::make_shared<bkEditBlock>(x, false);
+  retake(x);
   run();
   EXPECT_EQ(records(GoToFromBlockMismatch::kCheckId), Lines{});
 }

@@ -29,7 +29,7 @@ class StateAccessorTest : public CheckBench {
   void iterator(const std::u16string& system, const std::u16string& name) {
     add(system, "SubSystem", name);
     BKBlock* el = add(system + u"/" + name, "EventListener", u"el");
-    data->subsysProperties.push(
+    bkEditBDProbe(*data).subsysProperties().push(
         SubsysProperties{toWide(el->getFullPath(false)), el->getHandle(), true});
   }
 };
@@ -133,10 +133,10 @@ TEST_F(StateAccessorTest, ARemovedOwnerClearsThePathFindingsAndTheIteratorQueueS
   ASSERT_EQ(records(StateAccessorPathViolation::kCheckId),
             (Lines{"/w|StateAccessorAndStateOwnerInSameSystem|1"}));
   d->editing().setProperties(u"m/w", {{"StateOwnerBlock", std::string("")}});
-  data->blocks[r->getHandle()] = std::make_shared<bkEditBlock>(r, false);
+  retake(r);
   StateAccessorPathViolation(L"m", 1).evaluate(*data, *db);
   EXPECT_EQ(records(StateAccessorPathViolation::kCheckId), Lines{});
-  EXPECT_EQ(data->subsysProperties.unsafe_size(), 1u);
+  EXPECT_EQ(bkEditBDProbe(*data).subsysProperties().unsafe_size(), 1u);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@ function M.flags(handles, name)
   for i = 1, #handles do out[i] = handles[i] > 1 end
   return nx.array("logical", 1, #handles, out)
 end
-function M.widgetName(w) return w.Name end
 -- The Lua type of each argument, so that tests see which form a value took.
 function M.kinds(...)
   local out = {}

@@ -1,4 +1,4 @@
-#include "src/algorithms/edittimeviolation.h"
+#include "src/edittimeviolation.h"
 
 #include <functional>
 #include <utility>

@@ -1,5 +1,7 @@
 // The exclusions of a diagram: every rule kind, the file format and its failures, the published
 // map, and where the file comes from.
+#include "src/configuration/exclusionmanager.h"
+
 #include <gtest/gtest.h>
 
 #include <boost/property_tree/exceptions.hpp>
@@ -11,8 +13,7 @@
 #include "host/model/bkrootbd.h"
 #include "host/model/diagramediting.h"
 #include "host/prefs/edittimepreferences.h"
-#include "src/algorithms/edittimeviolation.h"
-#include "src/configuration/exclusionmanager.h"
+#include "src/edittimeviolation.h"
 #include "src/hostinterface.h"
 
 namespace bkedittimecheck::testing {
@@ -60,15 +61,16 @@ class ExclusionTest : public ::testing::Test {
     e.addBlock(u"m/masked", "Constant", u"x");
     e.addBlock(u"m/masked", "SubSystem", u"sub", {{"MaskType", std::string("Other")}});
     e.addBlock(u"m/masked/sub", "Gain", u"y");
-    e.addBlock(u"m", "SubSystem", u"lib",
-               {{"LinkStatus", std::string("resolved")}, {"ReferenceBlock", std::string("mylib/sys")}});
-    e.addBlock(u"m/lib", "Gain", u"linked",
-               {{"LinkStatus", std::string("resolved")},
-                {"ReferenceBlock", std::string("mylib/sys/g")}});
+    e.addBlock(
+        u"m", "SubSystem", u"lib",
+        {{"LinkStatus", std::string("resolved")}, {"ReferenceBlock", std::string("mylib/sys")}});
+    e.addBlock(
+        u"m/lib", "Gain", u"linked",
+        {{"LinkStatus", std::string("resolved")}, {"ReferenceBlock", std::string("mylib/sys/g")}});
     e.addBlock(u"m/lib", "Gain", u"plain");
     dir = std::filesystem::temp_directory_path() /
-          ("bketc_excl_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-           "_" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+          ("bketc_excl_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
+           ::testing::UnitTest::GetInstance()->current_test_info()->name());
     std::filesystem::create_directories(dir);
   }
   void TearDown() override {
@@ -102,8 +104,8 @@ TEST_F(ExclusionTest, SubsystemBlockAndBlockTypeRulesNeedTheCheckId) {
   EXPECT_TRUE(excluded(u"m/a"));
   EXPECT_TRUE(excluded(u"m/a/b"));
   EXPECT_TRUE(excluded(u"m/a/inner/deep"));
-  EXPECT_FALSE(excluded(u"m/ab"));           // a prefix, not a subsystem
-  EXPECT_FALSE(excluded(u"m/a/b", "c2"));   // another check
+  EXPECT_FALSE(excluded(u"m/ab"));         // a prefix, not a subsystem
+  EXPECT_FALSE(excluded(u"m/a/b", "c2"));  // another check
 
   load({{{"Block|off|a"}, {"c1", "c2"}}});
   EXPECT_TRUE(excluded(u"m/a"));
@@ -231,7 +233,8 @@ TEST_F(ExclusionTest, BadFilesThrowAndLeaveTheManagerAsDocumented) {
   // Comments, CDATA and self-closing elements do not count as levels.
   std::string shallow = "<rsccat><!-- <a><a><a> --><SystemList><System><ExclusionList>";
   for (int i = 0; i < 100; ++i) shallow += "<x/><![CDATA[<a><a>]]>";
-  manager.loadExclusionsFromFile(d, write(shallow + "</ExclusionList></System></SystemList></rsccat>"));
+  manager.loadExclusionsFromFile(
+      d, write(shallow + "</ExclusionList></System></SystemList></rsccat>"));
   EXPECT_TRUE(manager.getExclusions().empty());
 
   // Without the list element: the exclusions are gone and nothing new is published.

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "src/bkeditbd.h"
+
+namespace bkedittimecheck {
+
+/// White-box access to the fields of a `bkEditBD`, for tests and benchmarks that look at what
+/// the engine queued or scanned.
+struct bkEditBDProbe {
+  explicit bkEditBDProbe(bkEditBD& data) : d(data) {}
+
+  auto& blocks() { return d.blocks; }
+  auto& changedBlocks() { return d.changedBlocks; }
+  auto& deletedHandles() { return d.deletedHandles; }
+  auto& blkProperties() { return d.blkProperties; }
+  auto& subsysProperties() { return d.subsysProperties; }
+  auto& subsysNameChanges() { return d.subsysNameChanges; }
+  auto& maskedBlocks() { return d.maskedBlocks; }
+  auto& visibleGraphs() { return d.visibleGraphs; }
+  auto& visibleGraphsDone() { return d.visibleGraphsDone; }
+  auto& auditorGraphsDone() { return d.auditorGraphsDone; }
+  auto& auditorPathsDone() { return d.auditorPathsDone; }
+  auto& handleToSubsystem() { return d.handleToSubsystem; }
+  bool initialScanDone() const { return d.initialScanDone; }
+  bool tooManyRoutingBlocks() const { return d.tooManyRoutingBlocks.load(); }
+  std::uint32_t variantSubsystemCount() const { return d.variantSubsystemCount; }
+  bool hasStateAccessBlocks() const { return d.hasStateAccessBlocks; }
+
+  bkEditBD& d;
+};
+
+}  // namespace bkedittimecheck
