@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -11,74 +12,68 @@
 #include "host/model/diagramediting.h"
 #include "host/runtime/eventloop.h"
 #include "src/bkeditbd.h"
-#include "tests/src/bkeditbdprobe.h"
-#include "src/constraints/bkeditblock.h"
-#include "src/hostinterface.h"
 #include "src/violationdatabase.h"
+#include "tests/src/bkeditbdprobe.h"
 
 namespace bkedittimecheck::testing {
 
 using Lines = std::vector<std::string>;
 
-/// A diagram in the reference host without an engine, its blocks snapshotted by the test into a
+/// A diagram "m" in the reference host without an engine, snapshotted by the test into a
 /// `bkEditBD` of its own, and a store: a whole-diagram check's `evaluate` runs on exactly that,
 /// on the test's thread.
 class CheckBench : public ::testing::Test {
  public:
-  void SetUp() override {
-    blockara::EventLoop::instance().adoptCurrentThread();
-    reset();
-  }
+  void SetUp() override { blockara::EventLoop::instance().adoptCurrentThread(); }
   void TearDown() override { bkBlockDiagramSet::closeAll(); }
 
-  /// A fresh diagram "m", snapshot and store.
-  void reset() {
+  /// A fresh diagram, snapshot and store, with the blocks of `specs`: "PATH TYPE [K=V ...]", the
+  /// path below "m", in order of creation; "commented=1" comments the block out. Every block is
+  /// snapshotted, and each event listener queued as the engine queues it.
+  void build(const Lines& specs) {
     bkBlockDiagramSet::closeAll();
     d = bkBlockDiagramSet::create(u"m", BKRootBD::Model);
     data = std::make_unique<bkEditBD>(L"m", false);
     db = std::make_unique<ViolationDatabase>();
-  }
-
-  /// Adds a block to the system at `system` ("m" for the root).
-  BKBlock* add(const std::u16string& system, const std::string& type, const std::u16string& name,
-               const blockara::PropertyMap& props = {}) {
-    return d->editing().addBlock(system, type, name, props);
-  }
-
-  /// Snapshots every block of the diagram into the block map, as a pass would hold them.
-  void snapshotAll() {
-    for (BKBlock* b : d->blocksInPathOrder()) {
-      retake(b);
+    for (const std::string& spec : specs) {
+      std::istringstream in(spec);
+      std::string path, type, pair;
+      in >> path >> type;
+      const std::u16string full = u"m/" + i18n::to_u16string(path);
+      const std::size_t cut = full.rfind(u'/');
+      BKBlock* b = d->editing().addBlock(full.substr(0, cut), type, full.substr(cut + 1));
+      while (in >> pair) {
+        const std::string key = pair.substr(0, pair.find('='));
+        const std::string value = pair.substr(pair.find('=') + 1);
+        if (key == "commented") d->editing().setCommentState(full, 1);
+        else d->editing().setProperties(full, {{key, value}});
+      }
+      if (type == "EventListener") {
+        probe().subsysProperties().push(
+            SubsysProperties{toWide(b->getFullPath(false)), b->getHandle(), true});
+      }
     }
+    for (BKBlock* b : d->blocksInPathOrder()) retake(b);
   }
 
   /// Snapshots one block again, as a later batch would.
   void retake(BKBlock* b) {
-    bkEditBDProbe(*data).blocks()[b->getHandle()] = std::make_shared<bkEditBlock>(b, false);
+    probe().blocks()[b->getHandle()] = std::make_shared<bkEditBlock>(b, false);
   }
+  BKBlock* block(const std::u16string& path) const { return d->findBlock(u"m/" + path); }
+  bkEditBDProbe probe() { return bkEditBDProbe(*data); }
 
-  /// The records of `checkId` as "path|type|severity[|commented]", the path without the diagram
-  /// name, sorted.
-  Lines records(const std::string& checkId) const {
+  /// The store as "path|type|severity[|commented]", the path below "m", sorted.
+  Lines records() const {
     Lines out;
-    for (const auto& v : db->violationsByCheck(checkId)) {
-      const BKBlock* b = handle2Block(v->blockHandle);
-      std::string path = b ? ConvertUStringToStdString(b->getFullPath(false)).substr(1) : "?";
-      std::string line = path + "|" + v->violationType + "|" + std::to_string(v->severity);
-      if (v->isCommented) line += "|commented";
-      out.push_back(line);
+    for (BKBlock* b : d->blocksInPathOrder()) {
+      for (const EditTimeViolation& v : db->violationsOf(b->getHandle())) {
+        out.push_back(ConvertUStringToStdString(b->getFullPath(false)).substr(2) + "|" +
+                      v.violationType + "|" + std::to_string(v.severity) +
+                      (v.isCommented ? "|commented" : ""));
+      }
     }
     std::sort(out.begin(), out.end());
-    return out;
-  }
-
-  /// The names of the blocks on `pendingClears`, in order.
-  Lines cleared() const {
-    Lines out;
-    for (double h : db->pendingClears()) {
-      const BKBlock* b = handle2Block(h);
-      out.push_back(b ? ConvertUStringToStdString(b->getName()) : "?");
-    }
     return out;
   }
 

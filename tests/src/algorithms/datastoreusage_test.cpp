@@ -1,102 +1,65 @@
 // Duplicate data store memory blocks under the three settings of "UniqueDataStoreMsg", the
-// commented block that counts without being reported, and the severities that skip detection.
+// commented block that counts without being reported, and a severity that skips detection.
 #include "src/algorithms/datastoreusage.h"
-
-#include <gtest/gtest.h>
-
-#include <functional>
 
 #include "tests/src/algorithms/checkbench.h"
 
 namespace bkedittimecheck::testing {
 namespace {
 
-blockara::PropertyMap store(const std::string& name) { return {{"DataStoreName", name}}; }
-
 class DataStoreUsageTest : public CheckBench {
  public:
-  struct Case {
-    std::string what;
-    std::int32_t setting;  // 0 none, 1 warning, 2 error
-    std::function<void(DataStoreUsageTest&)> build;
-    Lines expected;
-  };
-
-  void run(std::uint32_t severity = 5) {
-    DataStoreUsage check(L"m", severity);
-    check.evaluate(*data, *db);
+  void run(std::int32_t setting, std::uint32_t severity = DataStoreUsage::kSeverity) {
+    data->setUniqueDataStoreMsg(setting);
+    DataStoreUsage(L"m", severity).evaluate(*data, *db);
   }
 };
 
 TEST_F(DataStoreUsageTest, DuplicatesUnderEachSetting) {
-  const auto twoInOneSystem = [](DataStoreUsageTest& t) {
-    t.add(u"m", "DataStoreMemory", u"a", store("A"));
-    t.add(u"m", "DataStoreMemory", u"b", store("A"));
-    t.add(u"m", "DataStoreMemory", u"c", store("C"));
-  };
-  const auto twoInTwoSystems = [](DataStoreUsageTest& t) {
-    t.add(u"m", "SubSystem", u"s");
-    t.add(u"m", "DataStoreMemory", u"a", store("A"));
-    t.add(u"m/s", "DataStoreMemory", u"b", store("A"));
+  const Lines oneSystem{"a DataStoreMemory DataStoreName=A", "b DataStoreMemory DataStoreName=A",
+                        "c DataStoreMemory DataStoreName=C"};
+  const Lines twoSystems{"s SubSystem", "a DataStoreMemory DataStoreName=A",
+                         "s/b DataStoreMemory DataStoreName=A"};
+  struct Case {
+    std::string what;
+    Lines blocks;
+    std::int32_t setting;  // 0 none, 1 warning, 2 error
+    Lines expected;
   };
   const std::vector<Case> cases{
-      {"one system, setting none", 0, twoInOneSystem,
-       {"/a|DuplicateDataStoreMemoryBlocksSameGraph|1",
-        "/b|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
-      {"one system, setting error: both types", 2, twoInOneSystem,
-       {"/a|DuplicateDataStoreMemoryBlocksDiagnostic|1",
-        "/a|DuplicateDataStoreMemoryBlocksSameGraph|1",
-        "/b|DuplicateDataStoreMemoryBlocksDiagnostic|1",
-        "/b|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
-      {"two systems, setting none", 0, twoInTwoSystems, {}},
-      {"two systems, setting warning", 1, twoInTwoSystems,
-       {"/a|DuplicateDataStoreMemoryBlocksDiagnostic|0",
-        "/s/b|DuplicateDataStoreMemoryBlocksDiagnostic|0"}},
-      {"two systems, setting error", 2, twoInTwoSystems,
-       {"/a|DuplicateDataStoreMemoryBlocksDiagnostic|1",
-        "/s/b|DuplicateDataStoreMemoryBlocksDiagnostic|1"}},
-      {"three, the first commented: it counts but is not reported", 0,
-       [](DataStoreUsageTest& t) {
-         t.add(u"m", "DataStoreMemory", u"a", store("A"));
-         t.add(u"m", "DataStoreMemory", u"b", store("A"));
-         t.add(u"m", "DataStoreMemory", u"c", store("A"));
-         t.d->editing().setCommentState(u"m/a", 1);
-       },
-       {"/b|DuplicateDataStoreMemoryBlocksSameGraph|1",
-        "/c|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
-      {"three, the second commented: it is left out", 0,
-       [](DataStoreUsageTest& t) {
-         t.add(u"m", "DataStoreMemory", u"a", store("A"));
-         t.add(u"m", "DataStoreMemory", u"b", store("A"));
-         t.add(u"m", "DataStoreMemory", u"c", store("B"));
-         t.d->editing().setCommentState(u"m/b", 1);
-       },
-       {}},
+      {"one system, none", oneSystem, 0,
+       {"a|DuplicateDataStoreMemoryBlocksSameGraph|1", "b|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
+      {"one system, error: both types", oneSystem, 2,
+       {"a|DuplicateDataStoreMemoryBlocksDiagnostic|1", "a|DuplicateDataStoreMemoryBlocksSameGraph|1",
+        "b|DuplicateDataStoreMemoryBlocksDiagnostic|1", "b|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
+      {"two systems, none", twoSystems, 0, {}},
+      {"two systems, warning", twoSystems, 1,
+       {"a|DuplicateDataStoreMemoryBlocksDiagnostic|0", "s/b|DuplicateDataStoreMemoryBlocksDiagnostic|0"}},
+      {"two systems, error", twoSystems, 2,
+       {"a|DuplicateDataStoreMemoryBlocksDiagnostic|1", "s/b|DuplicateDataStoreMemoryBlocksDiagnostic|1"}},
+      {"the first of three commented: it counts but is not reported",
+       {"a DataStoreMemory DataStoreName=A commented=1", "b DataStoreMemory DataStoreName=A",
+        "c DataStoreMemory DataStoreName=A"},
+       0,
+       {"b|DuplicateDataStoreMemoryBlocksSameGraph|1", "c|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
+      {"the second of two commented: it is left out",
+       {"a DataStoreMemory DataStoreName=A", "b DataStoreMemory DataStoreName=A commented=1"}, 0, {}},
   };
   for (const Case& c : cases) {
-    reset();
-    c.build(*this);
-    snapshotAll();
-    data->setUniqueDataStoreMsg(c.setting);
-    run();
-    EXPECT_EQ(records(DataStoreUsage::kCheckId), c.expected) << c.what;
+    build(c.blocks);
+    run(c.setting);
+    EXPECT_EQ(records(), c.expected) << c.what;
   }
 }
 
 TEST_F(DataStoreUsageTest, ASettingChangeReplacesTheSeverityAndSeverityZeroClears) {
-  add(u"m", "SubSystem", u"s");
-  add(u"m", "DataStoreMemory", u"a", store("A"));
-  add(u"m/s", "DataStoreMemory", u"b", store("A"));
-  snapshotAll();
-  data->setUniqueDataStoreMsg(2);
-  run();
-  data->setUniqueDataStoreMsg(1);
-  run();
-  EXPECT_EQ(records(DataStoreUsage::kCheckId),
-            (Lines{"/a|DuplicateDataStoreMemoryBlocksDiagnostic|0",
-                   "/s/b|DuplicateDataStoreMemoryBlocksDiagnostic|0"}));
-  run(0);  // warnings only: nothing is looked for, so every record goes
-  EXPECT_EQ(records(DataStoreUsage::kCheckId), Lines{});
+  build({"s SubSystem", "a DataStoreMemory DataStoreName=A", "s/b DataStoreMemory DataStoreName=A"});
+  run(2);
+  run(1);
+  EXPECT_EQ(records(), (Lines{"a|DuplicateDataStoreMemoryBlocksDiagnostic|0",
+                              "s/b|DuplicateDataStoreMemoryBlocksDiagnostic|0"}));
+  run(1, Severity::kWarning);  // warnings only: nothing is looked for, every record goes
+  EXPECT_EQ(records(), Lines{});
 }
 
 }  // namespace
