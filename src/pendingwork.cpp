@@ -19,8 +19,9 @@ std::int64_t PendingWork::queuedCount() const {
 }
 
 void PendingWork::passStyled() {
-  // A stray applyStyle (a pass that was never counted) must not wrap the counter around.
-  if (passes > 0) passes -= 1;
+  // Unconditional: a stray applyStyle for a pass that was never counted wraps the counter, and
+  // the engine then counts as busy until it is replaced.
+  passes -= 1;
 }
 
 }  // namespace bkedittimecheck

@@ -28,7 +28,8 @@ class PendingWork {
   /// Main thread. Passes begun and not yet styled.
   std::uint32_t passCount() const { return passes; }
 
-  /// Main thread. One pass was styled (the count never goes below 0).
+  /// Main thread. One pass was styled; the count is decremented unconditionally and wraps
+  /// around below 0.
   void passStyled();
 
  private:

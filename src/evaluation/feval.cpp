@@ -63,7 +63,10 @@ std::future<std::vector<bool>> postFEvalMissingVariables(const std::shared_ptr<n
       vm, functionName, 1, std::move(arguments),
       [](const std::shared_ptr<cmddistributor::CmdEvent>& event) {
         std::vector<nxArray> results = cmddistributor::detail::completedResults(event);
-        if (results.empty()) return std::vector<bool>{};
+        // The one output was asked for: an answer without it cannot become the result type.
+        if (results.empty()) {
+          throw std::runtime_error("std::vector<bool> not convertible from serialized value.");
+        }
         return cmddistributor::detail::toVectorOfBool(results.front());
       });
 }

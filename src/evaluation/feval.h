@@ -45,7 +45,9 @@ std::future<void> postFEval(const std::shared_ptr<nvm::MVM>& vm, const std::stri
 
 /// Any thread. Posts `functionName(handles, diagramName)` wanting one logical result, returned
 /// as a vector of bool by the future. Besides the errors of `postFEval`, the future throws
-/// std::runtime_error when the result is not logical. Waiting on the main thread deadlocks.
+/// std::runtime_error when the result is not logical ("nxArray contained ... but expected ...")
+/// or missing ("std::vector<bool> not convertible from serialized value."). Waiting on the main
+/// thread deadlocks.
 std::future<std::vector<bool>> postFEvalMissingVariables(const std::shared_ptr<nvm::MVM>& vm,
                                                          const std::string& functionName,
                                                          const std::vector<double>& handles,

@@ -61,7 +61,7 @@ TEST_F(ControllerTest, CloseWithAndWithoutPassesInFlight) {
   auto fresh = engineOf(u"m");
   ASSERT_TRUE(fresh);
   // Styling of the fresh engine's id leaves the closing one waiting.
-  controller().applyStyle(L"m", fresh->engineId());
+  styleAsWorker(L"m", *fresh);
   EXPECT_EQ(controller().closingEnginesOf(L"m").size(), 1u);
   // Its own styling retires it; the worker's two items finished first.
   busy->pendingWork().finishOne();

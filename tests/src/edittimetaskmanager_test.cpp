@@ -40,7 +40,7 @@ class ScanTest : public EngineFixture {
     return d;
   }
 
-  void styled() { controller().applyStyle(L"m", engine->engineId()); }
+  void styled() { styleAsWorker(L"m", *engine); }
 
   static Names sorted(Names names) {
     std::sort(names.begin(), names.end());
@@ -193,7 +193,7 @@ TEST_F(ScanTest, ThousandsOfLevelsAreScannedOneLevelASlice) {
 
   int slices = 0;
   while (bd.hasVisibleGraphsToScan() && slices <= levels) {
-    controller().applyStyle(L"big", big->engineId());
+    styleAsWorker(L"big", *big);
     ASSERT_TRUE(CooperativeTaskManager::processNext());
     ++slices;
     // Never more than one level's blocks in one slice.

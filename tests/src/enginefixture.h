@@ -71,6 +71,16 @@ class EngineFixture : public ::testing::Test {
 
   std::vector<Event> takeEvents() { return std::exchange(events, {}); }
 
+  /// The styling that ends a pass, as the worker posts it: counts a pass first when none is in
+  /// flight, since a styling without a pass leaves the engine busy for good.
+  static void styleAsWorker(const std::wstring& name, EditTimeEngine& engine) {
+    if (!engine.hasUnstyledPasses()) {
+      engine.pendingWork().addQueued(1);
+      engine.pendingWork().finishOne();
+    }
+    controller().applyStyle(name, engine.engineId());
+  }
+
   /// Pops every snapshot from `changedBlocks`, returning the block names in order.
   static std::vector<std::string> takeChanged(bkEditBD& data) {
     std::vector<std::string> names;
