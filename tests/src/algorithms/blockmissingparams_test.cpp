@@ -1,6 +1,6 @@
-// Missing variables on the whole road: the shipped host-language function against the base
-// workspace, event codes 17 and 18, the feature level that picks the severity, and every way the
-// question can fail, after which the next batch asks again.
+// Missing variables on the whole road: event codes 17 and 18, the feature level that picks the
+// severity, and every way the question can fail, after which the next batch asks again. The
+// shipped function's rule is the scenario interactive_missingvariable's.
 #include "src/algorithms/blockmissingparams.h"
 
 #include "host/prefs/bkfeature.h"
@@ -27,21 +27,6 @@ class MissingVariableTest : public InteractiveRoad {
            body + " }");
   }
 };
-
-TEST_F(MissingVariableTest, TheWorkspaceDecidesAndTheWorkspaceSignalAsksAgain) {
-  runLua("blockara.workspace.known = 2");
-  place(d, u"m", "Gain", u"g", {{"Gain", std::string("2*k + known")}});
-  place(d, u"m", "Gain", u"h", {{"Gain", std::string("max(known, pi) * 1e-3 + s.k")}});
-  place(d, u"m", "Constant", u"c", {{"Value", std::string("'k'")}});
-  ASSERT_TRUE(settle());
-  EXPECT_EQ(all(), (Lines{"g|BlockEditTimeMissingParams|1", "h|BlockEditTimeMissingParams|1"}));
-  EXPECT_EQ(glows(), (std::map<std::string, std::string>{{"g", "Error"}, {"h", "Error"}}));
-  runLua("blockara.workspace.k = 1; blockara.workspace.s = {}; "
-         "blockara.diagram('m'):workspaceChanged()");
-  ASSERT_TRUE(settle());
-  EXPECT_EQ(all(), Lines{});
-  EXPECT_TRUE(glows().empty());
-}
 
 TEST_F(MissingVariableTest, EventCodes17And18AndTheFeatureLevel) {
   runLua("asked = 0");

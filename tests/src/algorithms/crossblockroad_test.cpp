@@ -1,5 +1,4 @@
-// The cross-block checks on the whole road: the limit of routing blocks as the engine counts
-// them, and the data store check that a change of "UniqueDataStoreMsg" queues on its own.
+// The Goto/From check on the whole road: the limit of routing blocks as the engine counts them.
 #include "tests/src/algorithms/interactiveroad.h"
 
 namespace bkedittimecheck::testing {
@@ -32,31 +31,6 @@ TEST_F(CrossBlockRoadTest, GotoFromStopsPastTheThousandthRoutingBlock) {
       n->findBlock(u"n/f")->getHandle());
   ASSERT_EQ(records.size(), 1u);
   EXPECT_EQ(records[0].violationType, "NoMatchingGoTO");
-}
-
-TEST_F(CrossBlockRoadTest, TheSettingRunsTheDataStoreCheckAlone) {
-  d->editing().addBlock(u"m", "SubSystem", u"s");
-  d->editing().addBlock(u"m", "DataStoreMemory", u"a", {{"DataStoreName", std::string("A")}});
-  d->editing().addBlock(u"m/s", "DataStoreMemory", u"b", {{"DataStoreName", std::string("A")}});
-  ASSERT_TRUE(settle());
-  const std::string type = "|DuplicateDataStoreMemoryBlocksDiagnostic|";
-  struct Step {
-    std::string setting;
-    Lines expected;
-    std::map<std::string, std::string> glows;
-  };
-  const std::vector<Step> steps{
-      {"warning", {"a" + type + "0", "s/b" + type + "0"}, {{"a", "Warn"}, {"s/b", "Warn"}}},
-      {"error", {"a" + type + "1", "s/b" + type + "1"}, {{"a", "Error"}, {"s/b", "Error"}}},
-      {"none", {}, {}}};
-  for (const Step& step : steps) {
-    takeEvents();
-    runLua("blockara.diagram('m'):setModelParam('UniqueDataStoreMsg', '" + step.setting + "')");
-    ASSERT_TRUE(settle()) << step.setting;
-    EXPECT_EQ(all(), step.expected) << step.setting;
-    EXPECT_EQ(glows(), step.glows) << step.setting;
-    EXPECT_TRUE(takeEvents().empty()) << "a table of an event ran for " << step.setting;
-  }
 }
 
 }  // namespace
