@@ -1,13 +1,13 @@
 #include "host/runtime/timerthread.h"
 
-#include "host/runtime/eventloop.h"
-
 #include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "host/runtime/eventloop.h"
 
 namespace blockara {
 namespace {

@@ -69,8 +69,8 @@ bool BlockMissingParams::evaluate(bkEditBD& data, ViolationDatabase& database) {
                                                                        : Severity::kWarning;
     auto it = blocks.begin();
     for (std::size_t i = 0; i < missing.size() && it != blocks.end(); ++i, ++it) {
-      auto r = std::make_shared<EditTimeViolation>(checkId, kViolationType, recordSeverity,
-                                                   it->first);
+      auto r =
+          std::make_shared<EditTimeViolation>(checkId, kViolationType, recordSeverity, it->first);
       r->isCommented = it->second && it->second->getIsCommented() ? 1 : 0;
       if (missing[i]) {
         database.add(r);

@@ -55,8 +55,8 @@ bool DataStoreUsage::evaluate(bkEditBD& data, ViolationDatabase& database) {
   std::vector<std::shared_ptr<EditTimeViolation>> found;
   const auto make = [this, &found](const bkEditBlock& block, const std::string& type,
                                    std::uint32_t recordSeverity) {
-    auto r = std::make_shared<EditTimeViolation>(checkId, type, recordSeverity,
-                                                 block.getBlockHandle());
+    auto r =
+        std::make_shared<EditTimeViolation>(checkId, type, recordSeverity, block.getBlockHandle());
     r->isCommented = block.getIsCommented() ? 1 : 0;
     r->blockPath = block.getFullPath();
     found.push_back(std::move(r));
@@ -84,9 +84,9 @@ bool DataStoreUsage::evaluate(bkEditBD& data, ViolationDatabase& database) {
     for (const EditTimeViolation& p : present) {
       bool current = false;
       for (const auto& r : found) {
-        current = current || (r->blockHandle == p.blockHandle &&
-                              r->violationType == p.violationType && r->checkId == p.checkId &&
-                              r->severity == p.severity);
+        current =
+            current || (r->blockHandle == p.blockHandle && r->violationType == p.violationType &&
+                        r->checkId == p.checkId && r->severity == p.severity);
       }
       if (!current) database.remove(std::make_shared<EditTimeViolation>(p));
     }

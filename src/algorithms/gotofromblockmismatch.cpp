@@ -40,10 +40,17 @@ class Pairing {
     for (const auto& [handle, block] : blocks) {
       if (!block || block->getIsCommented() || !block->getDefaultEditBlock()) continue;
       switch (block->getBlockKind()) {
-        case BlockKind::kFrom: froms[tagOf(*block)].push_back(block); break;
-        case BlockKind::kGoto: gotos[tagOf(*block)].push_back(block); break;
-        case BlockKind::kGotoTagVisibility: visibilities[tagOf(*block)].push_back(block); break;
-        default: break;
+        case BlockKind::kFrom:
+          froms[tagOf(*block)].push_back(block);
+          break;
+        case BlockKind::kGoto:
+          gotos[tagOf(*block)].push_back(block);
+          break;
+        case BlockKind::kGotoTagVisibility:
+          visibilities[tagOf(*block)].push_back(block);
+          break;
+        default:
+          break;
       }
     }
   }
@@ -115,7 +122,8 @@ class Pairing {
       for (const Block& x : list) {
         for (const Block& y : list) {
           if (x != y && inSameSystem(*x, *y)) {
-            visibilityViolations.push_back(record(*x, "DuplicateGoToTagVisibility", Severity::kError));
+            visibilityViolations.push_back(
+                record(*x, "DuplicateGoToTagVisibility", Severity::kError));
             break;
           }
         }
@@ -165,7 +173,7 @@ class Pairing {
         bool current = false;
         for (const auto& g : gotoViolations) {
           current = current || (g->blockHandle == p.blockHandle &&
-                                 g->violationType == p.violationType && g->checkId == p.checkId);
+                                g->violationType == p.violationType && g->checkId == p.checkId);
         }
         if (!current) database.remove(std::make_shared<EditTimeViolation>(p));
       }

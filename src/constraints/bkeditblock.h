@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "src/constraints/blockarastatemappinginfo.h"
 #include "src/constraints/bkdefaulteditblock.h"
 #include "src/constraints/bkraeditblock.h"
+#include "src/constraints/blockarastatemappinginfo.h"
 #include "src/constraints/parametervalue.h"
 
 class BKBlock;

@@ -33,7 +33,7 @@ void BlockaraStateMappingInfoImpl::fill(const nxArray& answer) {
   for (std::size_t i = 0; i < answer.numel(); ++i) {
     const std::wstring name = fieldText(answer, i, "dataName");
     const std::wstring scope = fieldText(answer, i, "dataScope");
-    const Scope value = scope == L"input" ? Scope::input
+    const Scope value = scope == L"input"    ? Scope::input
                         : scope == L"output" ? Scope::output
                                              : Scope::other;
     const auto [it, inserted] = scopes.insert_or_assign(name, value);

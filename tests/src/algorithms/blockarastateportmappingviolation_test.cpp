@@ -25,20 +25,20 @@ class ChartStateTest : public InteractiveRoad {
 };
 
 TEST_F(ChartStateTest, PortsAgainstTheDeclaredDataAndAcrossPasses) {
-  chart({{"Inport", u"a"}, {"Inport", u"c"}, {"Inport", u"u"}, {"Outport", u"b"},
-         {"Outport", u"e"}});
+  chart(
+      {{"Inport", u"a"}, {"Inport", u"c"}, {"Inport", u"u"}, {"Outport", u"b"}, {"Outport", u"e"}});
   ASSERT_TRUE(settle());
-  EXPECT_EQ(all(), (Lines{"ch/st/c|BlockaraStateMismappedPort|1",
-                          "ch/st/e|BlockaraStateMismappedPort|1",
-                          "ch/st/u|BlockaraStateUnmappedPort|1"}));
+  EXPECT_EQ(all(),
+            (Lines{"ch/st/c|BlockaraStateMismappedPort|1", "ch/st/e|BlockaraStateMismappedPort|1",
+                   "ch/st/u|BlockaraStateUnmappedPort|1"}));
   EXPECT_EQ(glows().size(), 3u);
   // Ports renamed in a later pass meet the state's table, which the prune kept.
   d->editing().renameBlock(u"m/ch/st/u", u"x");
   d->editing().renameBlock(u"m/ch/st/e", u"a2");
   ASSERT_TRUE(settle());
-  EXPECT_EQ(all(), (Lines{"ch/st/a2|BlockaraStateUnmappedPort|1",
-                          "ch/st/c|BlockaraStateMismappedPort|1",
-                          "ch/st/x|BlockaraStateUnmappedPort|1"}));
+  EXPECT_EQ(all(),
+            (Lines{"ch/st/a2|BlockaraStateUnmappedPort|1", "ch/st/c|BlockaraStateMismappedPort|1",
+                   "ch/st/x|BlockaraStateUnmappedPort|1"}));
 }
 
 TEST_F(ChartStateTest, AMappingThatCannotBeReadLeavesPortsUnmapped) {

@@ -23,8 +23,8 @@ class MissingVariableTest : public InteractiveRoad {
   }
   // Replaces the host-language function by `body`, a Lua function expression.
   void replace(const std::string& body) {
-    runLua("package.loaded['Blockara.BlockEditTimeController'] = { findMissingVariable = " +
-           body + " }");
+    runLua("package.loaded['Blockara.BlockEditTimeController'] = { findMissingVariable = " + body +
+           " }");
   }
 };
 
@@ -65,10 +65,12 @@ TEST_F(MissingVariableTest, FailuresChangeNothingAndTheNextBatchAsksAgain) {
       {"function() return nx.array('logical', 1, 1, { false }) end", {}},  // one short
       {"function() return nx.array('logical', 1, 0, {}) end", {}},
       {"function() return 'no' end", {}},
-      {"", [](const std::vector<double>&, const std::wstring&) {
+      {"",
+       [](const std::vector<double>&, const std::wstring&) {
          return std::future<std::vector<bool>>{};  // a future without state
        }},
-      {"", [](const std::vector<double>& handles, const std::wstring& name) {
+      {"",
+       [](const std::vector<double>& handles, const std::wstring& name) {
          return postFEvalMissingVariables(nullptr, BlockMissingParams::kFunction, handles, name);
        }},
   };

@@ -27,16 +27,16 @@ class CheckBench : public ::testing::Test {
   void SetUp() override { blockara::EventLoop::instance().adoptCurrentThread(); }
   void TearDown() override { bkBlockDiagramSet::closeAll(); }
 
-  /// A fresh diagram, snapshot and store, with the blocks of `specs`: "PATH TYPE [K=V ...]", the
+  /// A fresh diagram, snapshot and store, with `blocks`, one a line: "PATH TYPE [K=V ...]", the
   /// path below "m", in order of creation; "commented=1" comments the block out. Every block is
   /// snapshotted, and each event listener queued as the engine queues it.
-  void build(const Lines& specs) {
+  void build(const Lines& blocks) {
     bkBlockDiagramSet::closeAll();
     d = bkBlockDiagramSet::create(u"m", BKRootBD::Model);
     data = std::make_unique<bkEditBD>(L"m", false);
     db = std::make_unique<ViolationDatabase>();
-    for (const std::string& spec : specs) {
-      std::istringstream in(spec);
+    for (const std::string& line : blocks) {
+      std::istringstream in(line);
       std::string path, type, pair;
       in >> path >> type;
       const std::u16string full = u"m/" + i18n::to_u16string(path);
@@ -45,8 +45,10 @@ class CheckBench : public ::testing::Test {
       while (in >> pair) {
         const std::string key = pair.substr(0, pair.find('='));
         const std::string value = pair.substr(pair.find('=') + 1);
-        if (key == "commented") d->editing().setCommentState(full, 1);
-        else d->editing().setProperties(full, {{key, value}});
+        if (key == "commented")
+          d->editing().setCommentState(full, 1);
+        else
+          d->editing().setProperties(full, {{key, value}});
       }
       if (type == "EventListener") {
         probe().subsysProperties().push(

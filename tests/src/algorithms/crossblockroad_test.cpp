@@ -27,8 +27,8 @@ TEST_F(CrossBlockRoadTest, GotoFromStopsPastTheThousandthRoutingBlock) {
   BKRootBD* n = open(u"n");
   fromsThenGoto(n, 999);  // the Goto is the 1001st: the check leaves the old finding alone
   ASSERT_TRUE(settle());
-  const auto records = engineOf(u"n")->getViolations()->violationsOf(
-      n->findBlock(u"n/f")->getHandle());
+  const auto records =
+      engineOf(u"n")->getViolations()->violationsOf(n->findBlock(u"n/f")->getHandle());
   ASSERT_EQ(records.size(), 1u);
   EXPECT_EQ(records[0].violationType, "NoMatchingGoTO");
 }

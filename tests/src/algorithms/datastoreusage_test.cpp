@@ -27,23 +27,39 @@ TEST_F(DataStoreUsageTest, DuplicatesUnderEachSetting) {
     Lines expected;
   };
   const std::vector<Case> cases{
-      {"one system, none", oneSystem, 0,
-       {"a|DuplicateDataStoreMemoryBlocksSameGraph|1", "b|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
-      {"one system, error: both types", oneSystem, 2,
-       {"a|DuplicateDataStoreMemoryBlocksDiagnostic|1", "a|DuplicateDataStoreMemoryBlocksSameGraph|1",
-        "b|DuplicateDataStoreMemoryBlocksDiagnostic|1", "b|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
+      {"one system, none",
+       oneSystem,
+       0,
+       {"a|DuplicateDataStoreMemoryBlocksSameGraph|1",
+        "b|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
+      {"one system, error: both types",
+       oneSystem,
+       2,
+       {"a|DuplicateDataStoreMemoryBlocksDiagnostic|1",
+        "a|DuplicateDataStoreMemoryBlocksSameGraph|1",
+        "b|DuplicateDataStoreMemoryBlocksDiagnostic|1",
+        "b|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
       {"two systems, none", twoSystems, 0, {}},
-      {"two systems, warning", twoSystems, 1,
-       {"a|DuplicateDataStoreMemoryBlocksDiagnostic|0", "s/b|DuplicateDataStoreMemoryBlocksDiagnostic|0"}},
-      {"two systems, error", twoSystems, 2,
-       {"a|DuplicateDataStoreMemoryBlocksDiagnostic|1", "s/b|DuplicateDataStoreMemoryBlocksDiagnostic|1"}},
+      {"two systems, warning",
+       twoSystems,
+       1,
+       {"a|DuplicateDataStoreMemoryBlocksDiagnostic|0",
+        "s/b|DuplicateDataStoreMemoryBlocksDiagnostic|0"}},
+      {"two systems, error",
+       twoSystems,
+       2,
+       {"a|DuplicateDataStoreMemoryBlocksDiagnostic|1",
+        "s/b|DuplicateDataStoreMemoryBlocksDiagnostic|1"}},
       {"the first of three commented: it counts but is not reported",
        {"a DataStoreMemory DataStoreName=A commented=1", "b DataStoreMemory DataStoreName=A",
         "c DataStoreMemory DataStoreName=A"},
        0,
-       {"b|DuplicateDataStoreMemoryBlocksSameGraph|1", "c|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
+       {"b|DuplicateDataStoreMemoryBlocksSameGraph|1",
+        "c|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
       {"the second of two commented: it is left out",
-       {"a DataStoreMemory DataStoreName=A", "b DataStoreMemory DataStoreName=A commented=1"}, 0, {}},
+       {"a DataStoreMemory DataStoreName=A", "b DataStoreMemory DataStoreName=A commented=1"},
+       0,
+       {}},
   };
   for (const Case& c : cases) {
     build(c.blocks);
@@ -53,7 +69,8 @@ TEST_F(DataStoreUsageTest, DuplicatesUnderEachSetting) {
 }
 
 TEST_F(DataStoreUsageTest, ASettingChangeReplacesTheSeverityAndSeverityZeroClears) {
-  build({"s SubSystem", "a DataStoreMemory DataStoreName=A", "s/b DataStoreMemory DataStoreName=A"});
+  build(
+      {"s SubSystem", "a DataStoreMemory DataStoreName=A", "s/b DataStoreMemory DataStoreName=A"});
   run(2);
   run(1);
   EXPECT_EQ(records(), (Lines{"a|DuplicateDataStoreMemoryBlocksDiagnostic|0",
