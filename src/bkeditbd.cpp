@@ -335,19 +335,11 @@ void bkEditBD::forgetAuditorScan() {
 bool bkEditBD::isOutsideScope(const bkEditBlock& block, std::int32_t skipLinkedBlocks,
                               std::int32_t lookUnderMasks) const {
   if (lookUnderMasks != LookUnderMasks::kAll) {
-    const std::wstring& path = block.getFullPath();
-    for (const auto& [maskPath, kind] : maskKinds) {
-      // Under the entry: the entry occurs, differs, and a separator follows its length.
-      const bool under = contains(path, maskPath) && path != maskPath &&
-                         path.size() > maskPath.size() && path[maskPath.size()] == L'/';
-      if (!under) continue;
-      if (lookUnderMasks == LookUnderMasks::kNone && kind != MaskKind::kNone) return true;
-      if (lookUnderMasks == LookUnderMasks::kGraphical &&
-          (kind == MaskKind::kWithoutParameters || kind == MaskKind::kWithInitialization))
-        return true;
-      if (lookUnderMasks == LookUnderMasks::kFunctional && kind == MaskKind::kWithInitialization)
-        return true;
+    if (maskIndexStale) {
+      maskIndex.rebuild(maskKinds);
+      maskIndexStale = false;
     }
+    if (maskIndex.isUnderExcludingMask(block.getFullPath(), lookUnderMasks)) return true;
   }
   return skipLinkedBlocks == 1 && block.getIsLinked();
 }
@@ -398,7 +390,10 @@ void bkEditBD::processChanges(ViolationDatabase* violations) {
 
   MaskedBlock masked;
   while (maskedBlocks.try_pop(masked)) {
-    if (contains(masked.path, name)) maskKinds[masked.path] = masked.maskKind;
+    if (contains(masked.path, name)) {
+      maskKinds[masked.path] = masked.maskKind;
+      maskIndexStale = true;
+    }
   }
 
   StateRWOwnerPathChange ownerChange;

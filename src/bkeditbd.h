@@ -15,6 +15,7 @@
 #include "src/constraints/parametervalue.h"
 #include "src/editbdrecords.h"
 #include "src/hostinterface.h"
+#include "src/maskscopeindex.h"
 #include "src/queueallocator.h"
 
 namespace bkedittimecheck {
@@ -181,6 +182,9 @@ class bkEditBD {
   // ---- worker
   std::map<double, std::shared_ptr<bkEditBlock>> blocks;
   std::map<std::wstring, std::int32_t> maskKinds;
+  // The scope rule's index over `maskKinds`, rebuilt at the first scope test after a change.
+  mutable MaskScopeIndex maskIndex;
+  mutable bool maskIndexStale = false;
   std::map<double, Blkproperties> subsysMap;
 
   // ---- main writes, worker reads (copied at construction and by the setting's refresh)

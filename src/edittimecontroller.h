@@ -37,7 +37,7 @@ class EditTimeController : public ncos::Wrappable {
 
   EditTimeController(const EditTimeController&) = delete;
   EditTimeController& operator=(const EditTimeController&) = delete;
-  virtual ~EditTimeController();
+  ~EditTimeController() override;
 
   // ---- lookups
   /// Any thread. The engine of that name, or null.

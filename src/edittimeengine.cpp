@@ -297,7 +297,8 @@ void EditTimeEngine::cleanupOnModelClose() {
       if (owner == studio) connection->disable();
     }
   }
-  // What is left belongs to studios that have closed, and went with their event services.
+  // Then whatever is left, such as connections of a studio that is no longer listed.
+  disconnectAll();
   studioConnections.clear();
   callDiagramFunction("edittime.EditTimeCheckingSetup.cleanup", diagramName);
 }

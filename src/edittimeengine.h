@@ -43,7 +43,7 @@ class EditTimeEngine : public Blockara::connections::Listener {
   /// function (a failure there is dropped), takes the graphs on view and draws a fresh
   /// `engineId`. Host exceptions pass to the caller.
   explicit EditTimeEngine(BKRootBD* diagram);
-  virtual ~EditTimeEngine();
+  ~EditTimeEngine() override;
   EditTimeEngine(const EditTimeEngine&) = delete;
   EditTimeEngine& operator=(const EditTimeEngine&) = delete;
 

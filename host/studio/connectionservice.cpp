@@ -7,9 +7,12 @@
 namespace Blockara {
 namespace connections {
 
-Listener::~Listener() {
+Listener::~Listener() { disconnectAll(); }
+
+void Listener::disconnectAll() {
   for (auto& weak : incoming)
     if (auto state = weak.lock()) state->targetAlive = false;
+  incoming.clear();
 }
 
 void NamedThread::deliver(std::function<void()> fn) const {

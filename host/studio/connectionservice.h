@@ -23,6 +23,10 @@ class Listener {
   Listener(const Listener&) = delete;
   Listener& operator=(const Listener&) = delete;
 
+  /// Main thread. Disconnects every connection still made to this listener: none delivers to it
+  /// again, whichever service owns it. Connections made afterwards work as usual.
+  void disconnectAll();
+
  private:
   template <typename L, typename E>
   friend class TypedConnection;

@@ -2,8 +2,10 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "host/language/cosinterface.h"
 #include "src/edittimecontroller.h"
 #include "src/hostinterface.h"
 
@@ -19,15 +21,21 @@ using Invoker = ncos::factory::impl::Invoker;
 constexpr const char* kClassName = "bkedittimecheck.EditTimeController";
 constexpr const char* kWide = "NcosFactoryString scalar";
 
-// Rejects a null or dead controller object before any native code runs.
-EditTimeController& selfOf(const CallFrame& frame) {
-  EditTimeController* self = nullptr;
-  if (!frame.prhs.empty() && !frame.prhs[0].isEmpty()) {
-    self = omGetArrayElement(frame.prhs[0], 0)
-               ->getInterfaceAs<EditTimeController>(ncos::COSNameID(kClassName));
-  }
-  if (!self) throw std::invalid_argument(std::string("invalid ") + kClassName + " object");
-  return *self;
+// The native controller behind the call's first argument; null for a null or dead object.
+EditTimeController* selfPointer(const CallFrame& frame) {
+  if (frame.prhs.empty() || frame.prhs[0].isEmpty()) return nullptr;
+  return omGetArrayElement(frame.prhs[0], 0)
+      ->getInterfaceAs<EditTimeController>(ncos::COSNameID(kClassName));
+}
+
+// Calls `fn` on the controller once the arguments are converted: the arguments are evaluated
+// before this body runs, so a bad argument is reported before a bad object, which raises the
+// host's own "InvalidObject".
+template <typename Fn, typename... Args>
+decltype(auto) onSelf(const CallFrame& frame, Fn fn, Args&&... args) {
+  EditTimeController* self = selfPointer(frame);
+  ncos::validateSelfPointer(self);
+  return (self->*fn)(std::forward<Args>(args)...);
 }
 
 std::wstring wideArg(const CallFrame& frame, std::size_t i) {
@@ -55,7 +63,7 @@ void COSEditTimeController::populate() {
   using Fn1 = void (EditTimeController::*)(const std::wstring&);
   auto oneName = [this](const char* name, Fn1 fn) {
     addMethod(name, instanceAttributes(), Invoker::createSignature("void", kClassName, {kWide}),
-              MethodImpl{[fn](CallFrame& f) { (selfOf(f).*fn)(wideArg(f, 1)); }});
+              MethodImpl{[fn](CallFrame& f) { onSelf(f, fn, wideArg(f, 1)); }});
   };
 
   addMethod("getInstance",
@@ -72,26 +80,32 @@ void COSEditTimeController::populate() {
               const auto engineId = id.classID() == nxClassID::UInt32
                                         ? id.getUInt32(0)
                                         : static_cast<std::uint32_t>(id.getDouble(0));
-              selfOf(f).applyStyle(wideArg(f, 1), engineId);
+              onSelf(f, &EditTimeController::applyStyle, wideArg(f, 1), engineId);
             }});
   oneName("updateDiagnostic", &EditTimeController::updateDiagnostic);
   oneName("refreshExclusions", &EditTimeController::refreshExclusions);
   addMethod("refreshExclusionsWithPartFile", instanceAttributes(),
             Invoker::createSignature("void", kClassName, {kWide, kWide}),
             MethodImpl{[](CallFrame& f) {
-              selfOf(f).refreshExclusionsWithPartFile(wideArg(f, 1), wideArg(f, 2));
+              onSelf(f, &EditTimeController::refreshExclusionsWithPartFile, wideArg(f, 1),
+                     wideArg(f, 2));
             }});
   addMethod("getViolations", instanceAttributes(),
             Invoker::createSignature("void", kClassName, {"char"}), MethodImpl{[](CallFrame& f) {
-              selfOf(f).getViolations(f.prhs.at(1).toUtf8String());
+              using Print = void (EditTimeController::*)(const std::string&);
+              onSelf(f, static_cast<Print>(&EditTimeController::getViolations),
+                     f.prhs.at(1).toUtf8String());
             }});
   addMethod("getViolations", instanceAttributes(),
             Invoker::createSignature("NcosFactoryString vector", kClassName,
                                      {kWide, "double scalar"}),
             MethodImpl{[](CallFrame& f) {
+              using Strings = std::vector<std::string> (EditTimeController::*)(const std::wstring&,
+                                                                               double);
               std::vector<nxArray> cells;
               for (const std::string& s :
-                   selfOf(f).getViolations(wideArg(f, 1), f.prhs.at(2).getDouble(0))) {
+                   onSelf(f, static_cast<Strings>(&EditTimeController::getViolations),
+                          wideArg(f, 1), f.prhs.at(2).getDouble(0))) {
                 cells.push_back(nxArray::charRow(toUtf16(s)));
               }
               setResult(f, nxArray::cellRow(std::move(cells)));
@@ -110,18 +124,21 @@ void COSEditTimeController::populate() {
   oneName("turnOnWarnings", &EditTimeController::turnOnWarnings);
   addMethod("postNameChange", instanceAttributes(),
             Invoker::createSignature("void", kClassName, {kWide, kWide}),
-            MethodImpl{[](CallFrame& f) { selfOf(f).postNameChange(wideArg(f, 1), wideArg(f, 2)); }});
+            MethodImpl{[](CallFrame& f) {
+              onSelf(f, &EditTimeController::postNameChange, wideArg(f, 1), wideArg(f, 2));
+            }});
   addMethod("switchConfiguration", instanceAttributes(),
             Invoker::createSignature("void", kClassName, {kWide, kWide}),
             MethodImpl{[](CallFrame& f) {
-              selfOf(f).switchConfiguration(wideArg(f, 1), wideArg(f, 2));
+              onSelf(f, &EditTimeController::switchConfiguration, wideArg(f, 1), wideArg(f, 2));
             }});
   oneName("loadDefaultConfiguration", &EditTimeController::loadDefaultConfiguration);
   oneName("handleNewWindowOpen", &EditTimeController::handleNewWindowOpen);
   addMethod("refreshBlockaraStatePortChecks", instanceAttributes(),
             Invoker::createSignature("void", kClassName, {kWide, "double scalar"}),
             MethodImpl{[](CallFrame& f) {
-              selfOf(f).refreshBlockaraStatePortChecks(wideArg(f, 1), f.prhs.at(2).getDouble(0));
+              onSelf(f, &EditTimeController::refreshBlockaraStatePortChecks, wideArg(f, 1),
+                     f.prhs.at(2).getDouble(0));
             }});
   oneName("refreshWorkspaceChecks", &EditTimeController::refreshWorkspaceChecks);
 }

@@ -1,6 +1,7 @@
 #include "src/configuration/customizationfile.h"
 
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 namespace bkedittimecheck {
@@ -15,8 +16,12 @@ std::wstring installedCustomizationFile(const std::wstring& installationRoot) {
 
 bool customizationFileExists(const std::wstring& path) {
   if (path.empty()) return false;
+  // "Exists" means "can be opened for reading": an unreadable file is passed over for the next
+  // place, and a directory never opens as a file.
   std::error_code error;
-  return std::filesystem::is_regular_file(std::filesystem::path(path), error);
+  if (std::filesystem::is_directory(std::filesystem::path(path), error)) return false;
+  std::ifstream in(std::filesystem::path(path), std::ios::binary);
+  return in.is_open();
 }
 
 std::wstring chooseCustomizationFile(const std::wstring& preferencesDirectory,
