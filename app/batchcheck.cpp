@@ -1,13 +1,14 @@
 #include "app/batchcheck.h"
 
+#include <algorithm>
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
-
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
+#include <vector>
 
 #include "app/luaapi.h"
 #include "app/report.h"
@@ -15,6 +16,8 @@
 #include "host/model/bkrootbd.h"
 #include "host/runtime/eventloop.h"
 #include "host/studio/studioapp.h"
+#include "host/xml/xmlreader.h"
+#include "src/configuration/exclusionmanager.h"
 #include "src/edittimecontroller.h"
 
 namespace blockara::app {
@@ -26,17 +29,45 @@ struct BadInput : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The configuration and exclusions files are XML: refuse early what no reader could take, so
-// that the user hears of it instead of getting a check that silently used the defaults.
-void requireXmlFile(const std::string& path, const char* what) {
-  std::ifstream in(path);
-  if (!in) throw BadInput(path + ": cannot read the " + what + " file");
+// The first element of a parsed document, or an empty name when there is none.
+std::string rootElementOf(const boost::property_tree::ptree& document) {
+  for (const auto& [key, child] : document) {
+    if (!key.empty() && key[0] != '<') return key;
+  }
+  return {};
+}
+
+// The configuration and exclusions files are read by the engine only once the check runs, and
+// a file of the wrong kind would then fail naming nothing, or quietly leave the defaults in
+// place. So the program reads them first, through the same guarded reader, and refuses a file
+// that is no XML or lacks the element the engine reads. `path` is the elements from the root
+// down to the one that must be there.
+void requireXmlFile(const std::string& file, const std::string& kind,
+                    const std::vector<std::string>& path, const blockara::xml::Limits& limits) {
+  const std::string notOfKind =
+      file + ": not " + (kind[0] == 'e' ? "an " : "a ") + kind + " file: ";
+  namespace pt = boost::property_tree;
+  pt::ptree document;
   try {
-    boost::property_tree::ptree tree;
-    boost::property_tree::read_xml(in, tree);
-  } catch (const boost::property_tree::xml_parser_error& e) {
-    throw BadInput(path + ":" + std::to_string(e.line()) + ": malformed " + what + " file: " +
-                   e.message());
+    document = blockara::xml::readFile(file, pt::xml_parser::no_comments, limits);
+  } catch (const pt::xml_parser_error& e) {
+    const std::string line = e.line() > 0 ? ":" + std::to_string(e.line()) : "";
+    throw BadInput(file + line + ": cannot read the " + kind + " file: " + e.message());
+  }
+  const std::string root = rootElementOf(document);
+  if (root != path.front()) {
+    throw BadInput(notOfKind + "the root element is <" + root + ">, expected <" + path.front() +
+                   ">");
+  }
+  const pt::ptree* node = &document;
+  std::string above;
+  for (const std::string& element : path) {
+    auto found = node->find(element);
+    if (found == node->not_found()) {
+      throw BadInput(notOfKind + "no <" + element + "> in " + above);
+    }
+    above += "<" + element + ">";
+    node = &found->second;
   }
 }
 
@@ -60,8 +91,17 @@ void showEverySystem(BKRootBD& diagram) {
 int runBatchCheck(const Options& o) {
   BKRootBD* diagram = nullptr;
   try {
-    if (!o.config.empty()) requireXmlFile(o.config, "configuration");
-    if (!o.exclusions.empty()) requireXmlFile(o.exclusions, "exclusions");
+    if (!o.config.empty()) {
+      requireXmlFile(o.config, "customization", {"RAConfiguration", "CheckCellArray"},
+                     xml::limits());
+    }
+    if (!o.exclusions.empty()) {
+      // The engine reads exclusions with a lower nesting limit of its own.
+      xml::Limits limits = xml::limits();
+      limits.maxDepth = std::min(limits.maxDepth, bkedittimecheck::ExclusionManager::maxNesting);
+      requireXmlFile(o.exclusions, "exclusions",
+                     {"rsccat", "SystemList", "System", "ExclusionList"}, limits);
+    }
     diagram = loadModelFile(o.model);
   } catch (const std::exception& e) {
     std::cerr << "blockara: " << e.what() << "\n";
@@ -78,6 +118,9 @@ int runBatchCheck(const Options& o) {
     controller.switchConfiguration(std::wstring(o.config.begin(), o.config.end()), name);
   }
   showEverySystem(*diagram);
+  // Nobody watches a batch check: its worker need not wait out the timer's period between
+  // slices of work.
+  EventLoop::instance().setBatchMode(true);
   if (!EventLoop::instance().runUntilQuiet(std::chrono::minutes(10))) {
     std::cerr << "blockara: " << o.model << ": the checker did not settle within 10 minutes\n";
   }

@@ -20,11 +20,34 @@ bool isErrorCategory(const std::string& category) {
   return category == "EDITTIME_ERROR" || category == "RAERROR";
 }
 
+std::string textEscape(const std::string& text) {
+  std::string out;
+  out.reserve(text.size());
+  for (unsigned char c : text) {
+    switch (c) {
+      case '\\': out += "\\\\"; break;
+      case '\t': out += "\\t"; break;
+      case '\n': out += "\\n"; break;
+      case '\r': out += "\\r"; break;
+      default:
+        if (c < 0x20) {
+          char buf[8];
+          std::snprintf(buf, sizeof buf, "\\x%02X", c);
+          out += buf;
+        } else {
+          out += static_cast<char>(c);
+        }
+    }
+  }
+  return out;
+}
+
 std::string formatText(std::vector<Finding> findings) {
   std::sort(findings.begin(), findings.end());
   std::string out;
   for (const Finding& f : findings) {
-    out += f.path + '\t' + f.checkId + '\t' + f.type + '\t' + f.category + '\n';
+    out += textEscape(f.path) + '\t' + textEscape(f.checkId) + '\t' + textEscape(f.type) + '\t' +
+           textEscape(f.category) + '\n';
   }
   return out;
 }
@@ -62,7 +85,19 @@ std::string htmlEscape(const std::string& text) {
       case '>': out += "&gt;"; break;
       case '"': out += "&quot;"; break;
       case '\'': out += "&#39;"; break;
-      default: out += c;
+      case '\t':
+      case '\n':
+      case '\r': out += c; break;
+      default:
+        // HTML admits no other control character, not even as a reference: show it as the
+        // text report does.
+        if (static_cast<unsigned char>(c) < 0x20) {
+          char buf[8];
+          std::snprintf(buf, sizeof buf, "\\x%02X", static_cast<unsigned char>(c));
+          out += buf;
+        } else {
+          out += c;
+        }
     }
   }
   return out;

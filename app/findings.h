@@ -23,7 +23,13 @@ std::string categoryOfSeverity(unsigned severity);
 /// True for the categories that the reports show as errors.
 bool isErrorCategory(const std::string& category);
 
-/// One line per finding, `PATH<TAB>CHECK_ID<TAB>TYPE<TAB>CATEGORY`, sorted.
+/// `text` with backslash and the C0 control characters escaped, so that it fits on one line and
+/// in one tab-separated field: `\\`, `\t`, `\n`, `\r`, and `\xNN` (two upper-case hex digits)
+/// for the others. Other bytes, UTF-8 included, pass unchanged.
+std::string textEscape(const std::string& text);
+
+/// One line per finding, `PATH<TAB>CHECK_ID<TAB>TYPE<TAB>CATEGORY`, each field `textEscape`d,
+/// sorted.
 std::string formatText(std::vector<Finding> findings);
 
 /// A SARIF 2.1.0 log with one run: rule id = check ID, message = violation type, level from the
@@ -33,7 +39,9 @@ std::string formatSarif(std::vector<Finding> findings, const std::string& artifa
 /// `text` with the characters that JSON strings must escape escaped (no quotes added).
 std::string jsonEscape(const std::string& text);
 
-/// `text` with the characters that HTML text and attributes must escape escaped.
+/// `text` with the characters that HTML text and attributes must escape escaped; control
+/// characters other than tab, newline and carriage return, which HTML does not admit, are
+/// shown as `\xNN`.
 std::string htmlEscape(const std::string& text);
 
 }  // namespace blockara::app

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -31,8 +32,23 @@ void configureHost(const Options& o) {
   if (!o.traceFile.empty()) blockara::PerformanceTracer::instance().start(o.traceFile);
 }
 
+// A script that cannot be read never ran: that is a failure before the script (status 2), not
+// an error the script raised (status 1).
+bool isReadableFile(const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return false;
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return false;
+  in.peek();
+  return !in.bad();
+}
+
 int runScript(blockara::LuaHost& lua, const std::string& script,
               const std::vector<std::string>& args) {
+  if (!isReadableFile(script)) {
+    std::cerr << "blockara: " << script << ": cannot read the script\n";
+    return 2;
+  }
   if (auto error = lua.runFile(script, args)) {
     std::cerr << "blockara: " << *error << "\n";
     return 1;

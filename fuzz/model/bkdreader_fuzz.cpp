@@ -8,6 +8,12 @@
 #include "host/model/bkrootbd.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  // Warnings about content passed over would flood the fuzzer's output.
+  static const bool quiet = [] {
+    blockara::setModelFileWarningHandler([](const std::string&) {});
+    return true;
+  }();
+  (void)quiet;
   std::string xml(reinterpret_cast<const char*>(data), size);
   try {
     BKRootBD* diagram = blockara::readDiagramXml(xml, "fuzz.bkd");

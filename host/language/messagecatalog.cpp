@@ -6,6 +6,8 @@
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
 
+#include "host/xml/xmlreader.h"
+
 namespace bkmsg {
 
 MessageCatalog& MessageCatalog::instance() {
@@ -37,7 +39,7 @@ void MessageCatalog::load(const std::filesystem::path& file) {
   namespace pt = boost::property_tree;
   pt::ptree tree;
   try {
-    pt::read_xml(file.string(), tree, pt::xml_parser::no_comments);
+    tree = blockara::xml::readFile(file, pt::xml_parser::no_comments);
   } catch (const pt::xml_parser_error& e) {
     throw std::runtime_error(file.string() + ": cannot read message catalogue: " + e.message() +
                              " (line " + std::to_string(e.line()) + ")");

@@ -1,21 +1,27 @@
 #include "host/model/bkdfile.h"
 
+#include <algorithm>
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
+#include <cctype>
+#include <filesystem>
 #include <fstream>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <memory>
 #include <set>
 #include <sstream>
 
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
 #include "host/model/blockmutator.h"
+#include "host/xml/xmlreader.h"
 
 namespace pt = boost::property_tree;
 
 namespace blockara {
 namespace {
-
-constexpr int kMaxDepth = 500;
 
 std::string u8(const bksvString& s) { return ConvertUStringToStdString(s); }
 
@@ -61,48 +67,121 @@ void writeSystem(pt::ptree& parent, const bkGraph& graph) {
   }
 }
 
-// A cheap pre-pass that bounds element nesting, so that hostile input cannot exhaust the stack
-// of the recursive parser.
-void checkDepth(const std::string& xml, const std::string& origin) {
-  int depth = 0, line = 1;
-  for (std::size_t i = 0; i + 1 < xml.size(); ++i) {
-    if (xml[i] == '\n') ++line;
-    if (xml[i] != '<') continue;
-    char next = xml[i + 1];
-    if (next == '/') {
-      --depth;
-    } else if (next != '?' && next != '!') {
-      std::size_t close = xml.find('>', i);
-      bool selfClosing = close != std::string::npos && close > 0 && xml[close - 1] == '/';
-      if (!selfClosing && ++depth > kMaxDepth)
-        throw ModelFileError(origin, line, "elements nested deeper than " + std::to_string(kMaxDepth));
-    }
-  }
+std::function<void(const std::string&)>& warningHandler() {
+  static std::function<void(const std::string&)> handler = [](const std::string& line) {
+    std::cerr << line << "\n";
+  };
+  return handler;
+}
+
+// What one element may hold. Children in `once` may appear at most once: a second one would
+// otherwise be dropped without a word.
+struct Shape {
+  std::initializer_list<const char*> attributes;
+  std::initializer_list<const char*> children;
+  std::initializer_list<const char*> once;
+  bool text = false;  // whether the element's text is its value
+};
+
+bool among(const std::string& name, std::initializer_list<const char*> names) {
+  return std::any_of(names.begin(), names.end(), [&](const char* n) { return name == n; });
+}
+
+bool isBlank(const std::string& text) {
+  return std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isspace(c); });
 }
 
 struct Reader {
   const std::string& origin;
+  const std::string& text;
+  pt::ptree document;
   std::set<int> sids;
+  std::unique_ptr<xml::ElementLocator> locator;  // made at the first message that needs a line
+  // Each warning with its first line and number of occurrences, in the order first seen.
+  struct Warning {
+    std::string problem;
+    std::size_t line;
+    int count;
+  };
+  std::vector<Warning> warnings;
+  std::map<std::string, std::size_t> warningIndex;  // problem -> index in warnings
 
   [[noreturn]] void fail(const std::string& problem) { throw ModelFileError(origin, 0, problem); }
 
-  int toInt(const std::string& text, const std::string& what) {
+  std::size_t lineOf(const pt::ptree& element) {
+    if (!locator) locator = std::make_unique<xml::ElementLocator>(text, document);
+    return locator->lineOf(element);
+  }
+
+  [[noreturn]] void failAt(const pt::ptree& element, const std::string& problem) {
+    throw ModelFileError(origin, static_cast<int>(lineOf(element)), problem);
+  }
+
+  void warnAt(const pt::ptree& element, const std::string& problem) {
+    auto [it, added] = warningIndex.emplace(problem, warnings.size());
+    if (added) {
+      warnings.push_back({problem, lineOf(element), 1});
+    } else {
+      ++warnings[it->second].count;
+    }
+  }
+
+  // Refuses what would be lost or ambiguous in `node` (a repeated attribute, a second child of
+  // a kind that may appear once) and warns about what the reader passes over (unknown
+  // attributes and elements, text where none is read).
+  // Runs once per element of the file, so it allocates nothing on the way of a good file.
+  void inspect(const pt::ptree& node, const std::string& tag, const Shape& shape) {
+    unsigned seenOnce = 0;  // bit i: a child named shape.once[i] was seen
+    for (const auto& [key, child] : node) {
+      if (key == "<xmlattr>") {
+        for (const auto& [name, value] : child) {
+          if (child.count(name) > 1)
+            failAt(node, "<" + tag + "> has the attribute " + name + " twice");
+          if (!among(name, shape.attributes))
+            warnAt(node, "unknown attribute " + name + " of <" + tag + "> passed over");
+        }
+      } else if (key == "<xmlcomment>") {
+        continue;
+      } else if (among(key, shape.children)) {
+        unsigned bit = 1;
+        for (const char* once : shape.once) {
+          if (key == once) {
+            if (seenOnce & bit) failAt(child, "a second <" + key + "> in <" + tag + ">");
+            seenOnce |= bit;
+          }
+          bit <<= 1;
+        }
+      } else {
+        warnAt(child, "unknown element <" + key + "> in <" + tag + "> passed over");
+      }
+    }
+    if (!shape.text && !isBlank(node.data())) warnAt(node, "text inside <" + tag + "> passed over");
+  }
+
+  int toInt(const pt::ptree& node, const std::string& text, const std::string& what) {
     try {
       std::size_t used = 0;
       int value = std::stoi(text, &used);
       if (used == text.size()) return value;
     } catch (const std::exception&) {
     }
-    fail(what + ": \"" + text + "\" is not an integer");
+    failAt(node, what + ": \"" + text + "\" is not an integer");
   }
 
   BlockRecordList readRecords(const pt::ptree& node) {
     BlockRecordList records;
     for (const auto& [tag, r] : node) {
       if (tag != "Record") continue;
+      inspect(r, "Record", {{}, {"Field"}, {}});
       BlockRecord record;
-      for (const auto& [ftag, f] : r)
-        if (ftag == "Field") record[f.get<std::string>("<xmlattr>.Name", "")] = f.data();
+      for (const auto& [ftag, f] : r) {
+        if (ftag != "Field") continue;
+        inspect(f, "Field", {{"Name"}, {}, {}, true});
+        const std::string name = f.get<std::string>("<xmlattr>.Name", "");
+        if (name.empty()) failAt(f, "a <Field> without a Name");
+        if (!record.emplace(name, f.data()).second)
+          failAt(f, "the field \"" + name + "\" is given twice in one record");
+      }
       records.push_back(std::move(record));
     }
     return records;
@@ -110,50 +189,63 @@ struct Reader {
 
   BlockValue readValue(const BKBlock& block, const std::string& name, const pt::ptree& p) {
     const BKPrmDesc* desc = block.getGrPrmDesc(name);
-    if (desc && desc->typeCode == BKPRM_RECORDS) return readRecords(p);
+    if (desc && desc->typeCode == BKPRM_RECORDS) {
+      inspect(p, "P", {{"Name"}, {"Record"}, {}});
+      return readRecords(p);
+    }
+    inspect(p, "P", {{"Name"}, {}, {}, true});
     if (name == "Position") {
       std::istringstream in(p.data());
       std::vector<double> numbers;
       double n;
       while (in >> n) numbers.push_back(n);
       if (!in.eof() || numbers.size() != 4)
-        fail(u8(block.getFullPath()) + ": Position \"" + p.data() + "\" is not four numbers");
+        failAt(p, u8(block.getFullPath()) + ": Position \"" + p.data() + "\" is not four numbers");
       return numbers;
     }
     return p.data();
   }
 
   void readSystem(BKRootBD& diagram, bkGraph& graph, const pt::ptree& system) {
+    inspect(system, "System", {{}, {"Block"}, {}});
     for (const auto& [tag, b] : system) {
       if (tag != "Block") continue;
+      inspect(b, "Block", {{"Type", "Name", "SID", "Comment"}, {"P", "System"}, {"System"}});
       std::string typeName = b.get<std::string>("<xmlattr>.Type", "");
       bksvString name = i18n::to_u16string(b.get<std::string>("<xmlattr>.Name", ""));
       std::string where = u8(graph.getFullPath()) + "/" + u8(escapePathName(name));
       const BlockTypeInfo* type = BlockLibrary::instance().find(typeName);
-      if (!type) fail("block " + where + ": unknown block type \"" + typeName + "\"");
-      if (name.empty()) fail("a block in " + u8(graph.getFullPath()) + " has no name");
+      if (!type) failAt(b, "block " + where + ": unknown block type \"" + typeName + "\"");
+      if (name.empty()) failAt(b, "a block in " + u8(graph.getFullPath()) + " has no name");
       if (diagram.findBlock(graph.getFullPath() + u'/' + escapePathName(name)))
-        fail("block " + where + ": the name is used twice in its system");
-      int sid = toInt(b.get<std::string>("<xmlattr>.SID", ""), "block " + where + " SID");
+        failAt(b, "block " + where + ": the name is used twice in its system");
+      int sid = toInt(b, b.get<std::string>("<xmlattr>.SID", ""), "block " + where + " SID");
       if (sid <= 0 || !sids.insert(sid).second)
-        fail("block " + where + ": SID " + std::to_string(sid) + " is not a new positive number");
-      int comment = toInt(b.get<std::string>("<xmlattr>.Comment", "0"), "block " + where + " Comment");
-      if (comment < 0 || comment > 2) fail("block " + where + ": Comment must be 0, 1 or 2");
+        failAt(b,
+               "block " + where + ": SID " + std::to_string(sid) + " is not a new positive number");
+      int comment =
+          toInt(b, b.get<std::string>("<xmlattr>.Comment", "0"), "block " + where + " Comment");
+      if (comment < 0 || comment > 2) failAt(b, "block " + where + ": Comment must be 0, 1 or 2");
       std::unique_ptr<BKBlock> block = BlockMutator::makeBlock(*type, name);
       BlockMutator::setPendingPath(*block, graph.getFullPath());
       BlockMutator::setSID(*block, sid);
       BlockMutator::setCommentState(*block, comment);
       const pt::ptree* inside = nullptr;
+      std::set<std::string> given;
       for (const auto& [ptag, p] : b) {
         if (ptag == "P") {
           std::string prop = p.get<std::string>("<xmlattr>.Name", "");
+          if (prop.empty()) failAt(p, "block " + where + ": a <P> without a Name");
+          if (!given.insert(prop).second)
+            failAt(p, "block " + where + ": the property " + prop + " is given twice");
           try {
             BlockMutator::set(*block, prop, readValue(*block, prop, p));
           } catch (const std::invalid_argument& e) {
-            fail(e.what());
+            failAt(p, e.what());
           }
         } else if (ptag == "System") {
-          if (!block->getSubGraph()) fail("block " + where + ": a " + typeName + " has no system");
+          if (!block->getSubGraph())
+            failAt(p, "block " + where + ": a " + typeName + " has no system");
           inside = &p;
         }
       }
@@ -162,63 +254,102 @@ struct Reader {
     }
   }
 
-  std::unique_ptr<BKRootBD> read(const std::string& xml) {
-    checkDepth(xml, origin);
-    pt::ptree tree;
-    std::istringstream in(xml);
+  void readConfigSets(BKRootBD& diagram, const pt::ptree& sets) {
+    inspect(sets, "ConfigSets", {{"Active"}, {"ConfigSet"}, {}});
+    diagram.configSets().clear();
+    for (const auto& [tag, s] : sets) {
+      if (tag != "ConfigSet") continue;
+      inspect(s, "ConfigSet", {{"Name"}, {"Param"}, {}});
+      ConfigSet set(s.get<std::string>("<xmlattr>.Name", "Configuration"));
+      std::set<std::string> given;
+      for (const auto& [ptag, p] : s) {
+        if (ptag != "Param") continue;
+        std::string pname = p.get<std::string>("<xmlattr>.Name", "");
+        if (pname.empty())
+          failAt(p, "configuration set " + set.getName() + ": a <Param> without a Name");
+        if (!given.insert(pname).second)
+          failAt(p, "configuration set " + set.getName() + ": the parameter " + pname +
+                        " is given twice");
+        if (p.count("Record")) {
+          inspect(p, "Param", {{"Name"}, {"Record"}, {}});
+          set.setProp(pname, readRecords(p));
+        } else {
+          inspect(p, "Param", {{"Name"}, {}, {}, true});
+          set.setProp(pname, p.data());
+        }
+      }
+      diagram.configSets().push_back(std::move(set));
+    }
+    std::string active = sets.get<std::string>("<xmlattr>.Active", "none");
+    if (active == "none") {
+      diagram.setActiveConfigSet(std::nullopt);
+    } else {
+      int index = toInt(sets, active, "ConfigSets Active");
+      if (index < 0 || index >= static_cast<int>(diagram.configSets().size()))
+        failAt(sets, "ConfigSets Active " + active + " names no configuration set");
+      diagram.setActiveConfigSet(static_cast<std::size_t>(index));
+    }
+  }
+
+  std::unique_ptr<BKRootBD> read() {
     try {
-      pt::read_xml(in, tree);
+      document = xml::readString(text, origin);
     } catch (const pt::xml_parser_error& e) {
       throw ModelFileError(origin, static_cast<int>(e.line()), e.message());
     }
-    auto root = tree.get_child_optional("BlockDiagram");
-    if (!root) fail("the root element is not <BlockDiagram>");
-    bksvString name = i18n::to_u16string(root->get<std::string>("<xmlattr>.Name", ""));
+    inspect(document, "document", {{}, {"BlockDiagram"}, {"BlockDiagram"}});
+    auto found = document.find("BlockDiagram");
+    if (found == document.not_found()) fail("the root element is not <BlockDiagram>");
+    const pt::ptree& root = found->second;
+    inspect(root, "BlockDiagram",
+            {{"Name", "Kind", "NextSID", "EditFlags", "Suspended"},
+             {"ExclusionFile", "ConfigSets", "System"},
+             {"ExclusionFile", "ConfigSets", "System"}});
+    bksvString name = i18n::to_u16string(root.get<std::string>("<xmlattr>.Name", ""));
     if (name.empty() || name.find(u'/') != bksvString::npos)
-      fail("the diagram name \"" + u8(name) + "\" is empty or contains \"/\"");
-    std::string kind = root->get<std::string>("<xmlattr>.Kind", "model");
-    if (kind != "model" && kind != "library") fail("Kind \"" + kind + "\" is not model or library");
+      failAt(root, "the diagram name \"" + u8(name) + "\" is empty or contains \"/\"");
+    std::string kind = root.get<std::string>("<xmlattr>.Kind", "model");
+    if (kind != "model" && kind != "library")
+      failAt(root, "Kind \"" + kind + "\" is not model or library");
     auto diagram = std::make_unique<BKRootBD>(name, kind == "library" ? BKRootBD::Library : BKRootBD::Model);
     long long flags = 0;
     try {
-      flags = std::stoll(root->get<std::string>("<xmlattr>.EditFlags", "0"));
+      flags = std::stoll(root.get<std::string>("<xmlattr>.EditFlags", "0"));
     } catch (const std::exception&) {
-      fail("EditFlags is not a number");
+      failAt(root, "EditFlags is not a number");
     }
-    if (flags < 0 || flags > 0xFFFFFFFFLL) fail("EditFlags is out of range");
+    if (flags < 0 || flags > 0xFFFFFFFFLL) failAt(root, "EditFlags is out of range");
     diagram->editParams().flags = static_cast<std::uint32_t>(flags);
-    diagram->setSuspended(root->get<std::string>("<xmlattr>.Suspended", "off") == "on");
-    diagram->setExclusionFilePath(i18n::to_u16string(root->get<std::string>("ExclusionFile", "")));
-    if (auto sets = root->get_child_optional("ConfigSets")) {
-      diagram->configSets().clear();
-      for (const auto& [tag, s] : *sets) {
-        if (tag != "ConfigSet") continue;
-        ConfigSet set(s.get<std::string>("<xmlattr>.Name", "Configuration"));
-        for (const auto& [ptag, p] : s) {
-          if (ptag != "Param") continue;
-          std::string pname = p.get<std::string>("<xmlattr>.Name", "");
-          if (p.count("Record"))
-            set.setProp(pname, readRecords(p));
-          else
-            set.setProp(pname, p.data());
-        }
-        diagram->configSets().push_back(std::move(set));
-      }
-      std::string active = sets->get<std::string>("<xmlattr>.Active", "none");
-      if (active == "none") {
-        diagram->setActiveConfigSet(std::nullopt);
-      } else {
-        int index = toInt(active, "ConfigSets Active");
-        if (index < 0 || index >= static_cast<int>(diagram->configSets().size()))
-          fail("ConfigSets Active " + active + " names no configuration set");
-        diagram->setActiveConfigSet(static_cast<std::size_t>(index));
-      }
+    std::string suspended = root.get<std::string>("<xmlattr>.Suspended", "off");
+    if (suspended != "on" && suspended != "off")
+      failAt(root, "Suspended \"" + suspended + "\" is not on or off");
+    diagram->setSuspended(suspended == "on");
+    if (auto file = root.get_child_optional("ExclusionFile")) {
+      inspect(*file, "ExclusionFile", {{}, {}, {}, true});
+      diagram->setExclusionFilePath(i18n::to_u16string(file->data()));
     }
-    if (auto system = root->get_child_optional("System"))
+    if (auto sets = root.get_child_optional("ConfigSets")) readConfigSets(*diagram, *sets);
+    if (auto system = root.get_child_optional("System"))
       readSystem(*diagram, *diagram->getRootGraph(), *system);
-    int next = toInt(root->get<std::string>("<xmlattr>.NextSID", "1"), "NextSID");
+    int next = toInt(root, root.get<std::string>("<xmlattr>.NextSID", "1"), "NextSID");
     if (next > diagram->peekNextSID()) diagram->setNextSID(next);
     return diagram;
+  }
+
+  // Called once the whole file was read: a file that is refused gives one message only.
+  void reportWarnings() const {
+    constexpr std::size_t shown = 20;
+    for (std::size_t i = 0; i < warnings.size() && i < shown; ++i) {
+      const Warning& w = warnings[i];
+      std::string line =
+          origin + (w.line > 0 ? ":" + std::to_string(w.line) : "") + ": warning: " + w.problem;
+      if (w.count > 1) line += " (and " + std::to_string(w.count - 1) + " more like it)";
+      warningHandler()(line);
+    }
+    if (warnings.size() > shown) {
+      warningHandler()(origin + ": warning: " + std::to_string(warnings.size() - shown) +
+                       " further kinds of content passed over");
+    }
   }
 };
 
@@ -258,14 +389,21 @@ std::string writeDiagramXml(const BKRootBD& diagram) {
   return out.str();
 }
 
+void setModelFileWarningHandler(std::function<void(const std::string&)> handler) {
+  warningHandler() = std::move(handler);
+}
+
 BKRootBD* readDiagramXml(const std::string& xml, const std::string& origin) {
-  Reader reader{origin, {}};
-  std::unique_ptr<BKRootBD> diagram = reader.read(xml);
+  Reader reader{origin, xml, {}, {}, {}, {}, {}};
+  std::unique_ptr<BKRootBD> diagram = reader.read();
+  BKRootBD* opened = nullptr;
   try {
-    return bkBlockDiagramSet::adopt(std::move(diagram));
+    opened = bkBlockDiagramSet::adopt(std::move(diagram));
   } catch (const std::invalid_argument& e) {
     throw ModelFileError(origin, 0, e.what());
   }
+  reader.reportWarnings();
+  return opened;
 }
 
 void saveBkd(BKRootBD& diagram, const std::string& path) {
@@ -281,6 +419,14 @@ void saveBkd(BKRootBD& diagram, const std::string& path) {
 BKRootBD* loadBkd(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   if (!in) throw ModelFileError(path, 0, "cannot open the file for reading");
+  // A file over the size limit is refused before it is read into memory.
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  if (!error && size > xml::limits().maxBytes) {
+    throw ModelFileError(path, 0,
+                         "the text has " + std::to_string(size) + " bytes, more than " +
+                             std::to_string(xml::limits().maxBytes));
+  }
   std::stringstream text;
   text << in.rdbuf();
   if (in.bad()) throw ModelFileError(path, 0, "reading the file failed");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -27,8 +28,15 @@ std::string writeDiagramXml(const BKRootBD& diagram);
 /// Reads `.bkd` XML text and opens the diagram it describes (in `bkBlockDiagramSet`, with no
 /// signal raised and an empty undo history). `origin` names the source in errors. Throws
 /// ModelFileError on malformed text or content (unknown block type, duplicate name, bad value,
-/// a diagram of that name already open); nothing is left open then. Main thread.
+/// an element given twice where one is read, a diagram of that name already open); nothing is
+/// left open then. Once the diagram is open, each kind of content passed over (unknown
+/// elements and attributes, stray text) is reported once to the warning handler. Main thread.
 BKRootBD* readDiagramXml(const std::string& xml, const std::string& origin);
+
+/// Main thread. Where the model reader's warnings go, one call per line
+/// "FILE:LINE: warning: PROBLEM[ (and N more like it)]". The default writes the line to standard
+/// error.
+void setModelFileWarningHandler(std::function<void(const std::string&)> handler);
 
 /// Writes `diagram` to the `.bkd` file `path` and records the path on it. Throws ModelFileError
 /// when the file cannot be written. Main thread.

@@ -8,6 +8,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "host/xml/xmlreader.h"
+
 #ifndef BKETC_BLOCKLIBRARY_PATH
 #define BKETC_BLOCKLIBRARY_PATH "resources/blocklibrary.xml"
 #endif
@@ -68,11 +70,11 @@ int toInt(const std::string& text, const std::string& origin, const std::string&
 
 void BlockLibrary::loadFromString(const std::string& xml, const std::string& origin) {
   pt::ptree tree;
-  std::istringstream in(xml);
   try {
-    pt::read_xml(in, tree, pt::xml_parser::trim_whitespace);
+    tree = blockara::xml::readString(xml, origin, pt::xml_parser::trim_whitespace);
   } catch (const pt::xml_parser_error& e) {
-    throw std::runtime_error(origin + ":" + std::to_string(e.line()) + ": " + e.message());
+    const std::string line = e.line() > 0 ? ":" + std::to_string(e.line()) : "";
+    throw std::runtime_error(origin + line + ": " + e.message());
   }
   auto root = tree.get_child_optional("BlockLibrary");
   if (!root) throw std::runtime_error(origin + ": the root element is not <BlockLibrary>");

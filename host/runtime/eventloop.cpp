@@ -108,6 +108,7 @@ bool EventLoop::runUntilQuiet(std::chrono::milliseconds timeout) {
   const auto deadline = Clock::now() + timeout;
   for (;;) {
     if (pumpOnce()) {
+      if (batchMode) TimerThread::requestTickAll();
       if (Clock::now() >= deadline) return false;
       continue;
     }
@@ -116,7 +117,7 @@ bool EventLoop::runUntilQuiet(std::chrono::milliseconds timeout) {
       continue;
     }
     if (Clock::now() >= deadline) return false;
-    if (blockara::TimerThread::tickAllManual() > 0) continue;
+    if (batchMode ? TimerThread::tickAll() > 0 : TimerThread::tickAllManual() > 0) continue;
     const auto left =
         std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
     waitForPosted(std::clamp(left, std::chrono::milliseconds(0), std::chrono::milliseconds(1)));

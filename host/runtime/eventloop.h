@@ -84,6 +84,15 @@ class EventLoop {
   /// quiet, false when `timeout` ran out first.
   bool runUntilQuiet(std::chrono::milliseconds timeout);
 
+  /// Main thread. Batch mode, for a program that only wants work done (a batch check): while
+  /// `runUntilQuiet` runs, timers are not left to their periods. After every step that did work
+  /// each running timer is asked for a tick without waiting (`TimerThread::requestTickAll`), so
+  /// that work queued for a timer thread runs at once, beside the main thread's; and when only
+  /// outside work is left, every running timer is ticked and waited for (`TimerThread::tickAll`)
+  /// instead of sleeping. Off by default.
+  void setBatchMode(bool on) { batchMode = on; }
+  bool isBatchMode() const { return batchMode; }
+
   /// Makes the calling thread the main thread (tests and the program call it once at start).
   void adoptCurrentThread();
 
@@ -100,6 +109,7 @@ class EventLoop {
   int nextBusyId = 1;                                                       // main thread
   std::map<int, std::pair<std::string, std::function<bool()>>> busyChecks;  // main thread
   std::thread::id mainThread;  // written once at start, on the main thread
+  bool batchMode = false;      // main thread
 };
 
 }  // namespace blockara

@@ -142,6 +142,20 @@ bool TimerThread::tick() {
   return ticksDone >= wanted;
 }
 
+bool TimerThread::requestTick() {
+  {
+    std::lock_guard<std::mutex> lock(mutex);
+    if (std::this_thread::get_id() == timerId) return false;
+    if (stopRequested ||
+        (threadState != ThreadState::starting && threadState != ThreadState::running)) {
+      return false;
+    }
+    ticksRequested = std::max(ticksRequested, ticksStarted + 1);
+  }
+  wake.notify_all();
+  return true;
+}
+
 TimerThread::ThreadState TimerThread::state() const {
   std::lock_guard<std::mutex> lock(mutex);
   return threadState;
@@ -173,17 +187,37 @@ std::chrono::nanoseconds TimerThread::periodUnit() {
   return std::chrono::nanoseconds(periodUnitNanos.load());
 }
 
-std::size_t TimerThread::tickAllManual() {
+namespace {
+
+// Calls `fn` on every running timer that `select` accepts; counts the calls that returned true.
+template <typename Select, typename Fn>
+std::size_t forEachTimer(Select select, Fn fn) {
   std::vector<TimerThread*> timers;
   {
     std::lock_guard<std::mutex> lock(registryMutex);
     timers = liveTimers;
   }
-  std::size_t ticked = 0;
+  std::size_t done = 0;
   for (TimerThread* timer : timers) {
-    if (timer->mode() == manual && timer->tick()) ++ticked;
+    if (select(*timer) && fn(*timer)) ++done;
   }
-  return ticked;
+  return done;
+}
+
+}  // namespace
+
+std::size_t TimerThread::tickAllManual() {
+  return forEachTimer([](TimerThread& t) { return t.mode() == manual; },
+                      [](TimerThread& t) { return t.tick(); });
+}
+
+std::size_t TimerThread::requestTickAll() {
+  return forEachTimer([](TimerThread&) { return true; },
+                      [](TimerThread& t) { return t.requestTick(); });
+}
+
+std::size_t TimerThread::tickAll() {
+  return forEachTimer([](TimerThread&) { return true; }, [](TimerThread& t) { return t.tick(); });
 }
 
 void TimerThread::registerSelf() {

@@ -75,6 +75,12 @@ class TimerThread {
   /// for one of them (a host-language evaluation); their exceptions propagate.
   bool tick();
 
+  /// Any thread but the timer thread. Asks for one tick that begins after this call and returns
+  /// at once: in periodic mode the next tick comes forward, in manual mode the tick runs without
+  /// anyone waiting for it. Requests made before a tick begins are served by that tick. Returns
+  /// false when the thread is not running or when called on the timer thread.
+  bool requestTick();
+
   /// Any thread. The current state of the thread.
   ThreadState state() const;
 
@@ -99,6 +105,14 @@ class TimerThread {
   /// Main thread. Ticks every running timer in manual mode once, each waiting for its tick.
   /// Returns how many were ticked. Used by the main loop to let manual timers drain their work.
   static std::size_t tickAllManual();
+
+  /// Main thread. Asks every running timer, whatever its mode, for a tick (`requestTick`) without
+  /// waiting. Returns how many were asked. Used by the main loop's batch mode.
+  static std::size_t requestTickAll();
+
+  /// Main thread. Ticks every running timer, whatever its mode, once, each waiting for its tick
+  /// (`tick`). Returns how many were ticked. Used by the main loop's batch mode.
+  static std::size_t tickAll();
 
  private:
   void registerSelf();

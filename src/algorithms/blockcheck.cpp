@@ -17,11 +17,14 @@ bool BlockCheck::runCheck(const CheckContext& context) {
   ViolationDatabase* database = context.violations.get();
   if (!data || !database) return false;
 
-  // A copy, so that the Setup of a later run cannot change the map under this walk.
-  const std::map<double, std::shared_ptr<bkEditBlock>> blocks = data->blockMap();
+  // The map itself, not a copy: every check and every Setup runs on the one worker thread, one
+  // after the other, so nothing can change the map during this walk.
+  const std::map<double, std::shared_ptr<bkEditBlock>>& blocks = data->blockMap();
   if (wantsParameters()) readParameters(EditTimeCheckSelector::getCheckConfiguration(checkId));
   beginRun();
 
+  // Read once: only a parameter reader changes a scope, and none runs during the walk.
+  const CheckScope scope = currentScope();
   const std::vector<std::string> types = violationTypes();
   std::vector<std::shared_ptr<EditTimeViolation>> records(types.size());
   std::vector<Verdict> verdicts(types.size());
@@ -33,7 +36,6 @@ bool BlockCheck::runCheck(const CheckContext& context) {
       records[i]->isCommented = block->getIsCommented() ? 1 : 0;
       records[i]->blockPath = block->getFullPath();
     }
-    const CheckScope scope = currentScope();
     if (data->isOutsideScope(*block, scope.skipLinkedBlocks, scope.lookUnderMasks)) {
       for (const auto& record : records) database->remove(record);
       continue;

@@ -18,7 +18,7 @@ enum class Verdict {
 };
 
 /// The shared run of every check that looks at one block at a time: find the diagram's data and
-/// store, copy the block map, read the parameters when due, and for each block with a rule-tool
+/// store, walk the block map, read the parameters when due, and for each block with a rule-tool
 /// part make the records, apply the scope rule and add or remove by the check's decision. A
 /// check only overrides the hooks that differ from that run; each hook's default does nothing
 /// special.

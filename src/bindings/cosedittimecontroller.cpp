@@ -42,8 +42,8 @@ std::wstring wideArg(const CallFrame& frame, std::size_t i) {
   return toWide(frame.prhs.at(i).toUtf16String());
 }
 
-void setResult(CallFrame& frame, nxArray value) {
-  frame.plhs.assign(1, std::move(value));
+void setResult(CallFrame& frame, const nxArray& value) {
+  frame.plhs.assign(1, value);
   if (frame.nlhs == 0) frame.nlhs = 1;
 }
 

@@ -29,13 +29,13 @@ std::wstring chooseCustomizationFile(const std::wstring& preferencesDirectory,
                                      const std::wstring& installationRoot) {
   // The user's own file overrides even an explicitly given one.
   if (!preferencesDirectory.empty()) {
-    const std::wstring preferenceFile =
+    std::wstring preferenceFile =
         (std::filesystem::path(preferencesDirectory) / customizationFileName).wstring();
     if (customizationFileExists(preferenceFile)) return preferenceFile;
   }
   if (customizationFileExists(givenPath)) return givenPath;
   if (!installationRoot.empty()) {
-    const std::wstring installed = installedCustomizationFile(installationRoot);
+    std::wstring installed = installedCustomizationFile(installationRoot);
     if (customizationFileExists(installed)) return installed;
   }
   return {};

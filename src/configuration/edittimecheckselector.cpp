@@ -6,6 +6,7 @@
 #include <mutex>
 #include <utility>
 
+#include "host/xml/xmlreader.h"
 #include "src/algorithms/edittimealgorithms.h"
 #include "src/configuration/customizationfile.h"
 #include "src/configuration/hostpreferences.h"
@@ -28,12 +29,9 @@ SelectorState& state() {
 
 constexpr const char* cellArrayPath = "RAConfiguration.CheckCellArray";
 
-// Reads the file byte for byte; a stream that cannot be read makes the parser throw "read error".
+// Reads the file byte for byte through the host's guarded reader.
 pt::ptree parseFile(const std::wstring& path) {
-  std::ifstream stream(std::filesystem::path(path), std::ios::binary);
-  pt::ptree tree;
-  pt::read_xml(stream, tree, pt::xml_parser::no_comments);
-  return tree;
+  return blockara::xml::readFile(std::filesystem::path(path), pt::xml_parser::no_comments);
 }
 
 }  // namespace
@@ -42,12 +40,11 @@ void EditTimeCheckSelector::loadCheckSelection(const std::wstring& path) {
   EditTimeAlgorithms::setInputParametersChanged(true);
   const std::wstring file = findCustomizationFile(path);
   if (file.empty()) return;
-  std::ifstream stream(std::filesystem::path(file), std::ios::binary);
   SelectorState& s = state();
   std::lock_guard<std::mutex> lock(s.configurationMutex);
-  // The reader swaps the new tree in only once the whole file parsed: a file that is not
+  // The new tree replaces the old one only once the whole file parsed: a file that is not
   // well-formed leaves the previous configuration in place.
-  pt::read_xml(stream, s.configurationTree, pt::xml_parser::no_comments);
+  s.configurationTree = parseFile(file);
   std::map<std::string, bool> selection = readCheckSelection(file);
   s.checkSelection.swap(selection);
 }

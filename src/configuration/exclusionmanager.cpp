@@ -16,6 +16,7 @@
 #include "host/package/bkblockdiagramloadsave.h"
 #include "host/package/bkspackage.h"
 #include "host/prefs/edittimepreferences.h"
+#include "host/xml/xmlreader.h"
 #include "src/edittimeviolation.h"
 #include "src/hostinterface.h"
 
@@ -49,7 +50,8 @@ TemporaryCopies& temporaryCopies() {
 }
 
 std::size_t lineAt(const std::string& text, std::size_t offset) {
-  return 1 + static_cast<std::size_t>(std::count(text.begin(), text.begin() + offset, '\n'));
+  const auto end = text.begin() + static_cast<std::string::difference_type>(offset);
+  return 1 + static_cast<std::size_t>(std::count(text.begin(), end, '\n'));
 }
 
 // The reader parses recursively, one stack frame per element level: a file nested deep enough
@@ -108,14 +110,7 @@ pt::ptree readExclusionsTree(const std::wstring& path) {
   std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   if (!in.good() && !in.eof()) throw pt::xml_parser_error("cannot read file", name, 0);
   refuseDeepNesting(text, name);
-  pt::ptree tree;
-  std::istringstream stream(text);
-  try {
-    pt::read_xml(stream, tree, pt::xml_parser::no_comments);
-  } catch (const pt::xml_parser_error& e) {
-    throw pt::xml_parser_error(e.message(), name, e.line());
-  }
-  return tree;
+  return blockara::xml::readString(text, name, pt::xml_parser::no_comments);
 }
 
 std::wstring attribute(const pt::ptree& attributes, const char* name, const std::wstring& old) {

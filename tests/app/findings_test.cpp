@@ -21,6 +21,29 @@ TEST(FindingsTest, TextIsOneSortedTabSeparatedLinePerFinding) {
             "EDITTIME_ERROR\n"
             "M/b\torvanta.kabe.kb_0402\tBlockNameViolation\tRAWARNING\n");
   EXPECT_EQ(formatText({}), "");
+  // A field that holds a separator or a line break stays in its field and on its line.
+  EXPECT_EQ(formatText({{"M/a\tb\nc", "id", "T\\x\r", "RAERROR"}}),
+            "M/a\\tb\\nc\tid\tT\\\\x\\r\tRAERROR\n");
+}
+
+TEST(FindingsTest, EscapesKeepEveryFieldOnOneLineAndHtmlWellFormed) {
+  struct Case {
+    std::string raw, text, html;
+  };
+  const Case cases[] = {
+      {"plain G\xc3\xa4in", "plain G\xc3\xa4in", "plain G\xc3\xa4in"},
+      {"a\tb\nc\rd", "a\\tb\\nc\\rd", "a\tb\nc\rd"},
+      {"back\\slash", "back\\\\slash", "back\\slash"},
+      {std::string("nul\0bel\x07"
+                   "esc\x1b",
+                   12),
+       "nul\\x00bel\\x07esc\\x1B", "nul\\x00bel\\x07esc\\x1B"},
+      {"<a & 'b' \"c\">", "<a & 'b' \"c\">", "&lt;a &amp; &#39;b&#39; &quot;c&quot;&gt;"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(textEscape(c.raw), c.text) << c.raw;
+    EXPECT_EQ(htmlEscape(c.raw), c.html) << c.raw;
+  }
 }
 
 TEST(FindingsTest, SarifCarriesRuleLevelMessageAndLogicalLocation) {
@@ -52,7 +75,6 @@ TEST(FindingsTest, CategoriesFollowSeverities) {
   EXPECT_EQ(categoryOfSeverity(5), "EDITTIME_WARNING");
   EXPECT_TRUE(isErrorCategory("RAERROR"));
   EXPECT_FALSE(isErrorCategory("RAWARNING"));
-  EXPECT_EQ(htmlEscape("<a & 'b'>"), "&lt;a &amp; &#39;b&#39;&gt;");
 }
 
 }  // namespace

@@ -55,7 +55,7 @@ class AlgorithmTableTest : public RoadFixture {
   std::vector<Lines> tables;
 };
 
-TEST_F(AlgorithmTableTest, FixedOrderWithTheRepeatedFourAndNothingForTwoEntries) {
+TEST_F(AlgorithmTableTest, FixedOrderWithTheRepeatedFour) {
   std::string checks;
   for (const char* id : kAll) checks += check(id);
   writeCustomization(checks);
@@ -75,17 +75,6 @@ TEST_F(AlgorithmTableTest, FixedOrderWithTheRepeatedFourAndNothingForTwoEntries)
                    "orvanta.bkci.UnsupportedBlocks", "orvanta.blockara.GoToFromBlockMismatch",
                    "orvanta.blockara.DataStoreUsage", "orvanta.blockara.StateAccessorPathViolation",
                    "orvanta.blockara.BlockaraStatePortMapping"}));
-
-  // Nothing selected, edit-time issues off: the two internal entries are dropped, nothing runs.
-  tables.clear();
-  writeCustomization(check("orvanta.kabe.kb_0401", {}, "false"));
-  bk::bkedittimecheck::bkutils::setShowEditTimeIssues(false);
-  BKRootBD* quiet = openAuditor(u"q");
-  recordTables(u"q");
-  place(quiet, u"q", "Gain", u"g");
-  EXPECT_EQ(tables.back(), (Lines{"internal.RemoveBlock", "internal.DBsetup"}));
-  EXPECT_EQ(engineOf(u"q")->queuedCount(), 0);
-  EXPECT_FALSE(engineOf(u"q")->hasUnstyledPasses());
 }
 
 TEST_F(AlgorithmTableTest, QueuedChecksAndPassesAreCountedAndEachPassIsStyledOnce) {

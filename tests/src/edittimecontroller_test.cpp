@@ -113,16 +113,6 @@ TEST_F(ControllerTest, GatesOfTheSignalHandlers) {
   s->setSuspended(true);
   controller().onDiagramEvent(s, 1);
   EXPECT_FALSE(engineOf(u"s"));
-  controller().on(L"s");
-  EXPECT_FALSE(engineOf(u"s"));
-
-  // With the preference off, opening makes no engine and edits reach none.
-  bk::bkedittimecheck::bkutils::setShowEditTimeIssues(false);
-  BKRootBD* quiet = open(u"quiet");
-  EXPECT_FALSE(engineOf(u"quiet"));
-  quiet->editing().addBlock(u"quiet", "Goto", u"go");
-  EXPECT_FALSE(engineOf(u"quiet"));
-  bk::bkedittimecheck::bkutils::setShowEditTimeIssues(true);
 
   // During a compile, batches are dropped; the compile-side signals still act.
   BKRootBD* d = open(u"m");

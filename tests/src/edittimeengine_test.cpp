@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "host/model/bkblock.h"
-#include "host/style/glow.h"
-#include "host/style/styler.h"
 #include "tests/src/bkeditbdprobe.h"
 #include "tests/src/enginefixture.h"
 
@@ -20,7 +18,10 @@ class EngineBatchTest : public EngineFixture {
     engine = engineOf(u"m");
     ASSERT_TRUE(engine);
     data = engine->getData().get();
-    // Start every case from empty queues: the opening scan took routing blocks already.
+    clear();  // the opening scan took routing blocks already
+  }
+  /// Empties the changed-block queue and the recorded events.
+  void clear() {
     takeChanged(*data);
     takeEvents();
   }
@@ -33,8 +34,7 @@ class EngineBatchTest : public EngineFixture {
 
 TEST_F(EngineBatchTest, AddedBlocksOnlyRoutingBlocksAreTakenAndDeletionsRunFirst) {
   e().addBlock(u"m", "SubSystem", u"hidden");
-  takeChanged(*data);
-  takeEvents();
+  clear();
   {
     blockara::EditBatch batch(*d);
     e().addBlock(u"m", "Gain", u"g");          // on view, but held back until scanned
@@ -52,8 +52,7 @@ TEST_F(EngineBatchTest, ChangedBlocksAreTakenWhenRoutingOrOnView) {
   e().addBlock(u"m", "Gain", u"onView");
   e().addBlock(u"m/hidden", "Gain", u"offView");
   e().addBlock(u"m/hidden", "From", u"from");
-  takeChanged(*data);
-  takeEvents();
+  clear();
   {
     blockara::EditBatch batch(*d);
     e().setProperties(u"m/onView", {{"Gain", std::string("2")}});
@@ -66,8 +65,7 @@ TEST_F(EngineBatchTest, ChangedBlocksAreTakenWhenRoutingOrOnView) {
   // Opening an editor on the subsystem brings its blocks on view.
   Blockara::StudioApp::open(d)->openEditor(u"m/hidden");
   blockara::EventLoop::instance().runUntilIdle();
-  takeEvents();
-  takeChanged(*data);  // the view change rescanned the root
+  clear();  // the view change rescanned the root
   e().setProperties(u"m/hidden/offView", {{"Gain", std::string("4")}});
   EXPECT_EQ(takeChanged(*data), (Names{"offView"}));
 }
@@ -99,8 +97,7 @@ TEST_F(EngineBatchTest, DeletedBlocksAndVariantSubsystems) {
   e().setProperties(u"m/v", {{"Variant", std::string("on")}});
   EXPECT_EQ(bkEditBDProbe(*data).variantSubsystemCount(), 2u);
   e().setProperties(u"m/v", {{"Variant", std::string("off")}});
-  takeEvents();
-  takeChanged(*data);
+  clear();
 
   e().deleteBlock(u"m/g");  // kept as an undo object: its handle still resolves
   EXPECT_EQ(takeDeleted(*data), (std::vector<double>{gainHandle}));
@@ -126,8 +123,7 @@ TEST_F(EngineBatchTest, CommentChangesRouteByKind) {
   e().addBlock(u"m", "Goto", u"go");
   e().addBlock(u"m", "Gain", u"g");
   BKBlock* sub = e().addBlock(u"m", "SubSystem", u"s");
-  takeChanged(*data);
-  takeEvents();
+  clear();
 
   e().setCommentState(u"m/g", 1);  // not routing, not a subsystem: nothing to check
   EXPECT_TRUE(takeChanged(*data).empty());
@@ -163,17 +159,6 @@ TEST_F(EngineBatchTest, RenamedSubsystemsQueueTheirPathChange) {
   EXPECT_EQ(changes[0].oldPath, L"m/s");
   EXPECT_EQ(changes[0].newPath, L"m/t");
   EXPECT_EQ(takeEvents(), (std::vector<Event>{{20, false}}));
-}
-
-TEST_F(EngineBatchTest, EveryEngineActivatesTheSharedStylerSoThatItsGlowsShow) {
-  diagram::style::Styler* styler = diagram::style::getStyler(L"Orvanta.EditTimeCheckingStyler");
-  ASSERT_NE(styler, nullptr);
-  EXPECT_TRUE(styler->isActive());
-  BKBlock* gain = e().addBlock(u"m", "Gain", u"g");
-  styler->applyClass(gain->getHandle(), L"Error");
-  const auto glow = diagram::style::glowOf(gain->getHandle());
-  ASSERT_TRUE(glow);
-  EXPECT_EQ(glow->color, diagram::style::Color(1.0, 0.0, 0.0, 1.0));
 }
 
 TEST_F(EngineBatchTest, StateAccessorSnapshotsResolveTheirOwnerAsTheHostDoes) {

@@ -42,11 +42,6 @@ class ScanTest : public EngineFixture {
 
   void styled() { styleAsWorker(L"m", *engine); }
 
-  static Names sorted(Names names) {
-    std::sort(names.begin(), names.end());
-    return names;
-  }
-
   std::shared_ptr<EditTimeEngine> engine;
   bkEditBD* data = nullptr;
 };
@@ -54,8 +49,8 @@ class ScanTest : public EngineFixture {
 TEST_F(ScanTest, OneGraphPerSliceAndTheNextOnlyAfterStyling) {
   build(true, {u"m/s1", u"m/s2", u"m/s3"});
   ASSERT_EQ(bkEditBDProbe(*data).visibleGraphs().size(), 4u);
-  ASSERT_EQ(bkEditBDProbe(*data).visibleGraphsDone().size(),
-            1u);  // the view change scanned the root
+  // The view change scanned the root.
+  ASSERT_EQ(bkEditBDProbe(*data).visibleGraphsDone().size(), 1u);
   ASSERT_EQ(bkEditBDProbe(*data).auditorGraphsDone().size(), 1u);
   EXPECT_FALSE(CooperativeTaskManager::hasPendingWork());
 
@@ -163,44 +158,6 @@ TEST_F(ScanTest, TheTaskLeftBehindAtCloseDoesNoHarm) {
   EditTimeTaskManager stale(L"gone");
   EXPECT_TRUE(stale.isValid());
   EXPECT_TRUE(stale.onProcess());
-}
-
-TEST_F(ScanTest, ThousandsOfLevelsAreScannedOneLevelASlice) {
-  // Editors open before the engine exists, so that opening them costs no view changes.
-  bk::bkedittimecheck::bkutils::setShowEditTimeIssues(false);
-  BKRootBD* d = open(u"big", BKRootBD::Model, false);
-  constexpr int levels = 1500;
-  {
-    blockara::EditBatch batch(*d);
-    for (int i = 0; i < levels; ++i) {
-      const std::u16string name = i18n::to_u16string("s" + std::to_string(i));
-      d->editing().addBlock(u"big", "SubSystem", name);
-      d->editing().addBlock(u"big/" + name, "Gain", u"a");
-      d->editing().addBlock(u"big/" + name, "Gain", u"b");
-    }
-  }
-  Blockara::StudioApp* studio = Blockara::StudioApp::open(d);
-  for (int i = 0; i < levels; ++i) {
-    studio->openEditor(i18n::to_u16string("big/s" + std::to_string(i)));
-  }
-  blockara::EventLoop::instance().runUntilIdle();
-  bk::bkedittimecheck::bkutils::setShowEditTimeIssues(true);
-  controller().on(L"big");
-  auto big = engineOf(u"big");
-  ASSERT_TRUE(big);
-  bkEditBD& bd = *big->getData();
-  takeChanged(bd);
-
-  int slices = 0;
-  while (bd.hasVisibleGraphsToScan() && slices <= levels) {
-    styleAsWorker(L"big", *big);
-    ASSERT_TRUE(CooperativeTaskManager::processNext());
-    ++slices;
-    // Never more than one level's blocks in one slice.
-    ASSERT_EQ(takeChanged(bd).size(), 2u) << slices;
-    ASSERT_FALSE(CooperativeTaskManager::hasPendingWork());
-  }
-  EXPECT_EQ(slices, levels);
 }
 
 }  // namespace

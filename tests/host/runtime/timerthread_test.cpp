@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <stdexcept>
 #include <string>
@@ -147,6 +148,39 @@ TEST(TimerThreadTest, RunUntilQuietDrivesAManualWorkerToQuiescence) {
   loop.removeBusyCheck(busy);
   loop.removeBusyCheck(12345);
   EXPECT_EQ(loop.busyReasons(), (std::vector<std::string>{"broken"}));
+}
+
+TEST(TimerThreadTest, BatchModeRunsAChainOfRoundTripsWithoutWaitingOutThePeriod) {
+  EventLoop& loop = EventLoop::instance();
+  loop.adoptCurrentThread();
+  RecordingTimer worker(TimerThread::periodic, 1e9);  // never ticks by itself in a test run
+  EXPECT_FALSE(worker.requestTick());                 // not started
+  // Each tick hands its result to the main thread, which queues the next item, as a scan that
+  // snapshots one system per slice does: five round trips.
+  std::vector<int> log;  // main thread: the items handed back, in order
+  worker.onTick = [&, seen = 0]() mutable {
+    const int done = worker.drained.load();
+    if (done == seen) return;  // a tick that found nothing queued hands nothing back
+    seen = done;
+    loop.post([&, done] {
+      log.push_back(done);
+      if (done < 5) worker.queued += 1;
+    });
+  };
+  worker.start();
+  const int busy = loop.addBusyCheck("worker", [&] { return worker.queued.load() > 0; });
+  loop.post([&] { worker.queued = 1; });
+
+  EXPECT_FALSE(loop.runUntilQuiet(std::chrono::milliseconds(50)));  // waits for the period
+  EXPECT_EQ(worker.drained.load(), 0);
+  loop.setBatchMode(true);
+  EXPECT_TRUE(loop.runUntilQuiet(std::chrono::seconds(60)));
+  loop.setBatchMode(false);
+  // Every item ran at a tick after it was queued, and each result came back in order.
+  EXPECT_EQ(worker.drained.load(), 5);
+  EXPECT_EQ(log, (std::vector<int>{1, 2, 3, 4, 5}));
+  EXPECT_TRUE(worker.requestTick());
+  loop.removeBusyCheck(busy);
 }
 
 }  // namespace

@@ -30,35 +30,6 @@ TEST_F(SignalsTest, SignalsAreKeptPerDiagramAndEventInConnectionOrder) {
   log.clear();
   b->notifyOpened();
   EXPECT_EQ(log, (std::vector<std::string>{"b1"}));
-  EXPECT_EQ(bkplugin::slotCount(a, 1), 2u);
-  EXPECT_THROW(bkplugin::addEditBdSignal(nullptr, BKGE_DIAGRAM_OPENED, [](BKRootBD*) {}),
-               std::invalid_argument);
-  EXPECT_THROW(bkplugin::addEditBdSignal(a, BKGE_DIAGRAM_OPENED, {}), std::invalid_argument);
-}
-
-TEST_F(SignalsTest, CompileAndExecutionSidesLeadBackToTheDiagram) {
-  BKCompBD* comp = a->getCompBD();
-  BKExecBD* exec = a->getExecBD();
-  ASSERT_EQ(comp->getBlockDiagram(), a);
-  ASSERT_EQ(exec->getCompBD(), comp);
-  for (int event : {1, 33, 34, 35})
-    bkplugin::addCompBdSignal(comp, static_cast<BKCompEvent>(event), [&, event](BKCompBD* c) {
-      log.push_back(ConvertUStringToStdString(c->getBlockDiagram()->getName()) + ":c" +
-                    std::to_string(event));
-    });
-  for (int event : {2, 5})
-    bkplugin::addExecBdSignal(exec, static_cast<BKExecEvent>(event), [&, event](BKExecBD* x) {
-      log.push_back(ConvertUStringToStdString(x->getCompBD()->getBlockDiagram()->getName()) +
-                    ":x" + std::to_string(event));
-    });
-  comp->raise(1);
-  exec->raise(2);
-  exec->raise(5);
-  comp->raise(35);
-  comp->raise(34);
-  comp->raise(33);
-  b->getCompBD()->raise(1);
-  EXPECT_EQ(log, (std::vector<std::string>{"a:c1", "a:x2", "a:x5", "a:c35", "a:c34", "a:c33"}));
 }
 
 TEST_F(SignalsTest, DisconnectAndCloseStopDelivery) {

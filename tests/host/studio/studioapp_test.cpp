@@ -24,10 +24,9 @@ class ViewListener : public conn::Listener {
     for (StudioApp* studio : StudioApp::getAllStudioAppsFor(d->getHandle())) {
       auto thread = service.getNamedThread("Numeria");
       std::unique_lock lock(service.globalWriteLock());
-      auto* connection = studio->activeEditorChangedEventService().connect(
-          this, &ViewListener::viewChanged, thread);
-      EXPECT_NE(connection->getDebugName().find("ActiveEditorChangedEvent"), std::string::npos);
-      connection->enable();
+      studio->activeEditorChangedEventService()
+          .connect(this, &ViewListener::viewChanged, thread)
+          ->enable();
     }
   }
   std::vector<bkGraph*> seen;
@@ -48,7 +47,6 @@ class StudioTest : public ::testing::Test {
 TEST_F(StudioTest, EditorsShowGraphsAndFocusRaisesTheEventOnChangeOnly) {
   StudioApp* studio = StudioApp::open(d);
   EXPECT_EQ(StudioApp::open(d), studio);
-  EXPECT_EQ(StudioApp::getAllStudioAppsFor(d->getHandle()), std::vector<StudioApp*>{studio});
   ViewListener listener;
   listener.connectTo(d);
   studio->openEditor(u"m");

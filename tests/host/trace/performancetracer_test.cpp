@@ -24,29 +24,31 @@ fs::path tracePath(const std::string& name) {
   return fs::temp_directory_path() / ("bketc-trace-" + std::to_string(::getpid()) + "-" + name);
 }
 
-struct Event {
-  std::string name, cat, ph;
-  double ts = 0;
-  int tid = 0;
-  std::string contextA, contextB, threadName;
-};
-
-std::vector<Event> readTrace(const fs::path& path) {
+/// The events of a trace in file order as "thread category ph:name[ contextA|contextB]",
+/// checking on the way that each thread is named once before its first event and that its clock
+/// never goes back.
+std::vector<std::string> readTrace(const fs::path& path) {
   pt::ptree root;
   pt::read_json(path.string(), root);  // throws on malformed JSON
-  std::vector<Event> events;
+  std::map<int, std::string> names;
+  std::map<int, double> lastTs;
+  std::vector<std::string> events;
   for (const auto& [key, node] : root) {
-    Event e;
-    e.name = node.get<std::string>("name");
-    e.ph = node.get<std::string>("ph");
-    e.cat = node.get<std::string>("cat", "");
-    e.ts = node.get<double>("ts", 0);
-    e.tid = node.get<int>("tid");
+    const int tid = node.get<int>("tid");
     EXPECT_EQ(node.get<int>("pid"), ::getpid());
-    e.contextA = node.get<std::string>("args.contextA", "");
-    e.contextB = node.get<std::string>("args.contextB", "");
-    e.threadName = node.get<std::string>("args.name", "");
-    events.push_back(e);
+    const std::string ph = node.get<std::string>("ph");
+    if (ph == "M") {
+      EXPECT_TRUE(names.emplace(tid, node.get<std::string>("args.name")).second) << "named twice";
+      continue;
+    }
+    EXPECT_TRUE(names.count(tid)) << "event before its thread's name";
+    const double ts = node.get<double>("ts");
+    EXPECT_GE(ts, lastTs[tid]);
+    lastTs[tid] = ts;
+    std::string context = node.get<std::string>("args.contextA", "");
+    if (!context.empty()) context = " " + context + "|" + node.get<std::string>("args.contextB");
+    events.push_back(names[tid] + " " + node.get<std::string>("cat") + " " + ph + ":" +
+                     node.get<std::string>("name") + context);
   }
   return events;
 }
@@ -56,9 +58,6 @@ TEST(PerformanceTracerTest, WritesNestedStartsAndStopsPerThreadAsChromeTraceEven
   PerformanceTracer& tracer = PerformanceTracer::instance();
   PerformanceTracer::nameCurrentThread("main");
   tracer.start(path.string());
-  EXPECT_TRUE(tracer.isOn());
-  EXPECT_EQ(tracer.filePath(), path.string());
-
   ptLogBlockaraData("EDITTIMECHECK", "", "", "Outer", true);
   ptLogBlockaraData("EDITTIMECHECK", "ctx \"a\"", "b\\c", "Inner", true);
   std::thread worker([] {
@@ -70,43 +69,21 @@ TEST(PerformanceTracerTest, WritesNestedStartsAndStopsPerThreadAsChromeTraceEven
   ptLogBlockaraData("EDITTIMECHECK", "ctx \"a\"", "b\\c", "Inner", false);
   ptLogBlockaraData("EDITTIMECHECK", "", "", "Outer", false);
   tracer.stop();
-  EXPECT_FALSE(tracer.isOn());
-
-  const std::vector<Event> events = readTrace(path);
-  std::map<int, std::string> threadNames;
-  std::map<int, std::vector<std::string>> sequence;  // per tid: "B:name" / "E:name"
-  std::map<int, double> lastTs;
-  for (const Event& e : events) {
-    if (e.ph == "M") {
-      EXPECT_EQ(e.name, "thread_name");
-      EXPECT_FALSE(threadNames.count(e.tid)) << "thread announced twice";
-      threadNames[e.tid] = e.threadName;
-      continue;
-    }
-    ASSERT_TRUE(threadNames.count(e.tid)) << "event before its thread's name";
-    EXPECT_EQ(e.cat, "EDITTIMECHECK");
-    EXPECT_GE(e.ts, lastTs[e.tid]);
-    lastTs[e.tid] = e.ts;
-    sequence[e.tid].push_back(e.ph + ":" + e.name);
-    if (e.name == "Inner") {
-      EXPECT_EQ(e.contextA, "ctx \"a\"");
-      EXPECT_EQ(e.contextB, "b\\c");
-    }
-  }
-  ASSERT_EQ(threadNames.size(), 2u);
-  int mainTid = 0, workerTid = 0;
-  for (const auto& [tid, name] : threadNames) (name == "main" ? mainTid : workerTid) = tid;
-  EXPECT_EQ(threadNames[workerTid], "worker");
-  EXPECT_EQ(sequence[mainTid],
-            (std::vector<std::string>{"B:Outer", "B:Inner", "E:Inner", "E:Outer"}));
-  EXPECT_EQ(sequence[workerTid],
-            (std::vector<std::string>{"B:ParallelThreadTime", "E:ParallelThreadTime"}));
+  EXPECT_EQ(readTrace(path), (std::vector<std::string>{
+                                 "main EDITTIMECHECK B:Outer",
+                                 "main EDITTIMECHECK B:Inner ctx \"a\"|b\\c",
+                                 "worker EDITTIMECHECK B:ParallelThreadTime",
+                                 "worker EDITTIMECHECK E:ParallelThreadTime",
+                                 "main EDITTIMECHECK E:Inner ctx \"a\"|b\\c",
+                                 "main EDITTIMECHECK E:Outer",
+                             }));
   fs::remove(path);
 }
 
 TEST(PerformanceTracerTest, OffWritesNothingAndABadPathKeepsTheRunningTrace) {
   const fs::path path = tracePath("keep.json");
   PerformanceTracer& tracer = PerformanceTracer::instance();
+  PerformanceTracer::nameCurrentThread("main");
   ptLogBlockaraData("C", "", "", "beforeStart", true);  // off: no effect, no error
   tracer.start(path.string());
   ptLogBlockaraData("C", "", "", "first", true);
@@ -122,11 +99,7 @@ TEST(PerformanceTracerTest, OffWritesNothingAndABadPathKeepsTheRunningTrace) {
   tracer.stop();
   ptLogBlockaraData("C", "", "", "afterStop", true);
 
-  std::vector<std::string> names;
-  for (const Event& e : readTrace(path)) {
-    if (e.ph != "M") names.push_back(e.ph + ":" + e.name);
-  }
-  EXPECT_EQ(names, (std::vector<std::string>{"B:first", "E:first"}));
+  EXPECT_EQ(readTrace(path), (std::vector<std::string>{"main C B:first", "main C E:first"}));
   fs::remove(path);
 }
 
@@ -144,24 +117,11 @@ TEST(PerformanceTracerTest, ManyThreadsLogWithoutTearingTheFile) {
   }
   for (auto& t : threads) t.join();
   PerformanceTracer::instance().stop();
-  std::map<int, int> perThread;
-  for (const Event& e : readTrace(path)) {
-    if (e.ph != "M") ++perThread[e.tid];
-  }
+  std::map<std::string, int> perThread;
+  for (const std::string& e : readTrace(path)) ++perThread[e.substr(0, e.find(" C "))];
   EXPECT_EQ(perThread.size(), 4u);
-  for (const auto& [tid, count] : perThread) EXPECT_EQ(count, 400) << "tid " << tid;
+  for (const auto& [thread, count] : perThread) EXPECT_EQ(count, 400) << thread;
   fs::remove(path);
-}
-
-TEST(PerformanceTracerTest, GroupingsAreKeptByName) {
-  EXPECT_EQ(ptAddGrouping("EDITTIMECHECK", {"ENGINE", "GRAPH"}), "EDITTIMECHECK");
-  ptAddGrouping("EDITTIMECHECK", {"ENGINE", "GRAPH", "ALGORITHMS"});
-  ptAddGrouping("OTHER", {});
-  const auto groupings = PerformanceTracer::instance().groupingsByName();
-  ASSERT_EQ(groupings.size(), 2u);
-  EXPECT_EQ(groupings.at("EDITTIMECHECK"),
-            (std::vector<std::string>{"ENGINE", "GRAPH", "ALGORITHMS"}));
-  EXPECT_TRUE(groupings.at("OTHER").empty());
 }
 
 }  // namespace

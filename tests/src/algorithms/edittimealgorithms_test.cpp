@@ -34,12 +34,10 @@ TEST(EditTimeAlgorithmsTest, ScopeParametersAndTheirDefaults) {
     int look;
   } cases[] = {
       {"", 0, 2},
-      {parameter("Follow links", "<Value>on</Value>"), 0, 2},
       {parameter("Follow links", "<Value>off</Value>"), 1, 2},
       {parameter("Follow links", "<Value></Value>"), 1, 2},
       {parameter("Follow links", "<Value>on </Value>"), 1, 2},  // text is not trimmed
       {parameter("Look under masks", "<Value>all</Value>"), 0, 0},
-      {parameter("Look under masks", "<Value>graphical</Value>"), 0, 2},
       {parameter("Look under masks", "<Value>functional</Value>"), 0, 3},
       {parameter("Look under masks", "<Value>none</Value>"), 0, 1},
       {parameter("Look under masks", "<Value>whatever</Value>"), 0, 1},
@@ -65,13 +63,6 @@ TEST(EditTimeAlgorithmsTest, ScopeIsSharedPerCheckIdAcrossInstancesAndDiagrams) 
   other.readInputParameters(entry(""));
   EXPECT_EQ(other.currentScope().lookUnderMasks, 2);
   EXPECT_EQ(first.currentScope().lookUnderMasks, 0);
-}
-
-TEST(EditTimeAlgorithmsTest, ParametersChangedFlag) {
-  EditTimeAlgorithms::setInputParametersChanged(true);
-  EXPECT_TRUE(EditTimeAlgorithms::inputParametersChanged());
-  EditTimeAlgorithms::setInputParametersChanged(false);
-  EXPECT_FALSE(EditTimeAlgorithms::inputParametersChanged());
 }
 
 }  // namespace

@@ -26,18 +26,5 @@ TEST(ClientSettingsTest, TimeResolutionNeedsAPositiveWidthAndAnIncreasingTimeRan
   EXPECT_EQ(settings.calcTimeRes(), 0.0);
 }
 
-TEST(ClientSettingsTest, RenamedGettersAndWrapReset) {
-  ClientSettings settings;
-  settings.setIsNormalizedAxes(true);
-  settings.setIsLinkedAxes(true);
-  settings.setNumberOfWraps(7);
-  settings.setDomain(DomainType::Frequency);
-  EXPECT_TRUE(settings.getIsNormalized());
-  EXPECT_TRUE(settings.getIsLinked());
-  EXPECT_EQ(settings.getDomain(), DomainType::Frequency);
-  settings.resetNumberOfWraps();
-  EXPECT_EQ(settings.getNumberOfWraps(), 0u);
-}
-
 }  // namespace
 }  // namespace bk_observer

@@ -36,9 +36,6 @@ TEST_F(CustomizationFileTest, PreferenceFileWinsOverGivenPathWhichWinsOverInstal
   const fs::path preference = base / "prefs" / "edittimecheckcustomization.xml";
   const fs::path given = base / "given.xml";
   const fs::path installed = installedCustomizationFile((base / "root").wstring());
-  EXPECT_EQ(
-      fs::path(installed),
-      base / "root/toolbox/blockara/blockara/ruleauditor/resources/edittimecheckcustomization.xml");
 
   const auto choose = [&](const fs::path& givenPath) {
     return chooseCustomizationFile((base / "prefs").wstring(), givenPath.wstring(),

@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <boost/property_tree/xml_parser.hpp>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "host/prefs/directories.h"
 #include "host/prefs/edittimepreferences.h"
+#include "host/xml/xmlreader.h"
 #include "src/algorithms/edittimealgorithms.h"
 
 namespace bkedittimecheck {
@@ -38,28 +40,20 @@ class EditTimeCheckSelectorLoadTest : public ::testing::Test {
   fs::path base;
 };
 
-TEST_F(EditTimeCheckSelectorLoadTest, LoadsThePreferenceFileFirstAndAnswersPerCheck) {
-  write(base / "given.xml", "<Check><ID>given</ID><Selected>true</Selected></Check>");
-  EditTimeAlgorithms::setInputParametersChanged(false);
-  EditTimeCheckSelector::loadCheckSelection((base / "given.xml").wstring());
-  EXPECT_TRUE(EditTimeAlgorithms::inputParametersChanged());
-  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap(),
-            (std::map<std::string, bool>{{"given", true}}));
-  EXPECT_EQ(bk::bkedittimecheck::bkutils::EditTimePreferences::checkSelectionMap(),
-            EditTimeCheckSelector::getCheckSelectionMap());
-
-  write(base / "prefs" / "edittimecheckcustomization.xml",
+TEST_F(EditTimeCheckSelectorLoadTest, LoadingPublishesTheSelectionAndAnswersPerCheck) {
+  write(base / "given.xml",
         "<Check><ID>a</ID><Selected>true</Selected><InputParameters><InputParameter Name=\"x\">"
         "<Value>1</Value></InputParameter></InputParameters></Check>"
         "<Check><ID>a</ID><Selected>false</Selected><Extra>second</Extra></Check>"
         "<Check><Selected>true</Selected><ID>late</ID></Check>");
+  EditTimeAlgorithms::setInputParametersChanged(false);
   EditTimeCheckSelector::loadCheckSelection((base / "given.xml").wstring());
-  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap(),
+  EXPECT_TRUE(EditTimeAlgorithms::inputParametersChanged());
+  EXPECT_EQ(bk::bkedittimecheck::bkutils::EditTimePreferences::checkSelectionMap(),
             (std::map<std::string, bool>{{"", true}, {"a", true}}));
+  // The first entry of an ID answers; every ID child counts, also one behind "Selected".
   const pt::ptree entry = EditTimeCheckSelector::getCheckConfiguration("a");
-  EXPECT_EQ(entry.get<std::string>("ID"), "a");
-  EXPECT_EQ(entry.get<std::string>("InputParameters.InputParameter.Value"), "1");  // the first
-  // Every ID child counts for the lookup, also one behind "Selected".
+  EXPECT_EQ(entry.get<std::string>("InputParameters.InputParameter.Value"), "1");
   EXPECT_EQ(EditTimeCheckSelector::getCheckConfiguration("late").get<std::string>("ID"), "late");
   EXPECT_TRUE(EditTimeCheckSelector::getCheckConfiguration("missing").empty());
 }
@@ -83,14 +77,27 @@ TEST_F(EditTimeCheckSelectorLoadTest, NoFileChangesNothingAndABadFileThrows) {
   EXPECT_THROW(EditTimeCheckSelector::getCheckConfiguration("kept"), pt::ptree_bad_path);
 }
 
-TEST_F(EditTimeCheckSelectorLoadTest, TheInstalledFileIsTheLastResort) {
-  const fs::path installed =
-      base / "root/toolbox/blockara/blockara/ruleauditor/resources/edittimecheckcustomization.xml";
-  fs::create_directories(installed.parent_path());
-  write(installed, "<Check><ID>installed</ID><Selected>true</Selected></Check>");
-  EditTimeCheckSelector::loadCheckSelection((base / "no-such.xml").wstring());
-  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap(),
-            (std::map<std::string, bool>{{"installed", true}}));
+TEST_F(EditTimeCheckSelectorLoadTest, HostileFilesAreRefusedNamedAndKeepTheConfiguration) {
+  write(base / "root.xml", "<Check><ID>kept</ID><Selected>true</Selected></Check>");
+  EditTimeCheckSelector::loadCheckSelection((base / "root.xml").wstring());
+  {
+    std::ofstream deep(base / "deep.xml");
+    deep << "<RAConfiguration>\n";
+    for (int i = 0; i < 100000; ++i) deep << "<CheckCellArray>";
+  }
+  write(base / "big.xml", std::string(200, ' '));
+  for (const auto& [name, line] : {std::pair{"deep.xml", 2}, std::pair{"big.xml", 0}}) {
+    if (line == 0) blockara::xml::setLimits({4096, 128});
+    try {
+      EditTimeCheckSelector::loadCheckSelection((base / name).wstring());
+      ADD_FAILURE() << name;
+    } catch (const pt::xml_parser_error& e) {
+      EXPECT_EQ(e.filename(), (base / name).string());
+      EXPECT_EQ(e.line(), static_cast<unsigned long>(line));
+    }
+  }
+  blockara::xml::setLimits({});
+  EXPECT_EQ(EditTimeCheckSelector::getCheckConfiguration("kept").get<std::string>("ID"), "kept");
 }
 
 }  // namespace

@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# `blockara check` refuses files it cannot use: exit status 2 and exactly one line on standard
+# error that names the file and the problem. Usage: check_refusals.sh BLOCKARA RESOURCES MODEL
+set -uo pipefail
+blockara=$1 root=$2 model=$3
+dir=$(mktemp -d)
+trap 'rm -rf "$dir"' EXIT
+repeat() { local i; for ((i = 0; i < $2; ++i)); do printf '%s' "$1"; done; }
+
+repeat '<a>' 100000 >"$dir/deep.xml"
+{ printf '<rsccat><SystemList><System><ExclusionList>'; repeat '<a>' 70; repeat '</a>' 70
+  printf '</ExclusionList></System></SystemList></rsccat>'; } >"$dir/ex70.xml"
+echo '<RAConfiguration><Other/></RAConfiguration>' >"$dir/nocells.xml"
+echo '<Other/>' >"$dir/other.xml"
+echo '<rsccat><SystemList/></rsccat>' >"$dir/nolist.xml"
+printf '<BlockDiagram Name="two">\n<System/>\n<System/>\n</BlockDiagram>\n' >"$dir/two.bkd"
+{ printf '<BlockDiagram Name="deep">'; repeat '<System><Block Type="SubSystem" Name="s" SID="1">' 3000
+  printf '\n'; } >"$dir/deep.bkd"
+
+failures=0
+# expect FILE PROBLEM ARGS...: the run exits 2 with one line holding "FILE" and PROBLEM.
+expect() {
+  local file=$1 problem=$2
+  shift 2
+  "$blockara" --root "$root" --prefdir "$dir/prefs" "$@" >"$dir/out" 2>"$dir/err"
+  local status=$? lines
+  lines=$(wc -l <"$dir/err")
+  if [ "$status" -ne 2 ] || [ "$lines" -ne 1 ] || ! grep -qF -- "$file" "$dir/err" ||
+     ! grep -qF -- "$problem" "$dir/err"; then
+    echo "FAIL: blockara $* -> exit $status, $lines line(s):" && cat "$dir/err"
+    failures=$((failures + 1))
+  fi
+}
+expect "$dir/deep.xml:1:" "nested deeper than 4096 levels" check "$model" --config "$dir/deep.xml"
+expect "$dir/deep.xml:1:" "nested deeper than 64 levels" check "$model" --exclusions "$dir/deep.xml"
+expect "$dir/ex70.xml:1:" "nested deeper than 64 levels" check "$model" --exclusions "$dir/ex70.xml"
+expect "$dir/nocells.xml" "not a customization file: no <CheckCellArray> in <RAConfiguration>" \
+  check "$model" --config "$dir/nocells.xml"
+expect "$dir/other.xml" "the root element is <Other>, expected <RAConfiguration>" \
+  check "$model" --config "$dir/other.xml"
+expect "$dir/other.xml" "the root element is <Other>, expected <rsccat>" \
+  check "$model" --exclusions "$dir/other.xml"
+expect "$dir/nolist.xml" "not an exclusions file: no <System> in <rsccat><SystemList>" \
+  check "$model" --exclusions "$dir/nolist.xml"
+expect "$dir/absent.xml" "cannot read the customization file" check "$model" --config "$dir/absent.xml"
+expect "$dir/two.bkd:3:" "a second <System> in <BlockDiagram>" check "$dir/two.bkd"
+expect "$dir/deep.bkd:1:" "nested deeper than 4096 levels" check "$dir/deep.bkd"
+expect "$dir/absent.lua" "cannot read the script" "$dir/absent.lua"
+expect "$dir" "cannot read the script" "$dir"
+exit $((failures > 0))
