@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "app/luaapi.h"
+#include "app/findings.h"
 #include "app/report.h"
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
@@ -19,6 +20,8 @@
 #include "host/xml/xmlreader.h"
 #include "src/configuration/exclusionmanager.h"
 #include "src/edittimecontroller.h"
+#include "src/workerthread/asynctaskmanager.h"
+#include "src/workerthread/checkfailures.h"
 
 namespace blockara::app {
 
@@ -121,8 +124,20 @@ int runBatchCheck(const Options& o) {
   // Nobody watches a batch check: its worker need not wait out the timer's period between
   // slices of work.
   EventLoop::instance().setBatchMode(true);
-  if (!EventLoop::instance().runUntilQuiet(std::chrono::minutes(10))) {
-    std::cerr << "blockara: " << o.model << ": the checker did not settle within 10 minutes\n";
+  // A rule that throws (a pattern too complex to match, say) leaves its pass unstyled for good:
+  // once the worker has nothing left, name it instead of waiting for the end of the time.
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(10);
+  while (!EventLoop::instance().runUntilQuiet(std::chrono::milliseconds(200))) {
+    const std::vector<bkedittimecheck::CheckFailure> failures = bkedittimecheck::checkFailures();
+    if (!failures.empty() && bkedittimecheck::AsyncTaskManager::outstandingCount() == 0) {
+      std::cerr << "blockara: " << o.model << ": rule " << failures.front().checkId
+                << " gave up: " << textEscape(failures.front().what) << "\n";
+      return 2;
+    }
+    if (std::chrono::steady_clock::now() >= deadline) {
+      std::cerr << "blockara: " << o.model << ": the checker did not settle within 10 minutes\n";
+      break;
+    }
   }
   std::vector<Finding> findings = collectFindings(*diagram);
   std::string report = formatReport(*diagram, findings, o.format, o.model);

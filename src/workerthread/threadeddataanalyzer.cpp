@@ -7,6 +7,7 @@
 #include "src/edittimeengine.h"
 #include "src/hostinterface.h"
 #include "src/profiler.h"
+#include "src/workerthread/checkfailures.h"
 
 namespace bkedittimecheck {
 
@@ -40,8 +41,11 @@ void ThreadedDataAnalyzer::run(void* /*context*/) {
     try {
       algorithm->runCheck(context);
       engine->pendingWork().finishOne();
-    } catch (...) {
+    } catch (const std::exception& error) {
       // A failing check is dropped; its pass stays counted, as nothing can tell how far it got.
+      noteFailure(error.what());
+    } catch (...) {
+      noteFailure("unknown error");
     }
   }
   profiler.stop();
@@ -50,6 +54,13 @@ void ThreadedDataAnalyzer::run(void* /*context*/) {
       requestStyling(context.data.get());
     } catch (...) {
     }
+  }
+}
+
+void ThreadedDataAnalyzer::noteFailure(const char* what) noexcept {
+  try {
+    noteCheckFailure(CheckFailure{algorithm->getCheckId(), algorithm->getDiagramName(), what});
+  } catch (...) {
   }
 }
 

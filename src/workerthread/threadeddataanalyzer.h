@@ -28,6 +28,8 @@ class ThreadedDataAnalyzer : public WorkerQueueFunc {
   // Clears the "parameters changed" flag, prunes the block map of `data` (null: none) and posts
   // the styling of the pass.
   void requestStyling(bkEditBD* data);
+  // Records that the check threw `what`; never throws.
+  void noteFailure(const char* what) noexcept;
 
   std::shared_ptr<EditTimeAlgorithms> algorithm;
   std::uint32_t engineId;

@@ -47,4 +47,18 @@ expect "$dir/two.bkd:3:" "a second <System> in <BlockDiagram>" check "$dir/two.b
 expect "$dir/deep.bkd:1:" "nested deeper than 4096 levels" check "$dir/deep.bkd"
 expect "$dir/absent.lua" "cannot read the script" "$dir/absent.lua"
 expect "$dir" "cannot read the script" "$dir"
+# A name rule built to backtrack, against a long name: the pattern library gives up, and the
+# check names the rule instead of waiting for a pass that will never be styled.
+mkdir -p "$dir/prefs"
+cat >"$dir/rx.xml" <<'XML'
+<RAConfiguration><CheckCellArray><Check><ID>orvanta.kabe.kb_0402</ID><Selected>true</Selected>
+<InputParameters><InputParameter Name="Regular expression for prohibited names:"><Value>(a+)+$</Value>
+</InputParameter></InputParameters></Check></CheckCellArray></RAConfiguration>
+XML
+{ printf '<BlockDiagram Name="rx"><System><Block Type="Gain" Name="'; repeat a 40; printf '!" SID="1"/>'
+  printf '</System></BlockDiagram>\n'; } >"$dir/rx.bkd"
+
+cp "$dir/rx.xml" "$dir/prefs/edittimecheckcustomization.xml"
+expect "$dir/rx.bkd" "rule orvanta.kabe.kb_0402 gave up:" check "$dir/rx.bkd"
+rm -f "$dir/prefs/edittimecheckcustomization.xml"
 exit $((failures > 0))
