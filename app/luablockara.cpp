@@ -171,6 +171,10 @@ void installLuaApi(LuaHost& host) {
   host.registerFunction("blockara.diagram", luaFunction<[](bksvString name) {
     return bkBlockDiagramSet::nameToBlockDiagram(name);
   }>);
+  // The live block of a handle, or nil once it is gone.
+  host.registerFunction("blockara.block", luaFunction<[](double handle) {
+    return BKBlock::Handle2Block(handle);
+  }>);
   host.registerFunction("blockara.idle", luaFunction<[](std::optional<double> seconds) {
     auto timeout = std::chrono::milliseconds(
         static_cast<long long>(std::max(seconds.value_or(10.0), 0.0) * 1000.0));

@@ -146,6 +146,14 @@ int diagramIndex(lua_State* L) {
 
 const luaL_Reg blockMethods[] = {
     {"get", luaFunction<[](BKBlock* block, std::string name) { return block->getProperty(name); }>},
+    // The dialog parameters in dialog order, each {name=, type=} with the library's type code.
+    {"parameters", luaFunction<[](BKBlock* block) {
+       std::vector<std::map<std::string, BlockValue>> out;
+       for (const BKPrmDesc& desc : block->getDialogInfo()) {
+         out.push_back({{"name", desc.name}, {"type", static_cast<double>(desc.typeCode)}});
+       }
+       return out;
+     }>},
     {"classes", luaFunction<[](BKBlock* block) {
        std::vector<std::string> names;
        for (const std::wstring& c : diagram::style::classesOf(block->getHandle()))

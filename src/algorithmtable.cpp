@@ -4,10 +4,14 @@
 #include <utility>
 
 #include "src/algorithms/bkciunsupportedblocks.h"
+#include "src/algorithms/blockarastateportmappingviolation.h"
+#include "src/algorithms/blockmissingparams.h"
 #include "src/algorithms/blocknameposition.h"
 #include "src/algorithms/blocknameviolation.h"
 #include "src/algorithms/blockorientation.h"
 #include "src/algorithms/codegenblocknameviolation.h"
+#include "src/algorithms/datastoreusage.h"
+#include "src/algorithms/gotofromblockmismatch.h"
 #include "src/algorithms/portblockicondisplay.h"
 #include "src/algorithms/portnameviolation.h"
 #include "src/algorithms/productioncodegensupport.h"
@@ -15,6 +19,7 @@
 #include "src/algorithms/prohibitedsinks.h"
 #include "src/algorithms/removeblock.h"
 #include "src/algorithms/setup.h"
+#include "src/algorithms/stateaccessorpathviolation.h"
 #include "src/algorithms/subsystemnameviolation.h"
 #include "src/configuration/edittimecheckselector.h"
 #include "src/editcodes.h"
@@ -34,11 +39,12 @@ AlgorithmTable::AlgorithmTable(std::wstring diagramName, bool isLibrary, bool sh
 void AlgorithmTable::runEvent(int code, bool hasVariants) {
   pendingAlgorithms.push_back(std::make_shared<RemoveBlock>(diagramName, RemoveBlock::kSeverity));
   pendingAlgorithms.push_back(std::make_shared<Setup>(diagramName));
-  appendInteractiveChecks(code, hasVariants);
+  appendMissingVariableCheck(code, hasVariants);
   if (auditorChecksEnabled) {
     appendSelectedChecks(code);
     if (code == EditTimeEvent::kConfiguration) EditTimeAlgorithms::setInputParametersChanged(true);
   }
+  appendInteractiveChecks(hasVariants);
   if (eventObserver) eventObserver(code, hasVariants, pendingAlgorithms.size());
   // Only the two internal entries: nothing to check. The queues of bkEditBD keep what they hold
   // until a later table runs.
@@ -50,20 +56,51 @@ void AlgorithmTable::runEvent(int code, bool hasVariants) {
 }
 
 void AlgorithmTable::runCheckById(const std::string& id) {
-  // Will hold: the data store usage check at the severity the two switches give, or else a
-  // selected constraint check ID as its constraint check. Neither class exists yet, so no ID
-  // adds anything and only what an earlier call left in the list is started.
-  (void)id;
+  if (id == DataStoreUsage::kCheckId) {
+    // The switches choose the groups: both, the warnings only or the errors only.
+    if (showErrors || showWarnings) {
+      const std::uint32_t severity = showErrors && showWarnings ? Severity::kBoth
+                                     : showWarnings             ? Severity::kWarning
+                                                                : Severity::kError;
+      pendingAlgorithms.push_back(std::make_shared<DataStoreUsage>(diagramName, severity));
+    }
+  } else if (featureOn(BKFEAT_BlockConstraintCheckAuthoring) && auditorChecksEnabled) {
+    const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
+    const auto it = selection.find(id);
+    if (it != selection.end() && it->second) {
+      // Placeholder: BlockConstraintViolation(id, diagramName, Severity::kAuditorWarning) is
+      // appended here once that class is in the tree.
+    }
+  }
   if (!pendingAlgorithms.empty()) startPending();
 }
 
-void AlgorithmTable::appendInteractiveChecks(int code, bool hasVariants) {
-  // Will hold, in this order and under the preference switches, with no variant subsystem and
-  // not in a library: the missing-variable check (not for added blocks), then, after the
-  // selected rule-auditor checks, the Goto/From, data store, state accessor and chart state
-  // port checks. None of those classes exists yet.
-  (void)code;
-  (void)hasVariants;
+bool AlgorithmTable::interactiveChecksApply(bool hasVariants) const {
+  return (showErrors || showWarnings) && !hasVariants && !isLibrary;
+}
+
+void AlgorithmTable::appendMissingVariableCheck(int code, bool hasVariants) {
+  // An added block has not been scanned yet: the missing-variable question waits for that.
+  if (!featureOn(BKFEAT_BlockParamEditTimeCheckOnCanvas) || !interactiveChecksApply(hasVariants) ||
+      code == EditTimeEvent::kBlocksAdded) {
+    return;
+  }
+  pendingAlgorithms.push_back(
+      std::make_shared<BlockMissingParams>(diagramName, BlockMissingParams::kSeverity, code));
+}
+
+void AlgorithmTable::appendInteractiveChecks(bool hasVariants) {
+  if (!interactiveChecksApply(hasVariants)) return;
+  pendingAlgorithms.push_back(
+      std::make_shared<GoToFromBlockMismatch>(diagramName, GoToFromBlockMismatch::kSeverity));
+  pendingAlgorithms.push_back(
+      std::make_shared<DataStoreUsage>(diagramName, DataStoreUsage::kSeverity));
+  pendingAlgorithms.push_back(std::make_shared<StateAccessorPathViolation>(
+      diagramName, StateAccessorPathViolation::kSeverity));
+  if (featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) {
+    pendingAlgorithms.push_back(std::make_shared<BlockaraStatePortMappingViolation>(
+        diagramName, BlockaraStatePortMappingViolation::kSeverity));
+  }
 }
 
 template <typename Check>

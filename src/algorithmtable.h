@@ -33,8 +33,10 @@ class AlgorithmTable {
   /// allocation.
   void runEvent(int code, bool hasVariants);
 
-  /// Main thread. Queues the one check `id` on its own, without the two internal entries;
-  /// nothing when the check does not apply.
+  /// Main thread. Queues the one check `id` on its own, without the two internal entries:
+  /// "orvanta.blockara.DataStoreUsage" with the severity the switches give (5 both, 0 warnings
+  /// only, 1 errors only, nothing with neither), or a selected constraint check under the rule
+  /// auditor. Nothing when the check does not apply.
   void runCheckById(const std::string& id);
 
   /// Main thread. Replaces the event observer (empty: none).
@@ -51,8 +53,10 @@ class AlgorithmTable {
   std::vector<std::string> constraintCheckIds;
 
  private:
+  bool interactiveChecksApply(bool hasVariants) const;
+  void appendMissingVariableCheck(int code, bool hasVariants);
   void appendSelectedChecks(int code);
-  void appendInteractiveChecks(int code, bool hasVariants);
+  void appendInteractiveChecks(bool hasVariants);
   // Appends a `Check` of the diagram when `selection` maps its ID to true.
   template <typename Check>
   void appendIfSelected(const std::map<std::string, bool>& selection);

@@ -147,7 +147,7 @@ bool bkEditBD::isRoutingBlock(BKBlock* block) {
   const bool routingCode = BlockKind::isKeptAcrossPasses(code);
   if (routingCode && graphOwnerIsNotChart(block)) return true;
   if (featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) {
-    if (code == BlockKind::kInport || code == BlockKind::kOutport) return true;
+    if (isBlockaraStatePort(block)) return true;
     if (isChartBasedSubsystem(block)) return true;
   }
   return false;

@@ -2,6 +2,7 @@
 
 #include <tbb/concurrent_queue.h>
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -85,9 +86,11 @@ class bkEditBD {
   /// Main thread. Queues the mask kind of every known subsystem again.
   void requeueMasks();
 
-  /// Main thread. Sets or reads the copy of the diagram's "UniqueDataStoreMsg" setting.
-  void setUniqueDataStoreMsg(std::string setting) { uniqueDataStoreMsg = std::move(setting); }
-  const std::string& getUniqueDataStoreMsg() const { return uniqueDataStoreMsg; }
+  /// Main thread sets, any thread reads: the diagram's "UniqueDataStoreMsg" level (0 none,
+  /// 1 warning, 2 error). A plain atomic value: a stale read only defers the data store check's
+  /// answer to its next run.
+  void setUniqueDataStoreMsg(std::int32_t level) { uniqueDataStoreMsg.store(level); }
+  std::int32_t getUniqueDataStoreMsg() const { return uniqueDataStoreMsg.load(); }
 
   /// Main thread. True while variant subsystems are known to be in the diagram.
   bool hasVariants() const { return variantSubsystemCount != 0; }
@@ -133,6 +136,15 @@ class bkEditBD {
   /// Worker. The snapshots of the current pass and the blocks kept across passes, by handle.
   const std::map<double, std::shared_ptr<bkEditBlock>>& blockMap() const { return blocks; }
 
+  /// Any thread. True from the 1001st Goto/From block on, for the life of this record.
+  bool hasTooManyRoutingBlocks() const { return tooManyRoutingBlocks.load(); }
+
+  /// Worker. True when the queue `subsysProperties` holds an event listener record whose
+  /// parent path is `path` (narrow): that system iterates. Pops the queue up to the first such
+  /// record and pushes what it took back in its order; the main thread may see the queue short
+  /// meanwhile.
+  bool isIteratorSystem(const std::string& path);
+
   /// Worker. True when a check with these scope parameters must pass `block` by: a linked block
   /// when `skipLinkedBlocks` is 1, or a block under a mask that `lookUnderMasks` (1 to 3) excludes.
   bool isOutsideScope(const bkEditBlock& block, std::int32_t skipLinkedBlocks,
@@ -175,8 +187,8 @@ class bkEditBD {
   mutable bool maskIndexStale = false;
   std::map<double, Blkproperties> subsysMap;
 
-  // ---- main (copied at construction and by the data store setting's refresh)
-  std::string uniqueDataStoreMsg;
+  // ---- main writes, worker reads (copied at construction and by the setting's refresh)
+  std::atomic<std::int32_t> uniqueDataStoreMsg{0};
   std::map<std::string, ParameterValue> modelParameterData;
 
   // ---- queues (main pushes, worker pops)
@@ -198,12 +210,22 @@ class bkEditBD {
   std::vector<bkGraph*> visibleGraphsDone;
   std::set<std::wstring> visiblePathsDone;
   std::uint32_t variantSubsystemCount = 0;
-  bool tooManyRoutingBlocks = false;
+  std::atomic<bool> tooManyRoutingBlocks{false};  // main writes, the Goto/From check reads
   std::uint32_t routingBlockCount = 0;
   std::map<double, std::wstring> handleToSubsystem;
   bool hasStateAccessBlocks = false;
   std::map<std::string, std::vector<std::shared_ptr<BlockParameterConstraint>>>
       parameterDataByBlockType;
 };
+
+/// Any thread. Narrow paths as the state accessor check reads them. True for a path without
+/// "/", or whose only "/" is an escaped one at its end.
+bool isRootPath(const std::string& path);
+/// Any thread. True when the last "/" of the path is its final character: the host writes a "/"
+/// ending a block name as "//".
+bool hasEscapedSeparator(const std::string& path);
+/// Any thread. The path up to its last "/" (that "/" excluded), a trailing escaped "/" set aside
+/// first; empty for a root path.
+std::string parentPath(const std::string& path);
 
 }  // namespace bkedittimecheck

@@ -196,7 +196,7 @@ void EditTimeController::removeStylingOf(const std::wstring& name, int code) {
 
 void EditTimeController::updateDiagnostic(const std::wstring& name) {
   if (auto engine = findEngine(name)) {
-    engine->getData()->setUniqueDataStoreMsg(uniqueDataStoreSetting(engine->getDiagram()));
+    engine->getData()->setUniqueDataStoreMsg(uniqueDataStoreLevel(engine->getDiagram()));
     engine->getAlgorithmTable().runCheckById("orvanta.blockara.DataStoreUsage");
   }
 }

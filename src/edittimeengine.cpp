@@ -49,7 +49,7 @@ EditTimeEngine::EditTimeEngine(BKRootBD* diagram)
   diagram::style::Styler* styler = createEditTimeStyler();
   styler->activate();
   data = std::make_shared<bkEditBD>(diagramName, auditorModeOn(diagram));
-  data->setUniqueDataStoreMsg(uniqueDataStoreSetting(diagram));
+  data->setUniqueDataStoreMsg(uniqueDataStoreLevel(diagram));
   violations = std::make_shared<ViolationDatabase>();
   checkSelector = std::make_shared<EditTimeCheckSelector>();
   exclusions = std::make_shared<ExclusionManager>();
@@ -206,9 +206,14 @@ void EditTimeEngine::loadDefaultConfig() {
 void EditTimeEngine::refreshChartChecks(double blockHandle) {
   Profiler profiler("ENGINE", "REFRESH_CHARTELLE_CHART_CHECKS");
   std::shared_ptr<bkEditBD> keep = data;
-  if (BKBlock* block = handle2Block(blockHandle)) {
-    for (BKBlock* sibling : bkgg::graphicalBlocksOf(block->getGraph(), 1)) {
-      if (isChartBasedSubsystem(sibling)) data->noteBlock(sibling, EditTimeEvent::kNone);
+  // The graph that holds the block's owner: from a block inside one state of a chart, that is
+  // the chart's own level with all its states.
+  BKBlock* block = handle2Block(blockHandle);
+  bkGraph* graph = block ? block->getGraph() : nullptr;
+  BKBlock* owner = graph ? graph->getOwner() : nullptr;
+  if (owner && owner->getGraph()) {
+    for (BKBlock* state : bkgg::graphicalBlocksOf(owner->getGraph(), 1)) {
+      if (isChartBasedSubsystem(state)) data->noteBlock(state, EditTimeEvent::kNone);
     }
   }
   algorithmTable.runEvent(EditTimeEvent::kChartRefresh, hasVariants());

@@ -72,6 +72,18 @@ bool isChartBasedSubsystem(const BKBlock* block) {
   return graph && graph->getOwner() && BKGlue::isChartelleBlock(graph->getOwner());
 }
 
+bool isBlockaraStatePort(const BKBlock* block) {
+  const int code = block->getTypeCode();
+  if (code != 66 && code != 88) return false;
+  bkGraph* graph = BKGlue::getBlockGraph(block);
+  return graph && graph->getOwner() && isChartBasedSubsystem(graph->getOwner());
+}
+
+double graphOwnerHandle(const BKBlock* block) {
+  bkGraph* graph = BKGlue::getBlockGraph(block);
+  return graph && graph->getOwner() ? graph->getOwner()->getHandle() : 0.0;
+}
+
 bool isUsableGraph(const bkGraph* graph) {
   return graph && graph->getBlockDiagram() && graph->getStateBits() == 0;
 }
@@ -126,6 +138,13 @@ std::string uniqueDataStoreSetting(BKRootBD* diagram) {
   return text ? *text : "";
 }
 
+std::int32_t uniqueDataStoreLevel(BKRootBD* diagram) {
+  const std::string setting = uniqueDataStoreSetting(diagram);
+  if (setting == "warning") return 1;
+  if (setting == "error") return 2;
+  return 0;
+}
+
 void callDiagramFunction(const char* function, const std::wstring& diagramName) {
   std::vector<nxArray> results;
   std::vector<nxArray> args{nxArray::charRow(std::u16string_view(toBksv(diagramName)))};
@@ -139,6 +158,8 @@ void callDiagramFunction(const char* function, const std::wstring& diagramName) 
 bool showEditTimeIssues() { return bk::bkedittimecheck::bkutils::getShowEditTimeIssues(); }
 
 bool featureOn(BkFeature* feature) { return feature != nullptr && feature->isOn(); }
+
+int featureLevel(BkFeature* feature) { return feature != nullptr ? feature->getLevel() : 0; }
 
 void removeErrorAndWarnClasses(double handle) {
   diagram::style::Styler* styler = createEditTimeStyler();

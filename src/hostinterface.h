@@ -47,6 +47,9 @@ bool showEditTimeIssues();
 /// Any thread. A feature is on when its level is at least 1; each read is counted by the host.
 bool featureOn(BkFeature* feature);
 
+/// Any thread. The level of a feature, counted as a read; 0 for a null flag.
+int featureLevel(BkFeature* feature);
+
 /// The live block of a handle, or null once it is gone.
 BKBlock* handle2Block(double handle);
 
@@ -61,6 +64,12 @@ bool graphOwnerIsNotChart(const BKBlock* block);
 
 /// True for a chart-based subsystem: type code 131, subsystem type 8 and a chart owner.
 bool isChartBasedSubsystem(const BKBlock* block);
+
+/// True for a port (type code 66 or 88) that stands directly in a chart-based subsystem.
+bool isBlockaraStatePort(const BKBlock* block);
+
+/// The handle of the owner block of the graph that contains `block`; 0 when it has none.
+double graphOwnerHandle(const BKBlock* block);
 
 /// True for a graph that exists, has a diagram and has neither state bit set.
 bool isUsableGraph(const bkGraph* graph);
@@ -94,6 +103,10 @@ BKRootBD* rootOfExecuting(BKExecBD* executing);
 
 /// The diagram's "UniqueDataStoreMsg" diagnostic setting; empty without a configuration set.
 std::string uniqueDataStoreSetting(BKRootBD* diagram);
+
+/// The same setting as the diagnostic level the data store check reads: 1 "warning", 2 "error",
+/// 0 for "none", any other word and no configuration set.
+std::int32_t uniqueDataStoreLevel(BKRootBD* diagram);
 
 /// Takes the classes "Error" and "Warn" off a block through the edit-time styler.
 void removeErrorAndWarnClasses(double handle);

@@ -12,7 +12,7 @@ local function show(title, d)
   local violations = d:violations()
   if #violations == 0 then print("   no findings") end
   for _, v in ipairs(violations) do
-    print(string.format("   %-34s %-28s %s (%s)", v.path, v.type, v.checkId, v.category))
+    print(string.format("   %-34s %-40s %s (%s)", v.path, v.type, v.checkId, v.category))
   end
   local styles, paths = d:styles(), {}
   for path in pairs(styles) do paths[#paths + 1] = path end
@@ -46,6 +46,30 @@ d:set("Plant/Controller/In1", { IconDisplay = "Signal name" })
 d:rename("Plant/Actuator", "Actuator (fast)")
 blockara.idle()
 show("after showing a port's signal name and renaming a subsystem badly", d)
+
+-- The interactive checks, which run whenever edit-time issues are shown: a From without its
+-- Goto, a second data store of one name, a state reader beside its owner, a chart state port
+-- that the chart does not declare, and a gain that names a variable the workspace lacks.
+d:batch(function(d)
+  d:add("Plant", "From", "Disturbance", { GotoTag = "dist", Position = { 40, 160, 40, 20 } })
+  d:add("Plant", "DataStoreMemory", "StateCopy",
+        { DataStoreName = "plantState", Position = { 230, 120, 60, 30 } })
+  d:add("Plant/Actuator (fast)", "StateReader", "LagReader",
+        { StateOwnerBlock = "Plant/Actuator (fast)/Lag", Position = { 90, 95, 40, 30 } })
+  d:add("Plant", "Chart", "Mode", { Position = { 400, 110, 60, 40 } })
+  d:add("Plant/Mode", "SubSystem", "Active", { SubsystemType = 8,
+        StateData = { { name = "gain", scope = "Input" } }, Position = { 40, 40, 60, 40 } })
+  d:add("Plant/Mode/Active", "Inport", "gain", { Port = "1", Position = { 20, 40, 30, 14 } })
+  d:add("Plant/Mode/Active", "Inport", "offset", { Port = "2", Position = { 20, 80, 30, 14 } })
+end)
+d:set("Plant/Controller/Kp", { Gain = "Kp_tuned" })
+blockara.idle()
+show("after a lone From, a second store, a reader beside its owner, an undeclared chart port and an undefined gain", d)
+
+blockara.workspace.Kp_tuned = 2.5
+d:workspaceChanged()
+blockara.idle()
+show("after defining Kp_tuned in the workspace", d)
 
 blockara.report(d, "html", out .. "/report.html")
 blockara.report(d, "sarif", out .. "/findings.sarif")

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "host/runtime/eventloop.h"
+
 namespace blockara {
 namespace {
 
@@ -123,7 +125,20 @@ bool TimerThread::tick() {
   const std::uint64_t wanted = ticksStarted + 1;
   ticksRequested = std::max(ticksRequested, wanted);
   wake.notify_all();
-  tickDone.wait(lock, [&] { return ticksDone >= wanted || stopRequested; });
+  const auto finished = [&] { return ticksDone >= wanted || stopRequested; };
+  EventLoop& loop = EventLoop::instance();
+  if (!loop.isMainThread()) {
+    tickDone.wait(lock, finished);
+    return ticksDone >= wanted;
+  }
+  // The tick may wait for a host-language evaluation that it posted to the main thread; the
+  // main thread waiting here runs what is posted meanwhile, or both would wait for ever.
+  while (!finished()) {
+    lock.unlock();
+    const std::size_t ran = loop.runPosted();
+    lock.lock();
+    if (ran == 0) tickDone.wait_for(lock, std::chrono::milliseconds(1), finished);
+  }
   return ticksDone >= wanted;
 }
 

@@ -70,7 +70,9 @@ class TimerThread {
 
   /// Any thread but the timer thread. Asks for one tick now and waits until it has run. In
   /// periodic mode this merely brings the next tick forward. Returns false, without waiting,
-  /// when the thread is not running or when called on the timer thread itself.
+  /// when the thread is not running or when called on the timer thread itself. Called on the
+  /// main thread, it runs the main loop's posted items while it waits, since the tick may wait
+  /// for one of them (a host-language evaluation); their exceptions propagate.
   bool tick();
 
   /// Any thread but the timer thread. Asks for one tick that begins after this call and returns

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "src/editcodes.h"
+#include "src/features.h"
 #include "src/hostinterface.h"
 
 namespace bkedittimecheck {
@@ -93,7 +94,17 @@ bkEditBlock::bkEditBlock(BKBlock* block, bool wantRaEditBlock)
       fullPath(toWide(block->getFullPath(false))),
       isCommented(block->isCommented() ? 1 : 0),
       isLinked(block->getLinkStatus() != "none" ? 1 : 0) {
-  if (needsDefaultEditBlock(blockKind)) defaultEditBlock = makeDefaultEditBlock(block, blockKind);
+  if (featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) {
+    if (isBlockaraStatePort(block)) {
+      chartInputData = std::make_unique<BlockaraStatePortInfoImpl>(graphOwnerHandle(block));
+    }
+    if (isChartBasedSubsystem(block)) {
+      chartRecord = std::make_unique<BlockaraStateMappingInfoImpl>(blockHandle);
+    }
+  }
+  if (needsDefaultEditBlock(blockKind) || hasChartData()) {
+    defaultEditBlock = makeDefaultEditBlock(block, blockKind);
+  }
   if (wantRaEditBlock) raEditBlock = makeRaEditBlock(block, blockKind);
 }
 

@@ -8,6 +8,7 @@
 
 #include "src/constraints/bkdefaulteditblock.h"
 #include "src/constraints/bkraeditblock.h"
+#include "src/constraints/blockarastatemappinginfo.h"
 #include "src/constraints/parametervalue.h"
 
 class BKBlock;
@@ -69,9 +70,13 @@ class bkEditBlock {
   void setFullPath(std::wstring path) { fullPath = std::move(path); }
   /// Worker. `Setup` updates the comment state after a subsystem above was (un)commented.
   void setIsCommented(bool commented) { isCommented = commented ? 1 : 0; }
-  /// Any thread. True when the snapshot carries a chart's input data or record; such blocks stay
-  /// in the block map between passes. The chart objects are not captured yet, so always false.
-  bool hasChartData() const { return false; }
+  /// Any thread. The state a port of a Blockara-based state belongs to; null for other blocks.
+  const BlockaraStatePortInfo* getChartInputData() const { return chartInputData.get(); }
+  /// Any thread. The declared data of a Blockara-based state subsystem; null for other blocks.
+  const BlockaraStateMappingInfo* getChartRecord() const { return chartRecord.get(); }
+  /// Any thread. True when the snapshot carries either chart object; such blocks stay in the
+  /// block map between passes.
+  bool hasChartData() const { return chartInputData != nullptr || chartRecord != nullptr; }
   /// Worker. Drops the rule-auditor part between passes.
   void dropRaEditBlock() { raEditBlock.reset(); }
 
@@ -82,6 +87,9 @@ class bkEditBlock {
   std::shared_ptr<bkDefaultEditBlock> defaultEditBlock;
   std::shared_ptr<bkRAEditBlock> raEditBlock;
   std::map<std::string, ParameterValue> capturedParameterValues;
+  // Taken only while BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates is on.
+  std::unique_ptr<BlockaraStatePortInfo> chartInputData;
+  std::unique_ptr<BlockaraStateMappingInfo> chartRecord;
   std::wstring fullPath;
   std::uint8_t isCommented;
   std::uint8_t isLinked;

@@ -61,4 +61,30 @@ function expect.sameSnapshot(a, b)
   end
 end
 
+-- Every finding of a diagram as "PATH TYPE CATEGORY" lines, in d:violations() order.
+function expect.findings(d)
+  local out = {}
+  for _, v in ipairs(d:violations()) do
+    out[#out + 1] = v.path .. " " .. v.type .. " " .. v.category
+  end
+  return out
+end
+
+-- Compares two lists of lines exactly.
+function expect.lines(actual, expected, what)
+  local a, e = table.concat(actual, "\n"), table.concat(expected, "\n")
+  if a ~= e then
+    error(string.format("%s:\nexpected\n  %s\ngot\n  %s", what or "lines",
+                        (e:gsub("\n", "\n  ")), (a:gsub("\n", "\n  "))), 2)
+  end
+end
+
+-- The glows of a diagram as "PATH CLASSES" lines, sorted by path.
+function expect.glows(d)
+  local styles, out = d:styles(), {}
+  for path, classes in pairs(styles) do out[#out + 1] = path .. " " .. classes end
+  table.sort(out)
+  return out
+end
+
 return expect

@@ -66,12 +66,15 @@ TEST_F(AlgorithmTableTest, FixedOrderWithTheRepeatedFour) {
   ASSERT_TRUE(settle());
   ASSERT_FALSE(tables.empty());
   EXPECT_EQ(tables.back(),
-            (Lines{"internal.RemoveBlock", "internal.DBsetup", "orvanta.kabe.kb_0401",
-                   "orvanta.kabe.kb_0407", "orvanta.kabe.kb_0408", "orvanta.kabe.kb_0402",
-                   "orvanta.kabe.kb_0405", "orvanta.kabe.kb_0404", "orvanta.kabe.kb_0403",
-                   "orvanta.kabe.kb_0406", "orvanta.kabe.kb_0404", "orvanta.kabe.kb_0405",
-                   "orvanta.kabe.kb_0403", "orvanta.kabe.kb_0406", "orvanta.codegen.PCGSupport",
-                   "orvanta.codegen.BlockNames", "orvanta.bkci.UnsupportedBlocks"}));
+            (Lines{"internal.RemoveBlock", "internal.DBsetup", "BlockMissingVariable",
+                   "orvanta.kabe.kb_0401", "orvanta.kabe.kb_0407", "orvanta.kabe.kb_0408",
+                   "orvanta.kabe.kb_0402", "orvanta.kabe.kb_0405", "orvanta.kabe.kb_0404",
+                   "orvanta.kabe.kb_0403", "orvanta.kabe.kb_0406", "orvanta.kabe.kb_0404",
+                   "orvanta.kabe.kb_0405", "orvanta.kabe.kb_0403", "orvanta.kabe.kb_0406",
+                   "orvanta.codegen.PCGSupport", "orvanta.codegen.BlockNames",
+                   "orvanta.bkci.UnsupportedBlocks", "orvanta.blockara.GoToFromBlockMismatch",
+                   "orvanta.blockara.DataStoreUsage", "orvanta.blockara.StateAccessorPathViolation",
+                   "orvanta.blockara.BlockaraStatePortMapping"}));
 }
 
 TEST_F(AlgorithmTableTest, QueuedChecksAndPassesAreCountedAndEachPassIsStyledOnce) {
@@ -83,12 +86,13 @@ TEST_F(AlgorithmTableTest, QueuedChecksAndPassesAreCountedAndEachPassIsStyledOnc
   d->editing().addBlock(u"m", "Inport", u"i");
   const std::int64_t before = engine->queuedCount();
   d->editing().setProperties(u"m/i", {{"IconDisplay", std::string("Signal name")}});
-  // RemoveBlock, Setup, kb_0401, kb_0404 twice: five more queued, all in one pass.
-  EXPECT_EQ(engine->queuedCount(), before + 5);
+  // RemoveBlock, Setup, the missing-variable check, kb_0401, kb_0404 twice and the four
+  // cross-block checks: ten more queued, all in one pass.
+  EXPECT_EQ(engine->queuedCount(), before + 10);
   EXPECT_TRUE(engine->hasUnstyledPasses());
   // A second edit before the worker ran joins the same pass.
   d->editing().setProperties(u"m/i", {{"NamePlacement", std::string("alternate")}});
-  EXPECT_EQ(engine->queuedCount(), before + 10);
+  EXPECT_EQ(engine->queuedCount(), before + 20);
   ASSERT_TRUE(settle());
   EXPECT_EQ(engine->queuedCount(), 0);
   EXPECT_FALSE(engine->hasUnstyledPasses());

@@ -22,7 +22,7 @@ struct bkEditBDProbe {
   auto& auditorPathsDone() { return d.auditorPathsDone; }
   auto& handleToSubsystem() { return d.handleToSubsystem; }
   bool initialScanDone() const { return d.initialScanDone; }
-  bool tooManyRoutingBlocks() const { return d.tooManyRoutingBlocks; }
+  bool tooManyRoutingBlocks() const { return d.tooManyRoutingBlocks.load(); }
   std::uint32_t variantSubsystemCount() const { return d.variantSubsystemCount; }
   bool hasStateAccessBlocks() const { return d.hasStateAccessBlocks; }
 

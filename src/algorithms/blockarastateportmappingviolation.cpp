@@ -1,0 +1,47 @@
+#include "src/algorithms/blockarastateportmappingviolation.h"
+
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "src/bkeditbd.h"
+#include "src/features.h"
+#include "src/hostinterface.h"
+#include "src/violationdatabase.h"
+
+namespace bkedittimecheck {
+
+BlockaraStatePortMappingViolation::BlockaraStatePortMappingViolation(std::wstring diagramName,
+                                                                     std::uint32_t severity)
+    : DiagramCheck(kCheckId, std::move(diagramName), severity) {}
+
+bool BlockaraStatePortMappingViolation::evaluate(bkEditBD& data, ViolationDatabase& database) {
+  if (!featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) return false;
+  std::map<double, std::shared_ptr<bkEditBlock>> blocks = data.blockMap();
+  const bool hadBlocks = !blocks.empty();
+  for (const auto& [handle, port] : blocks) {
+    const BlockaraStatePortInfo* info = port ? port->getChartInputData() : nullptr;
+    if (!info) continue;
+    // An absent state gets a null entry in the copy and counts as no subsystem: a state deleted
+    // in the same batch leaves its ports as they were.
+    const std::shared_ptr<bkEditBlock>& state = blocks[info->stateSubsystemHandle()];
+    if (!state || !state->getChartRecord()) continue;
+    const BlockaraStateMappingInfo& mapping = *state->getChartRecord();
+    const std::wstring name = fromNarrow(port->getBlockName());
+    const auto decide = [&](const char* type, bool violates) {
+      auto r = std::make_shared<EditTimeViolation>(checkId, type, Severity::kError, handle);
+      if (violates) {
+        r->isCommented = port->getIsCommented() ? 1 : 0;
+        r->blockPath = port->getFullPath();
+        database.add(r);
+      } else {
+        database.remove(r);
+      }
+    };
+    decide("BlockaraStateMismappedPort", mapping.isMismapped(name, port->getBlockKind()));
+    decide("BlockaraStateUnmappedPort", mapping.isUnmapped(name));
+  }
+  return hadBlocks;
+}
+
+}  // namespace bkedittimecheck

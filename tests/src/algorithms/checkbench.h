@@ -1,0 +1,87 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "host/model/bkrootbd.h"
+#include "host/model/diagramediting.h"
+#include "host/runtime/eventloop.h"
+#include "src/bkeditbd.h"
+#include "src/violationdatabase.h"
+#include "tests/src/bkeditbdprobe.h"
+
+namespace bkedittimecheck::testing {
+
+using Lines = std::vector<std::string>;
+
+/// A diagram "m" in the reference host without an engine, snapshotted by the test into a
+/// `bkEditBD` of its own, and a store: a whole-diagram check's `evaluate` runs on exactly that,
+/// on the test's thread.
+class CheckBench : public ::testing::Test {
+ public:
+  void SetUp() override { blockara::EventLoop::instance().adoptCurrentThread(); }
+  void TearDown() override { bkBlockDiagramSet::closeAll(); }
+
+  /// A fresh diagram, snapshot and store, with `blocks`, one a line: "PATH TYPE [K=V ...]", the
+  /// path below "m", in order of creation; "commented=1" comments the block out. Every block is
+  /// snapshotted, and each event listener queued as the engine queues it.
+  void build(const Lines& blocks) {
+    bkBlockDiagramSet::closeAll();
+    d = bkBlockDiagramSet::create(u"m", BKRootBD::Model);
+    data = std::make_unique<bkEditBD>(L"m", false);
+    db = std::make_unique<ViolationDatabase>();
+    for (const std::string& line : blocks) {
+      std::istringstream in(line);
+      std::string path, type, pair;
+      in >> path >> type;
+      const std::u16string full = u"m/" + i18n::to_u16string(path);
+      const std::size_t cut = full.rfind(u'/');
+      BKBlock* b = d->editing().addBlock(full.substr(0, cut), type, full.substr(cut + 1));
+      while (in >> pair) {
+        const std::string key = pair.substr(0, pair.find('='));
+        const std::string value = pair.substr(pair.find('=') + 1);
+        if (key == "commented")
+          d->editing().setCommentState(full, 1);
+        else
+          d->editing().setProperties(full, {{key, value}});
+      }
+      if (type == "EventListener") {
+        probe().subsysProperties().push(
+            SubsysProperties{toWide(b->getFullPath(false)), b->getHandle(), true});
+      }
+    }
+    for (BKBlock* b : d->blocksInPathOrder()) retake(b);
+  }
+
+  /// Snapshots one block again, as a later batch would.
+  void retake(BKBlock* b) {
+    probe().blocks()[b->getHandle()] = std::make_shared<bkEditBlock>(b, false);
+  }
+  BKBlock* block(const std::u16string& path) const { return d->findBlock(u"m/" + path); }
+  bkEditBDProbe probe() { return bkEditBDProbe(*data); }
+
+  /// The store as "path|type|severity[|commented]", the path below "m", sorted.
+  Lines records() const {
+    Lines out;
+    for (BKBlock* b : d->blocksInPathOrder()) {
+      for (const EditTimeViolation& v : db->violationsOf(b->getHandle())) {
+        out.push_back(ConvertUStringToStdString(b->getFullPath(false)).substr(2) + "|" +
+                      v.violationType + "|" + std::to_string(v.severity) +
+                      (v.isCommented ? "|commented" : ""));
+      }
+    }
+    std::sort(out.begin(), out.end());
+    return out;
+  }
+
+  BKRootBD* d = nullptr;
+  std::unique_ptr<bkEditBD> data;
+  std::unique_ptr<ViolationDatabase> db;
+};
+
+}  // namespace bkedittimecheck::testing
