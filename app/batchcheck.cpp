@@ -110,14 +110,20 @@ int runBatchCheck(const Options& o) {
     std::cerr << "blockara: " << e.what() << "\n";
     return 2;
   }
-  diagram->setAuditorMode(true);
+  // With a configuration of its own the rule auditor starts only once that file is loaded:
+  // checks queued under the default configuration would otherwise run with the new file's
+  // parameters, which lack theirs.
+  const bool ownConfig = !o.config.empty();
+  if (!ownConfig) diagram->setAuditorMode(true);
   if (!o.exclusions.empty()) {
     diagram->setExclusionFilePath(i18n::to_u16string(o.exclusions));
   }
   openForEditing(diagram);
   auto& controller = bkedittimecheck::EditTimeController::instance();
   std::wstring name = wide(diagram->getName());
-  if (!o.config.empty()) {
+  if (ownConfig) {
+    diagram->setAuditorMode(true);
+    if (!controller.findEngine(name)) controller.on(name);
     controller.switchConfiguration(std::wstring(o.config.begin(), o.config.end()), name);
   }
   showEverySystem(*diagram);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "src/algorithms/bkciunsupportedblocks.h"
+#include "src/algorithms/blockconstraintviolation.h"
 #include "src/algorithms/blockarastateportmappingviolation.h"
 #include "src/algorithms/blockmissingparams.h"
 #include "src/algorithms/blocknameposition.h"
@@ -68,8 +69,8 @@ void AlgorithmTable::runCheckById(const std::string& id) {
     const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
     const auto it = selection.find(id);
     if (it != selection.end() && it->second) {
-      // Placeholder: BlockConstraintViolation(id, diagramName, Severity::kAuditorWarning) is
-      // appended here once that class is in the tree.
+      pendingAlgorithms.push_back(std::make_shared<BlockConstraintViolation>(
+          id, diagramName, BlockConstraintViolation::kSeverity));
     }
   }
   if (!pendingAlgorithms.empty()) startPending();
@@ -113,9 +114,17 @@ void AlgorithmTable::appendIfSelected(const std::map<std::string, bool>& selecti
 
 void AlgorithmTable::appendSelectedChecks(int /*code*/) {
   // One copy of the selection per table; a check is on when its ID maps to true. The constraint
-  // checks come first once their class is in the table; their IDs are kept in
-  // constraintCheckIds by the configuration load.
+  // checks of the loaded configuration come first, in the configuration's order.
   const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
+  if (featureOn(BKFEAT_BlockConstraintCheckAuthoring)) {
+    for (const std::string& id : constraintCheckIds) {
+      const auto it = selection.find(id);
+      if (it != selection.end() && it->second) {
+        pendingAlgorithms.push_back(std::make_shared<BlockConstraintViolation>(
+            id, diagramName, BlockConstraintViolation::kSeverity));
+      }
+    }
+  }
   appendIfSelected<BlockNamePosition>(selection);
   appendIfSelected<ProhibitedBlocks>(selection);
   appendIfSelected<ProhibitedSinks>(selection);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/model/bkgraph.h"
+#include "src/constraints/blockparameterconstraint.h"
 #include "src/editcodes.h"
 #include "src/features.h"
 #include "src/violationdatabase.h"
@@ -172,8 +173,14 @@ bool bkEditBD::noteBlock(BKBlock* block, int kind) {
     }
   }
   if (!onView) return false;
-  // Constraint parameters are captured here once the constraint data exists for the diagram.
-  changedBlocks.push(std::make_shared<bkEditBlock>(block, auditorMode));
+  auto snapshot = std::make_shared<bkEditBlock>(block, auditorMode);
+  if (auditorMode && featureOn(BKFEAT_BlockConstraintCheckAuthoring)) {
+    const auto found = parameterDataByBlockType.find(typeNameOf(block));
+    if (found != parameterDataByBlockType.end()) {
+      snapshot->captureConstraintParameters(block, found->second);
+    }
+  }
+  changedBlocks.push(std::move(snapshot));
   return true;
 }
 

@@ -86,6 +86,13 @@ class bkEditBD {
   /// Main thread. Queues the mask kind of every known subsystem again.
   void requeueMasks();
 
+  /// Main thread. The block parameter constraints of the loaded configuration by block type:
+  /// a snapshot taken for the rule auditor captures the parameters they name.
+  void setParameterDataByBlockType(
+      std::map<std::string, std::vector<std::shared_ptr<BlockParameterConstraint>>> byType) {
+    parameterDataByBlockType = std::move(byType);
+  }
+
   /// Main thread sets, any thread reads: the diagram's "UniqueDataStoreMsg" level (0 none,
   /// 1 warning, 2 error). A plain atomic value: a stale read only defers the data store check's
   /// answer to its next run.

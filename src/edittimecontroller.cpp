@@ -380,11 +380,9 @@ void EditTimeController::commentStatusChanged(BKRootBD* diagram, BKBlock* block)
 
 void EditTimeController::modelParameterChanged(BKRootBD* diagram, const std::string& name) {
   if (!featureOn(BKFEAT_BlockConstraintCheckAuthoring)) return;
-  auto engine = getOrCreateEngine(diagram, EditTimeEvent::kNone);
-  if (!engine) return;
-  // Model parameter constraints come with the configuration; without them no parameter has any,
-  // and a parameter without constraints starts no pass.
-  (void)name;
+  if (auto engine = getOrCreateEngine(diagram, EditTimeEvent::kNone)) {
+    engine->modelParameterChanged(name);
+  }
 }
 
 bool EditTimeController::isTakingEdits(BKRootBD* diagram) const {

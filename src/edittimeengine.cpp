@@ -12,6 +12,7 @@
 #include "src/bkeditbd.h"
 #include "src/configuration/edittimecheckselector.h"
 #include "src/configuration/exclusionmanager.h"
+#include "src/constraints/blockparamconstraintdata.h"
 #include "src/editcodes.h"
 #include "src/edittimetaskmanager.h"
 #include "src/edittimetaskmanagerworkspace.h"
@@ -346,13 +347,42 @@ void EditTimeEngine::restartAuditorScan() { data->restartAuditorScan(auditorMode
 
 void EditTimeEngine::requeueMasks() { data->requeueMasks(); }
 
+std::shared_ptr<BlockParamConstraintData> EditTimeEngine::getConfiguration() const {
+  std::lock_guard<std::mutex> lock(configurationGuard);
+  return configuration;
+}
+
+void EditTimeEngine::setConfiguration(std::shared_ptr<BlockParamConstraintData> fresh) {
+  std::lock_guard<std::mutex> lock(configurationGuard);
+  configuration = std::move(fresh);
+}
+
+bool EditTimeEngine::modelParameterChanged(const std::string& name) {
+  const std::shared_ptr<BlockParamConstraintData> current = getConfiguration();
+  if (!current) return false;
+  const auto constraints = current->getModelParameterConstraints(name);
+  // The data store setting has its own road, through updateDiagnostic.
+  if (constraints.empty() || name == "UniqueDataStoreMsg") return false;
+  refreshVisibleGraphs();
+  refreshChangedModelParameterConstraints(diagram, constraints);
+  if (auditorModeOn(diagram)) restartAuditorScan();
+  algorithmTable.runEvent(EditTimeEvent::kViewChanged, hasVariants());
+  return true;
+}
+
 void EditTimeEngine::populateBlockParamConstraintData(const std::wstring& path) {
   algorithmTable.auditorChecksEnabled = true;
   // A file that does not parse throws here, through the caller, to the host language.
   EditTimeCheckSelector::loadCheckSelection(path);
   if (featureOn(BKFEAT_BlockConstraintCheckAuthoring)) {
-    // The constraint data of the configuration is built here once its reader exists.
     Profiler profiler("ENGINE", "populateBlockParamConstraintData");
+    // A configuration without its cell array throws the property tree's error to the caller.
+    auto fresh = std::make_shared<BlockParamConstraintData>(
+        EditTimeCheckSelector::getConfigurationTree());
+    setConfiguration(fresh);
+    refreshModelParameterConstraints(diagram, fresh->getAllModelParameterConstraints());
+    data->setParameterDataByBlockType(fresh->getAllBlockParameterConstraints());
+    algorithmTable.constraintCheckIds = fresh->getConstraintCheckIds();
   }
   exclusions->loadExclusions(diagram);
   restartAuditorScan();

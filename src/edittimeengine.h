@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,7 @@ class StudioApp;
 
 namespace bkedittimecheck {
 
+class BlockParamConstraintData;
 class bkEditBD;
 class EditTimeCheckSelector;
 class EditTimeStyling;
@@ -152,6 +154,14 @@ class EditTimeEngine : public Blockara::connections::Listener {
   bool getAuditorMode() const { return auditorMode; }
   /// Any thread. The selection of configurable checks; never changes after construction.
   const std::shared_ptr<EditTimeCheckSelector>& getCheckSelector() const { return checkSelector; }
+  /// Any thread. The constraint data of the configuration last loaded; null before.
+  std::shared_ptr<BlockParamConstraintData> getConfiguration() const;
+
+  /// Main thread. A model parameter changed: when the configuration has constraints on it (and
+  /// it is not the data store setting), reads their value again, restarts the rule-auditor scan
+  /// and runs the table with code 2. Returns whether it did.
+  bool modelParameterChanged(const std::string& name);
+
   /// Main thread. The diagram's exclusions.
   const std::shared_ptr<ExclusionManager>& getExclusions() const { return exclusions; }
 
@@ -164,6 +174,7 @@ class EditTimeEngine : public Blockara::connections::Listener {
   void restartAuditorScan();
   void requeueMasks();
   void populateBlockParamConstraintData(const std::wstring& path);
+  void setConfiguration(std::shared_ptr<BlockParamConstraintData> fresh);
   bool isExcluded(double handle, const EditTimeViolation& violation) const;
 
   using StudioConnection =
@@ -177,6 +188,9 @@ class EditTimeEngine : public Blockara::connections::Listener {
   std::wstring diagramName;
   std::shared_ptr<EditTimeCheckSelector> checkSelector;
   std::shared_ptr<ExclusionManager> exclusions;  // main
+  // Replaced on the main thread while the worker's items read it: guarded by configurationGuard.
+  std::shared_ptr<BlockParamConstraintData> configuration;
+  mutable std::mutex configurationGuard;
   bool editsOn = true;
   std::uint32_t id;
   std::shared_ptr<ViolationDatabase> violations;

@@ -4,6 +4,7 @@
 
 namespace bkedittimecheck {
 
+class BlockParamConstraintData;
 class bkEditBD;
 class EditTimeCheckSelector;
 class ViolationDatabase;
@@ -17,6 +18,8 @@ struct CheckContext {
   std::shared_ptr<bkEditBD> data;                   ///< the diagram's exchange record
   std::shared_ptr<ViolationDatabase> violations;    ///< the diagram's store
   std::shared_ptr<EditTimeCheckSelector> selector;  ///< the selection of configurable checks
+  /// The constraint data of the engine's configuration; null before it was first loaded.
+  std::shared_ptr<BlockParamConstraintData> configuration;
 };
 
 }  // namespace bkedittimecheck

@@ -30,7 +30,7 @@ void ThreadedDataAnalyzer::run(void* /*context*/) {
     return;
   }
   const CheckContext context{engine->getData(), engine->getViolations(),
-                             engine->getCheckSelector()};
+                             engine->getCheckSelector(), engine->getConfiguration()};
   if (!context.data) {
     try {
       requestStyling(nullptr);
