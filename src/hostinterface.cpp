@@ -74,7 +74,7 @@ bool isChartBasedSubsystem(const BKBlock* block) {
 
 bool isBlockaraStatePort(const BKBlock* block) {
   const int code = block->getTypeCode();
-  if (code != 66 && code != 88) return false;
+  if (code != BlockKind::kInport && code != BlockKind::kOutport) return false;
   bkGraph* graph = BKGlue::getBlockGraph(block);
   return graph && graph->getOwner() && isChartBasedSubsystem(graph->getOwner());
 }

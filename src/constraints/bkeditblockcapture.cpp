@@ -9,19 +9,14 @@ namespace bkedittimecheck {
 
 namespace {
 
+// The host's dialog parameter type codes whose value is read as text.
+constexpr int kTextParameterTypes[] = {1, 2, 5, 6, 11, 12, 14};
+
 bool readsAsText(int typeCode) {
-  switch (typeCode) {
-    case 1:
-    case 2:
-    case 5:
-    case 6:
-    case 11:
-    case 12:
-    case 14:
-      return true;
-    default:
-      return false;
+  for (int code : kTextParameterTypes) {
+    if (code == typeCode) return true;
   }
+  return false;
 }
 
 }  // namespace
