@@ -71,6 +71,16 @@ d:workspaceChanged()
 blockara.idle()
 show("after defining Kp_tuned in the workspace", d)
 
+-- A configuration with a data-driven rule instead of the default checks: every Gain must
+-- saturate on integer overflow. Then one gain is fixed.
+bkedittimecheck.EditTimeController.getInstance():switchConfiguration(here .. "/constraints.xml",
+                                                                     d.name)
+blockara.idle()
+show("under a configuration whose one rule asks every Gain to saturate on overflow", d)
+d:set("Plant/Controller/Kp", { SaturateOnIntegerOverflow = "on" })
+blockara.idle()
+show("after making Kp saturate", d)
+
 blockara.report(d, "html", out .. "/report.html")
 blockara.report(d, "sarif", out .. "/findings.sarif")
 print("report: " .. out .. "/report.html")
