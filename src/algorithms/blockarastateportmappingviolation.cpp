@@ -19,7 +19,11 @@ bool BlockaraStatePortMappingViolation::evaluate(bkEditBD& data, ViolationDataba
   if (!featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) return false;
   std::map<double, std::shared_ptr<bkEditBlock>> blocks = data.blockMap();
   const bool hadBlocks = !blocks.empty();
-  for (const auto& [handle, port] : blocks) {
+  for (const auto& entry : blocks) {
+    // Plain names rather than a structured binding, which the lambda below could not capture
+    // under every compiler the project's tools use.
+    const double handle = entry.first;
+    const std::shared_ptr<bkEditBlock>& port = entry.second;
     const BlockaraStatePortInfo* info = port ? port->getChartInputData() : nullptr;
     if (!info) continue;
     // An absent state gets a null entry in the copy and counts as no subsystem: a state deleted
