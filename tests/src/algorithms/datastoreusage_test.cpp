@@ -1,5 +1,6 @@
-// Duplicate data store memory blocks under the three settings of "UniqueDataStoreMsg", the
-// commented block that counts without being reported, and a severity that skips detection.
+// Duplicate data store memory blocks in one system (across systems the scenario
+// interactive_datastore shows each setting), the commented block that counts without being
+// reported, and a severity that skips detection.
 #include "src/algorithms/datastoreusage.h"
 
 #include "tests/src/algorithms/checkbench.h"
@@ -18,8 +19,6 @@ class DataStoreUsageTest : public CheckBench {
 TEST_F(DataStoreUsageTest, DuplicatesUnderEachSetting) {
   const Lines oneSystem{"a DataStoreMemory DataStoreName=A", "b DataStoreMemory DataStoreName=A",
                         "c DataStoreMemory DataStoreName=C"};
-  const Lines twoSystems{"s SubSystem", "a DataStoreMemory DataStoreName=A",
-                         "s/b DataStoreMemory DataStoreName=A"};
   struct Case {
     std::string what;
     Lines blocks;
@@ -39,17 +38,6 @@ TEST_F(DataStoreUsageTest, DuplicatesUnderEachSetting) {
         "a|DuplicateDataStoreMemoryBlocksSameGraph|1",
         "b|DuplicateDataStoreMemoryBlocksDiagnostic|1",
         "b|DuplicateDataStoreMemoryBlocksSameGraph|1"}},
-      {"two systems, none", twoSystems, 0, {}},
-      {"two systems, warning",
-       twoSystems,
-       1,
-       {"a|DuplicateDataStoreMemoryBlocksDiagnostic|0",
-        "s/b|DuplicateDataStoreMemoryBlocksDiagnostic|0"}},
-      {"two systems, error",
-       twoSystems,
-       2,
-       {"a|DuplicateDataStoreMemoryBlocksDiagnostic|1",
-        "s/b|DuplicateDataStoreMemoryBlocksDiagnostic|1"}},
       {"the first of three commented: it counts but is not reported",
        {"a DataStoreMemory DataStoreName=A commented=1", "b DataStoreMemory DataStoreName=A",
         "c DataStoreMemory DataStoreName=A"},

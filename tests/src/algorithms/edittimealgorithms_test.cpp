@@ -35,7 +35,6 @@ TEST(EditTimeAlgorithmsTest, ScopeParametersAndTheirDefaults) {
   } cases[] = {
       {"", 0, 2},
       {parameter("Follow links", "<Value>off</Value>"), 1, 2},
-      {parameter("Follow links", "<Value></Value>"), 1, 2},
       {parameter("Follow links", "<Value>on </Value>"), 1, 2},  // text is not trimmed
       {parameter("Look under masks", "<Value>all</Value>"), 0, 0},
       {parameter("Look under masks", "<Value>functional</Value>"), 0, 3},

@@ -22,9 +22,6 @@ TEST_F(GoToFromTest, MismatchesUnderEachVisibility) {
     Lines expected;
   };
   const std::vector<Case> cases{
-      {"a From without Goto, a Goto without From",
-       {"f From GotoTag=A", "g Goto GotoTag=B"},
-       {"f|NoMatchingGoTO|0", "g|NoMatchingFrom|0"}},
       {"a local pair in one system", {"g Goto GotoTag=A", "f From GotoTag=A"}, {}},
       {"a local Goto does not reach below, whatever visibility block stands there",
        {"s SubSystem", "g Goto GotoTag=A", "v GotoTagVisibility GotoTag=A", "s/f From GotoTag=A"},
@@ -44,10 +41,6 @@ TEST_F(GoToFromTest, MismatchesUnderEachVisibility) {
        {"s SubSystem", "t SubSystem", "s/g Goto GotoTag=A TagVisibility=scoped",
         "s/f From GotoTag=A", "t/v GotoTagVisibility GotoTag=A"},
        {"s/f|NoMatchingGoTO|0", "s/g|NoMatchingFrom|0"}},
-      {"global Gotos of one tag compete anywhere and reach everywhere",
-       {"s SubSystem", "g Goto GotoTag=A TagVisibility=global",
-        "s/h Goto GotoTag=A TagVisibility=global", "s/f From GotoTag=A"},
-       {"g|DuplicateGoTo|1", "s/h|DuplicateGoTo|1"}},
       {"local Gotos in different systems, each with its From",
        {"s SubSystem", "g Goto GotoTag=A", "f From GotoTag=A", "s/h Goto GotoTag=A",
         "s/e From GotoTag=A"},

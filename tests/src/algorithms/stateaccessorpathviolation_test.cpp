@@ -1,5 +1,6 @@
-// Where a state reader or writer stands against its owner: one system, the owner below, iterator
-// systems above either, owners given relative to the accessor, and the plain substring test.
+// Where a state reader or writer stands against its owner, beyond the scenario
+// interactive_stateaccessor: iterator systems above either, owners given relative to the
+// accessor, and the plain substring test.
 #include "src/algorithms/stateaccessorpathviolation.h"
 
 #include "tests/src/algorithms/checkbench.h"
@@ -26,17 +27,6 @@ TEST_F(StateAccessorTest, PlacementAgainstTheOwner) {
     return more;
   };
   const std::vector<Case> cases{
-      {"both in the root system",
-       {"u UnitDelay", "r StateReader StateOwnerBlock=m/u"},
-       {"r|StateAccessorAndStateOwnerInSameSystem|1"}},
-      {"no owner", {"r StateReader"}, {}},
-      {"the owner below the accessor's system",
-       {"a SubSystem", "a/b SubSystem", "a/b/u UnitDelay",
-        "a/r StateReader StateOwnerBlock=m/a/b/u"},
-       {"a/r|StateOwnerInsideStateAccessorSystem|1"}},
-      {"the accessor below the owner's system",
-       {"a SubSystem", "a/b SubSystem", "a/u UnitDelay", "a/b/r StateWriter StateOwnerBlock=m/a/u"},
-       {}},
       {"a plain substring: 'm/a' inside 'm/ab/c' counts as below",
        {"a SubSystem", "ab SubSystem", "ab/c SubSystem", "ab/c/u UnitDelay",
         "a/r StateReader StateOwnerBlock=m/ab/c/u"},
@@ -49,9 +39,6 @@ TEST_F(StateAccessorTest, PlacementAgainstTheOwner) {
        {"a SubSystem", "a/b SubSystem", "a/b/u UnitDelay",
         "a/b/r StateReader StateOwnerBlock=../b/u"},
        {"a/b/r|StateAccessorAndStateOwnerInSameSystem|1"}},
-      {"the accessor under an iterator, the owner outside",
-       with({"u UnitDelay", "it/r StateReader StateOwnerBlock=m/u"}),
-       {"it/r|StateAccessorInImplicitIterator|1"}},
       {"both under one iterator",
        with({"it/u UnitDelay", "it/r StateReader StateOwnerBlock=m/it/u"}),
        {"it/r|StateAccessorAndStateOwnerInSameSystem|1"}},
