@@ -128,26 +128,17 @@ TEST(BlockParamConstraintData, OrderOfTheConfiguration) {
 }
 
 TEST(BlockParamConstraintData, DuplicateUnknownAndDefaultedElements) {
-  auto check = readOne(
-      "<!-- a comment among the constraints -->"
-      "<PositiveBlockParameterConstraint "
-      "BlockType=\"Gain\"><parameter>Gain</parameter></PositiveBlockParameterConstraint>"
-      "<NegativeBlockParameterConstraint "
-      "BlockType=\"Gain\"><parameter>Other</parameter></NegativeBlockParameterConstraint>"
-      "<PositiveBlockParameterConstraint id=\"d\" BlockType=\"Gain\"><parameter>First</parameter>"
-      "  "
-      "<operator/><dependson>nowhere</dependson><dependson>x</dependson></"
-      "PositiveBlockParameterConstraint>"
-      "<NegativeBlockParameterConstraint id=\"d\" "
-      "BlockType=\"Sum\"><parameter>Second</parameter></NegativeBlockParameterConstraint>"
-      "<NegativeModelParameterConstraint "
-      "id=\"x\"><parameter>SolverType</parameter><value>fast</value></"
-      "NegativeModelParameterConstraint>"
-      "<NegativeBlockTypeConstraint id=\"t\"><BlockType/><BlockType "
-      "MaskType=\"M\">Gain</BlockType></NegativeBlockTypeConstraint>"
-      "<Unknown id=\"u\"/>"
-      "<CompositeConstraint><ID>t</ID><ID>t</ID><ID>missing</ID><operator/></CompositeConstraint>"
-      "<CompositeConstraint><ID>d</ID></CompositeConstraint>");
+  auto check = readOne(R"(<!-- a comment among the constraints -->
+    <PositiveBlockParameterConstraint BlockType="Gain"><parameter>Gain</parameter></PositiveBlockParameterConstraint>
+    <NegativeBlockParameterConstraint BlockType="Gain"><parameter>Other</parameter></NegativeBlockParameterConstraint>
+    <PositiveBlockParameterConstraint id="d" BlockType="Gain"><parameter>First</parameter>
+      <operator/><dependson>nowhere</dependson><dependson>x</dependson></PositiveBlockParameterConstraint>
+    <NegativeBlockParameterConstraint id="d" BlockType="Sum"><parameter>Second</parameter></NegativeBlockParameterConstraint>
+    <NegativeModelParameterConstraint id="x"><parameter>SolverType</parameter><value>fast</value></NegativeModelParameterConstraint>
+    <NegativeBlockTypeConstraint id="t"><BlockType/><BlockType MaskType="M">Gain</BlockType></NegativeBlockTypeConstraint>
+    <Unknown id="u"/>
+    <CompositeConstraint><ID>t</ID><ID>t</ID><ID>missing</ID><operator/></CompositeConstraint>
+    <CompositeConstraint><ID>d</ID></CompositeConstraint>)");
   ASSERT_TRUE(check);
   const auto& byId = check->getConstraintsById();
   EXPECT_EQ(byId.size(), 4u) << "'', 'd', 'x', 't'";
@@ -172,18 +163,13 @@ TEST(BlockParamConstraintData, DuplicateUnknownAndDefaultedElements) {
 }
 
 TEST(BlockParamConstraintData, ValueFormsFollowTheDataTypeKnownAtThatMoment) {
-  auto check = readOne(
-      "<PositiveBlockParameterConstraint id=\"s\" BlockType=\"SubSystem\">"
-      "  <parameter type=\"struct\">StateData</parameter>"
-      "  <value><name>x</name><scope>Local</scope></value></PositiveBlockParameterConstraint>"
-      "<PositiveBlockParameterConstraint id=\"a\" BlockType=\"Sum\">"
-      "  <parameter type=\"array\">Inputs</parameter>"
-      "  "
-      "<value><element>a</element><skip>b</skip><element>c</element></value></"
-      "PositiveBlockParameterConstraint>"
-      "<PositiveBlockParameterConstraint id=\"late\" BlockType=\"Gain\">"
-      "  <value>early</value><parameter "
-      "type=\"struct\">Gain</parameter></PositiveBlockParameterConstraint>");
+  auto check = readOne(R"(
+    <PositiveBlockParameterConstraint id="s" BlockType="SubSystem"><parameter type="struct">StateData</parameter>
+      <value><name>x</name><scope>Local</scope></value></PositiveBlockParameterConstraint>
+    <PositiveBlockParameterConstraint id="a" BlockType="Sum"><parameter type="array">Inputs</parameter>
+      <value><element>a</element><skip>b</skip><element>c</element></value></PositiveBlockParameterConstraint>
+    <PositiveBlockParameterConstraint id="late" BlockType="Gain">
+      <value>early</value><parameter type="struct">Gain</parameter></PositiveBlockParameterConstraint>)");
   ASSERT_TRUE(check);
   const auto& byId = check->getConstraintsById();
   auto s = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at("s"));
@@ -202,17 +188,17 @@ class CheckDataTest : public ConstraintFixture {};
 // Whole checks over host blocks: which constraints concern a block, composites in file order.
 // A range behind a model setting that holds or not is the scenario constraints_modelparam's.
 TEST_F(CheckDataTest, VerdictsOfWholeChecks) {
-  const std::string gainRule =
-      "<PositiveBlockParameterConstraint id=\"g\" BlockType=\"Gain\"><parameter "
-      "type=\"double\">Gain"
-      "</parameter><operator>range</operator><value>0</value><value>10</value>"
-      "<dependson>m</dependson></PositiveBlockParameterConstraint>"
-      "<PositiveModelParameterConstraint "
-      "id=\"m\"><parameter>SolverType</parameter><value>fixed</value>"
-      "</PositiveModelParameterConstraint>";
-  const std::string onlyGainAndConstant =
-      "<PositiveBlockTypeConstraint id=\"t\"><BlockType>Gain</BlockType>"
-      "<BlockType>Constant</BlockType></PositiveBlockTypeConstraint>";
+  const std::string gainRule = R"(
+    <PositiveBlockParameterConstraint id="g" BlockType="Gain"><parameter type="double">Gain</parameter>
+      <operator>range</operator><value>0</value><value>10</value><dependson>m</dependson>
+    </PositiveBlockParameterConstraint>
+    <PositiveModelParameterConstraint id="m"><parameter>SolverType</parameter><value>fixed</value>
+    </PositiveModelParameterConstraint>)";
+  const std::string onlyGainAndConstant = R"(<PositiveBlockTypeConstraint id="t">
+    <BlockType>Gain</BlockType><BlockType>Constant</BlockType></PositiveBlockTypeConstraint>)";
+  const auto andOf = [](const std::string& id) {
+    return "<CompositeConstraint><ID>" + id + "</ID><operator>and</operator></CompositeConstraint>";
+  };
   struct Case {
     const char* what;
     std::string blockConstraints;
@@ -223,18 +209,15 @@ TEST_F(CheckDataTest, VerdictsOfWholeChecks) {
   };
   const Case cases[] = {
       {"a model constraint named directly is skipped",
-       gainRule + "<CompositeConstraint><ID>m</ID><operator>and</operator></CompositeConstraint>",
+       gainRule + andOf("m"),
        "variable",
        {true, true, true, true}},
       {"a block type constraint concerns every block",
-       onlyGainAndConstant +
-           "<CompositeConstraint><ID>t</ID><operator>and</operator></CompositeConstraint>",
+       onlyGainAndConstant + andOf("t"),
        "fixed",
        {true, true, true, false}},
       {"two composites: a block must pass both",
-       gainRule + onlyGainAndConstant +
-           "<CompositeConstraint><ID>t</ID><operator>and</operator></CompositeConstraint>"
-           "<CompositeConstraint><ID>g</ID><operator>and</operator></CompositeConstraint>",
+       gainRule + onlyGainAndConstant + andOf("t") + andOf("g"),
        "fixed",
        {true, false, true, false}},
       {"constraints without composite", gainRule, "fixed", {true, true, true, true}, false},
