@@ -63,17 +63,11 @@ TEST_F(ProtocolTest, FailedPrerequisiteSkipsTheRestAndPasses) {
   for (const Case& c : cases) {
     auto p1 = yesRule("p1", c.p1);
     auto p2 = yesRule("p2", c.p2);
-    std::shared_ptr<Constraint> dependent;
-    std::function<int()> dependentCalls;
-    if (c.negativeDependent) {
-      auto d = yesRule<CountingNegative>("d", c.dependentValue);
-      dependentCalls = [d] { return d->calls; };
-      dependent = d;
-    } else {
-      auto d = yesRule("d", c.dependentValue);
-      dependentCalls = [d] { return d->calls; };
-      dependent = d;
-    }
+    auto negative = yesRule<CountingNegative>("d", c.dependentValue);
+    auto positive = yesRule("d", c.dependentValue);
+    std::shared_ptr<Constraint> dependent = positive;
+    if (c.negativeDependent) dependent = negative;
+    const auto dependentCalls = [&] { return negative->calls + positive->calls; };
     dependent->setStatus(true);
     dependent->addPreRequisiteConstraint(p1);
     dependent->addPreRequisiteConstraint(p2);
