@@ -139,8 +139,7 @@ void storeResult(CallFrame& frame, const TypeSpec& type, Call&& call) {
   if constexpr (std::is_void_v<R>) {
     call();
   } else {
-    nxArray out = toArray<R>(call(), type);
-    frame.plhs.assign(1, std::move(out));
+    frame.plhs.assign(1, toArray<R>(call(), type));
     if (frame.nlhs == 0) frame.nlhs = 1;
   }
 }

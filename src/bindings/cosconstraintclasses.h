@@ -27,8 +27,6 @@ inline constexpr const char* kPositiveModelParameterConstraintClass =
 inline constexpr const char* kNegativeModelParameterConstraintClass =
     "Auditor.authoring.internal.NegativeModelParameterConstraint";
 
-// A class name cannot stand in parentheses.
-// NOLINTBEGIN(bugprone-macro-parentheses)
 #define BKETC_CONSTRAINT_CLASS_INFO(NAME)                   \
   class NAME : public ncos::factory::NcosFactoryClassInfo { \
    public:                                                  \
@@ -37,7 +35,6 @@ inline constexpr const char* kNegativeModelParameterConstraintClass =
    protected:                                               \
     void populate() override;                               \
   }
-// NOLINTEND(bugprone-macro-parentheses)
 
 /// "Auditor.authoring.internal.Constraint": abstract; flags, ID, prerequisites.
 BKETC_CONSTRAINT_CLASS_INFO(CosConstraint);

@@ -64,7 +64,8 @@ class bkEditBlock {
   /// other data type not at all. A parameter the block lacks stores nothing. A later read of the
   /// same name replaces an earlier one. Host exceptions pass to the caller.
   void captureConstraintParameters(
-      const BKBlock* block, std::vector<std::shared_ptr<BlockParameterConstraint>> constraints);
+      const BKBlock* block,
+      const std::vector<std::shared_ptr<BlockParameterConstraint>>& constraints);
 
   /// Worker. `Setup` updates the path after a rename of a subsystem above the block.
   void setFullPath(std::wstring path) { fullPath = std::move(path); }

@@ -22,7 +22,8 @@ bool readsAsText(int typeCode) {
 }  // namespace
 
 void bkEditBlock::captureConstraintParameters(
-    const BKBlock* block, std::vector<std::shared_ptr<BlockParameterConstraint>> constraints) {
+    const BKBlock* block,
+    const std::vector<std::shared_ptr<BlockParameterConstraint>>& constraints) {
   for (const auto& constraint : constraints) {
     const std::string name = constraint->getParameterName();
     const std::string dataType = constraint->getParameterDataType();

@@ -48,7 +48,9 @@ TEST_F(ParameterValuesTest, CaptureByTypeCodeAndDataType) {
     const auto values = snap->getCapturedParameterValues();
     auto found = values.find(c.constraint->getParameterName());
     ASSERT_EQ(found != values.end(), c.captured) << c.what;
-    if (c.captured) EXPECT_EQ(found->second, c.value) << c.what;
+    if (c.captured) {
+      EXPECT_EQ(found->second, c.value) << c.what;
+    }
   }
   EXPECT_TRUE(snapshot(subsystem)->getCapturedParameterValues().empty())
       << "a block whose type no constraint names captures nothing";
