@@ -155,7 +155,7 @@ void BM_WorkerPassAllBlocks(benchmark::State& state) {
   table.setEventObserver({});
   Road::settle();
   const CheckContext context{engine->getData(), engine->getViolations(),
-                             engine->getCheckSelector()};
+                             engine->getCheckSelector(), engine->getConfiguration()};
   for (auto _ : state) {
     bkEditBDProbe(data).blocks() = snapshot;
     for (const auto& check : checks) check->runCheck(context);
