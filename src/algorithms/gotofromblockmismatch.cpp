@@ -214,7 +214,8 @@ GoToFromBlockMismatch::GoToFromBlockMismatch(std::wstring diagramName, std::uint
 bool GoToFromBlockMismatch::evaluate(bkEditBD& data, ViolationDatabase& database) {
   // Past the limit the check is off for the diagram rather than slow; old findings stay.
   if (data.hasTooManyRoutingBlocks()) return true;
-  const std::map<double, Block> blocks = data.blockMap();
+  // The map itself: checks and folds run one after the other on the worker.
+  const std::map<double, Block>& blocks = data.blockMap();
   Pairing pairing(checkId, blocks);
   if (severity == Severity::kWarning || severity == Severity::kBoth) pairing.pairingGroup();
   if (severity == Severity::kError || severity == Severity::kBoth) pairing.gotoGroup();
