@@ -33,7 +33,11 @@ StateAccessorPathViolation::StateAccessorPathViolation(std::wstring diagramName,
 bool StateAccessorPathViolation::evaluate(bkEditBD& data, ViolationDatabase& database) {
   const std::map<double, std::shared_ptr<bkEditBlock>> blocks = data.blockMap();
   bool clean = true;
-  for (const auto& [handle, block] : blocks) {
+  for (const auto& entry : blocks) {
+    // Plain names: the lambdas below capture them, which a structured binding does not allow
+    // under every compiler the project's tools use.
+    const double handle = entry.first;
+    const auto& block = entry.second;
     if (!block || !BlockKind::isStateAccessor(block->getBlockKind())) continue;
     const auto record = [&](const char* type) {
       auto r = std::make_shared<EditTimeViolation>(checkId, type, severity, handle);
