@@ -91,6 +91,12 @@ void BlockConstraintCheckData::resolveCompositeChildren() {
   }
 }
 
+BlockConstraintCheckData::~BlockConstraintCheckData() {
+  for (const auto& entry : constraintsById) {
+    if (entry.second) entry.second->setPreRequisiteConstraints({});
+  }
+}
+
 bool BlockConstraintCheckData::checkBlock(std::shared_ptr<bkEditBlock> block) {
   const std::string blockType = toNarrow(block->getBlockType());
   std::set<std::string> ids;

@@ -32,6 +32,9 @@ class BlockConstraintCheckData {
   explicit BlockConstraintCheckData(const boost::property_tree::ptree& inputParameters);
   BlockConstraintCheckData(const BlockConstraintCheckData&) = delete;
   BlockConstraintCheckData& operator=(const BlockConstraintCheckData&) = delete;
+  /// Unlinks the prerequisites: a file may make constraints depend on each other in a circle,
+  /// which shared ownership alone would never free.
+  ~BlockConstraintCheckData();
 
   /// True when the data gave at least one composite; a check without one does nothing.
   bool hasCompositeConstraints() const { return !compositeConstraints.empty(); }
