@@ -5,7 +5,8 @@
 # not scan; queues still alive at exit would look leaked without this suppression.
 set(BKETC_TEST_ENVIRONMENT "")
 if(BKETC_SANITIZE STREQUAL "address")
-  set(BKETC_TEST_ENVIRONMENT "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/sanitizers/lsan.supp")
+  set(BKETC_TEST_ENVIRONMENT
+      "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/sanitizers/lsan.supp:print_suppressions=0")
 endif()
 
 function(bketc_add_test name)
