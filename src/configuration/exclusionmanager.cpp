@@ -49,68 +49,12 @@ TemporaryCopies& temporaryCopies() {
   return copies;
 }
 
-std::size_t lineAt(const std::string& text, std::size_t offset) {
-  const auto end = text.begin() + static_cast<std::string::difference_type>(offset);
-  return 1 + static_cast<std::size_t>(std::count(text.begin(), end, '\n'));
-}
-
-// The reader parses recursively, one stack frame per element level: a file nested deep enough
-// would exhaust the main thread's stack. This scan counts element depth without recursion and
-// refuses such a file before it reaches the reader. Malformed markup is left for the reader.
-void refuseDeepNesting(const std::string& text, const std::string& file) {
-  int depth = 0;
-  std::size_t i = 0;
-  const auto skipPast = [&](const char* end) {
-    const std::size_t at = text.find(end, i);
-    i = at == std::string::npos ? text.size() : at + std::char_traits<char>::length(end);
-  };
-  while ((i = text.find('<', i)) != std::string::npos) {
-    const std::size_t start = i;
-    if (text.compare(i, 4, "<!--") == 0) {
-      skipPast("-->");
-    } else if (text.compare(i, 9, "<![CDATA[") == 0) {
-      skipPast("]]>");
-    } else if (text.compare(i, 2, "<?") == 0) {
-      skipPast("?>");
-    } else if (text.compare(i, 2, "<!") == 0 || text.compare(i, 2, "</") == 0) {
-      if (text[i + 1] == '/') --depth;
-      skipPast(">");
-    } else {
-      char quote = 0;
-      std::size_t j = i + 1;
-      for (; j < text.size(); ++j) {
-        const char c = text[j];
-        if (quote) {
-          if (c == quote) quote = 0;
-        } else if (c == '"' || c == '\'') {
-          quote = c;
-        } else if (c == '>') {
-          break;
-        }
-      }
-      const bool selfClosing = j < text.size() && text[j - 1] == '/';
-      if (!selfClosing && ++depth > ExclusionManager::maxNesting) {
-        throw pt::xml_parser_error(
-            "elements nest deeper than " + std::to_string(ExclusionManager::maxNesting) + " levels",
-            file, lineAt(text, start));
-      }
-      i = j + 1;
-    }
-  }
-}
-
 pt::ptree readExclusionsTree(const std::wstring& path) {
-  const std::filesystem::path file(path);
-  const std::string name = file.string();
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(file, error)) {
-    throw pt::xml_parser_error("cannot open file: no such regular file", name, 0);
-  }
-  std::ifstream in(file, std::ios::binary);
-  std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (!in.good() && !in.eof()) throw pt::xml_parser_error("cannot read file", name, 0);
-  refuseDeepNesting(text, name);
-  return blockara::xml::readString(text, name, pt::xml_parser::no_comments);
+  // The shared reader refuses a file nested deeper than this reader's own, lower limit before
+  // the recursive parser sees it.
+  blockara::xml::Limits limits = blockara::xml::limits();
+  limits.maxDepth = std::min(limits.maxDepth, ExclusionManager::maxNesting);
+  return blockara::xml::readFile(std::filesystem::path(path), pt::xml_parser::no_comments, limits);
 }
 
 std::wstring attribute(const pt::ptree& attributes, const char* name, const std::wstring& old) {
