@@ -1,0 +1,27 @@
+// Runs a name rule's pattern over a block name as the name checks do. The input is the pattern,
+// a zero byte, then the name. Any pair must either answer or throw the regex library's errors
+// (a malformed pattern, or a search too complex for its bound), never crash or hang.
+#include <boost/regex.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+#include "src/algorithms/namecheck.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string input(reinterpret_cast<const char*>(data), size);
+  const std::size_t split = input.find('\0');
+  const std::string name = split == std::string::npos ? std::string() : input.substr(split + 1);
+  try {
+    const boost::regex expression(input.substr(0, split));
+    const bool whole = bkedittimecheck::NameCheck::searchWhole(expression, name);
+    const bool byLines = bkedittimecheck::NameCheck::searchByLines(expression, name);
+    // A name of one line without zero bytes is one piece for both searches.
+    if (name.find_first_of(std::string("\n\r\0", 3)) == std::string::npos && whole != byLines) {
+      __builtin_trap();
+    }
+  } catch (const std::runtime_error&) {  // boost::regex_error and the complexity error
+  }
+  return 0;
+}
