@@ -1,6 +1,7 @@
-# bketc_add_test(NAME SOURCES src... LIBS lib...)
+# bketc_add_test(NAME [OWN_MAIN] SOURCES src... LIBS lib...)
 # One test program per area; every test runs in a process of its own because the engine and the
-# host keep process-wide singletons.
+# host keep process-wide singletons. OWN_MAIN: the sources bring their own main (to read
+# arguments of their own), so GoogleTest's is not linked.
 # TBB keeps each concurrent queue's page list in its own memory pools, which LeakSanitizer does
 # not scan; queues still alive at exit would look leaked without this suppression.
 set(BKETC_TEST_ENVIRONMENT "")
@@ -10,9 +11,13 @@ if(BKETC_SANITIZE STREQUAL "address")
 endif()
 
 function(bketc_add_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "OWN_MAIN" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock GTest::gtest_main bketc::options)
+  set(main GTest::gtest_main)
+  if(ARG_OWN_MAIN)
+    set(main GTest::gtest)
+  endif()
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock ${main} bketc::options)
   target_compile_definitions(${name} PRIVATE BKETC_RESOURCE_DIR="${BKETC_RESOURCE_DIR}"
                              BKETC_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST

@@ -78,7 +78,7 @@ BlockNoted bkEditBD::noteDeletedBlock(double handle, BKBlock* block) {
   BlockNoted noted;
   if (!block) {
     handleToSubsystem.erase(handle);
-    deletedHandles.push(handle);
+    queueDeletion(handle);
     noted.deleted = true;
     return noted;
   }
@@ -98,10 +98,13 @@ BlockNoted bkEditBD::noteDeletedBlock(double handle, BKBlock* block) {
     }
     handleToSubsystem.erase(handle);
   }
-  if (block->isCommented()) {
+  if (block->isCommented() && code != BlockKind::kSubSystem) {
     noted.commented = true;
   } else {
-    deletedHandles.push(handle);
+    // A commented subsystem leaves the commented set with its deletion: noted as commented
+    // again, it would comment whatever later stands at its path.
+    if (block->isCommented()) noteCommentedSubsystem(block, false);
+    queueDeletion(handle);
     noted.deleted = true;
   }
   return noted;
@@ -109,26 +112,41 @@ BlockNoted bkEditBD::noteDeletedBlock(double handle, BKBlock* block) {
 
 BlockNoted bkEditBD::noteRenamedBlock(BKBlock* block) {
   BlockNoted noted;
-  if (isEventListenerBlock(block)) compactSubsysProperties();
+  // A listener's record names its system by path: a listener moved, or a subsystem above it
+  // renamed, must name the system it stands in now.
+  if (isEventListenerBlock(block) || block->getTypeCode() == BlockKind::kSubSystem) {
+    compactSubsysProperties();
+  }
   if (block->getTypeCode() == BlockKind::kSubSystem) {
     noteSubsystemRename(block);
     noted.variantSubsystem = isVariantSubsystem(block);
   }
   if (block->isCommented()) {
     noted.commented = true;
-  } else {
-    noteBlock(block, EditTimeEvent::kNone);
+  } else if (!noteBlock(block, EditTimeEvent::kNone) &&
+             BlockKind::isKeptAcrossPasses(block->getTypeCode())) {
+    // Moved where it is no longer taken (into a chart): its last snapshot would otherwise stay
+    // in the block map for good, under its old path.
+    queueDeletion(block->getHandle());
+    noted.deleted = true;
   }
   return noted;
 }
 
 bool bkEditBD::noteCommentChange(BKBlock* block) {
   const int code = block->getTypeCode();
+  const bool listener = isEventListenerBlock(block);
+  if (listener) {
+    // A commented listener makes its system iterate no more, as the whole-diagram walk, which
+    // passes commented blocks over, would find.
+    dropEventListener(block->getHandle());
+    if (!block->isCommented()) noteEventListener(block);
+  }
   if (!block->isCommented()) {
     if (code == BlockKind::kSubSystem) noteCommentedSubsystem(block, false);
   } else if (code == BlockKind::kSubSystem) {
     noteCommentedSubsystem(block, true);
-  } else if (!BlockKind::isDataStoreOrRouting(code)) {
+  } else if (!listener && !BlockKind::isDataStoreOrRouting(code)) {
     return false;
   }
   noteBlock(block, EditTimeEvent::kNone);
@@ -156,7 +174,7 @@ bool bkEditBD::isRoutingBlock(BKBlock* block) {
 
 bool bkEditBD::noteBlock(BKBlock* block, int kind) {
   if (isRoutingBlock(block)) {
-    changedBlocks.push(std::make_shared<bkEditBlock>(block, auditorMode));
+    queueSnapshot(std::make_shared<bkEditBlock>(block, auditorMode));
     return true;
   }
   // An added block that nothing else needs waits for its graph to be scanned.
@@ -180,7 +198,7 @@ bool bkEditBD::noteBlock(BKBlock* block, int kind) {
       snapshot->captureConstraintParameters(block, found->second);
     }
   }
-  changedBlocks.push(std::move(snapshot));
+  queueSnapshot(std::move(snapshot));
   return true;
 }
 
@@ -201,6 +219,7 @@ void bkEditBD::noteSubsystemRename(BKBlock* block) {
     return;
   }
   subsysNameChanges.push(SubsysNameChange{it->second, path});
+  ++renamesQueued;
   it->second = path;
 }
 
@@ -233,7 +252,9 @@ void bkEditBD::compactSubsysProperties() {
   SubsysProperties record;
   while (subsysProperties.try_pop(record)) {
     BKBlock* block = handle2Block(record.handle);
-    if (block && isEventListenerBlock(block)) kept.push_back(std::move(record));
+    if (!block || !isEventListenerBlock(block) || block->isCommented()) continue;
+    record.path = pathOf(block);
+    kept.push_back(std::move(record));
   }
   for (auto& r : kept) subsysProperties.push(std::move(r));
 }
@@ -263,7 +284,7 @@ void bkEditBD::scanDiagramOnce(bkGraph* root) {
     if (code == BlockKind::kSubSystem) noteSubsystemRename(block);
     if (!block->isCommented()) {
       if (isRoutingBlock(block)) {
-        changedBlocks.push(std::make_shared<bkEditBlock>(block, auditorMode));
+        queueSnapshot(std::make_shared<bkEditBlock>(block, auditorMode));
       }
       if (isEventListenerBlock(block)) noteEventListener(block);
     } else if (code == BlockKind::kSubSystem) {
@@ -315,7 +336,7 @@ void bkEditBD::scanNextVisibleGraph() {
   if (!isUsableGraph(graph) || isOwnerTaken(graph, visiblePathsDone)) return;
   // A graph on view gets every block checked; the snapshot carries the comment state.
   for (BKBlock* block : bkgg::graphicalBlocksOf(graph, 1)) {
-    changedBlocks.push(std::make_shared<bkEditBlock>(block, auditorMode));
+    queueSnapshot(std::make_shared<bkEditBlock>(block, auditorMode));
   }
 }
 
@@ -351,12 +372,23 @@ bool bkEditBD::isOutsideScope(const bkEditBlock& block, std::int32_t skipLinkedB
   return skipLinkedBlocks == 1 && block.getIsLinked();
 }
 
+void bkEditBD::queueDeletion(double handle) {
+  deletedHandles.push(handle);
+  ++deletionsQueued;
+}
+
+void bkEditBD::queueSnapshot(std::shared_ptr<bkEditBlock> snapshot) {
+  snapshot->setQueuedAfter(deletionsQueued, renamesQueued);
+  changedBlocks.push(std::move(snapshot));
+}
+
 void bkEditBD::processDeletions(ViolationDatabase* violations) {
   if (!violations) return;  // the queue stays as it is
   double handle = 0;
   while (deletedHandles.try_pop(handle)) {
     blocks.erase(handle);
     violations->removeAll(handle);
+    deletedAt[handle] = ++deletionsTaken;
   }
 }
 
@@ -391,9 +423,13 @@ void bkEditBD::processChanges(ViolationDatabase* violations) {
     }
   }
 
+  std::vector<SubsysNameChange> renames;  // this drain's, in order
   SubsysNameChange nameChange;
-  while (subsysNameChanges.try_pop(nameChange))
+  while (subsysNameChanges.try_pop(nameChange)) {
     renameBlocks(nameChange.oldPath, nameChange.newPath);
+    renames.push_back(std::move(nameChange));
+  }
+  renamesTaken += renames.size();
 
   MaskedBlock masked;
   while (maskedBlocks.try_pop(masked)) {
@@ -417,6 +453,15 @@ void bkEditBD::processChanges(ViolationDatabase* violations) {
   std::shared_ptr<bkEditBlock> changed;
   while (changedBlocks.try_pop(changed)) {
     if (!changed) continue;
+    // A snapshot queued before its block's deletion was taken would bring a deleted block back
+    // for good (routing blocks stay across passes); one queued after it (an undo) is the block.
+    const auto deleted = deletedAt.find(changed->getBlockHandle());
+    if (deleted != deletedAt.end() && changed->getDeletionsBefore() < deleted->second) continue;
+    // Likewise a snapshot queued before a subsystem above it was renamed takes the new path.
+    for (std::size_t i = 0; i < renames.size(); ++i) {
+      if (renamesTaken - renames.size() + i < changed->getRenamesBefore()) continue;
+      changed->setFullPath(renamedPath(changed->getFullPath(), renames[i].oldPath, renames[i].newPath));
+    }
     for (const auto& [handle, subsystem] : subsysMap) {
       if (contains(changed->getFullPath(), subsystem.pathWithSlash)) {
         changed->setIsCommented(true);
@@ -436,15 +481,21 @@ void bkEditBD::processChanges(ViolationDatabase* violations) {
     }
     blocks[changed->getBlockHandle()] = changed;
   }
+  // Every snapshot queued before the deletions taken so far has now been seen.
+  deletedAt.clear();
+}
+
+std::wstring bkEditBD::renamedPath(std::wstring path, const std::wstring& oldPath,
+                                  const std::wstring& newPath) {
+  // The replacement counts from index 0, not from where the match lay, on purpose.
+  if (oldPath == newPath || !contains(path, oldPath)) return path;
+  return path.replace(0, oldPath.size(), newPath);
 }
 
 void bkEditBD::renameBlocks(const std::wstring& oldPath, const std::wstring& newPath) {
   if (oldPath == newPath) return;
   for (auto& [handle, block] : blocks) {
-    // The replacement counts from index 0, not from where the match lay, on purpose.
-    if (!contains(block->getFullPath(), oldPath)) continue;
-    std::wstring path = block->getFullPath();
-    block->setFullPath(path.replace(0, oldPath.size(), newPath));
+    block->setFullPath(renamedPath(block->getFullPath(), oldPath, newPath));
   }
 }
 

@@ -57,9 +57,11 @@ class bkEditBD {
   /// listeners, subsystems and state owners, then snapshots it unless it is commented.
   BlockNoted noteChangedBlock(BKBlock* block, int kind);
   /// Main thread. A deleted block: `block` is null once the host dropped it, else the undo
-  /// object whose facts are withdrawn. Pushes the handle unless the block is commented.
+  /// object whose facts are withdrawn. Pushes the handle unless the block is commented; a
+  /// commented subsystem also leaves the commented set, and its handle is pushed.
   BlockNoted noteDeletedBlock(double handle, BKBlock* block);
-  /// Main thread. A renamed or moved block.
+  /// Main thread. A renamed or moved block. A block of a kind kept across passes that is no
+  /// longer taken where it stands now (inside a chart) is queued as deleted.
   BlockNoted noteRenamedBlock(BKBlock* block);
   /// Main thread. A block whose comment status changed: records a subsystem that leaves or
   /// enters the commented set and snapshots the block. False when nothing concerns the checks
@@ -80,7 +82,8 @@ class bkEditBD {
 
   /// Main thread. Drops the event listener record of `handle` from `subsysProperties`.
   void dropSubsysProperties(double handle);
-  /// Main thread. Keeps only the event listener records whose handle still resolves to one.
+  /// Main thread. Keeps only the event listener records whose handle still resolves to an
+  /// uncommented listener, each with the listener's path of now.
   void compactSubsysProperties();
 
   /// Main thread. Queues the mask kind of every known subsystem again.
@@ -158,7 +161,8 @@ class bkEditBD {
                       std::int32_t lookUnderMasks) const;
 
   /// Worker. Pops `deletedHandles`, dropping each block and its records from `violations`.
-  /// Without a store the queue is left as it is.
+  /// Without a store the queue is left as it is. `processChanges` then passes over the
+  /// snapshots of those blocks that were queued before their deletion.
   void processDeletions(ViolationDatabase* violations);
 
   /// Worker. Folds the subsystem, rename, mask, state owner and snapshot queues into the
@@ -181,9 +185,15 @@ class bkEditBD {
   void noteEventListener(BKBlock* block);
   // Pushes a commented subsystem entering (`isAdded`) or leaving the commented set.
   void noteCommentedSubsystem(BKBlock* block, bool isAdded);
+  // Main thread. The pushes that order snapshots after deletions and subsystem renames: each
+  // of those counts, and each snapshot carries the counts queued before it.
+  void queueDeletion(double handle);
+  void queueSnapshot(std::shared_ptr<bkEditBlock> snapshot);
   // Both drain steps for an event listener that left.
   void dropEventListener(double handle);
   void renameBlocks(const std::wstring& oldPath, const std::wstring& newPath);
+  static std::wstring renamedPath(std::wstring path, const std::wstring& oldPath,
+                                  const std::wstring& newPath);
   void syncCommentedSubsystems(ViolationDatabase& violations, bool renamed);
 
   // ---- worker
@@ -193,6 +203,9 @@ class bkEditBD {
   mutable MaskScopeIndex maskIndex;
   mutable bool maskIndexStale = false;
   std::map<double, Blkproperties> subsysMap;
+  std::uint64_t deletionsTaken = 0;            // deletions popped so far
+  std::uint64_t renamesTaken = 0;              // subsystem renames popped so far
+  std::map<double, std::uint64_t> deletedAt;  // handle -> its deletion's number, until drained
 
   // ---- main writes, worker reads (copied at construction and by the setting's refresh)
   std::atomic<std::int32_t> uniqueDataStoreMsg{0};
@@ -210,6 +223,8 @@ class bkEditBD {
   // ---- main
   bool auditorMode;
   bool initialScanDone = false;
+  std::uint64_t deletionsQueued = 0;
+  std::uint64_t renamesQueued = 0;
   std::vector<bkGraph*> auditorGraphs;
   std::vector<bkGraph*> auditorGraphsDone;
   std::set<std::wstring> auditorPathsDone;

@@ -120,6 +120,7 @@ void EditTimeEngine::processBatchOfEvents(const PluginChangeReport& report, int 
         const BlockNoted noted = data->noteRenamedBlock(block);
         if (noted.variantSubsystem) clearErrorsAndWarnings();
         if (noted.commented) commentStatusChanged(block);
+        if (noted.deleted) removeErrorAndWarnClasses(handle);
       }
       break;
     default:

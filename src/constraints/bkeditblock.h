@@ -80,6 +80,15 @@ class bkEditBlock {
   bool hasChartData() const { return chartInputData != nullptr || chartRecord != nullptr; }
   /// Worker. Drops the rule-auditor part between passes.
   void dropRaEditBlock() { raEditBlock.reset(); }
+  /// Main thread, before the snapshot is queued: how many deletions and subsystem renames its
+  /// diagram had queued, so that the worker applies only those that came after it.
+  void setQueuedAfter(std::uint64_t deletions, std::uint64_t renames) {
+    deletionsBefore = deletions;
+    renamesBefore = renames;
+  }
+  /// Worker. The counts set before queueing; 0 when none were set.
+  std::uint64_t getDeletionsBefore() const { return deletionsBefore; }
+  std::uint64_t getRenamesBefore() const { return renamesBefore; }
 
  private:
   double blockHandle;
@@ -94,6 +103,8 @@ class bkEditBlock {
   std::wstring fullPath;
   std::uint8_t isCommented;
   std::uint8_t isLinked;
+  std::uint64_t deletionsBefore = 0;
+  std::uint64_t renamesBefore = 0;
 };
 
 }  // namespace bkedittimecheck
