@@ -57,7 +57,8 @@ EditTimeEngine::EditTimeEngine(BKRootBD* diagram)
   styling = std::make_unique<EditTimeStyling>(
       *violations, *styler,
       [](double handle) { return BKGlue::getBlockFromHandle(handle) != nullptr; },
-      [this](double handle, const EditTimeViolation& v) { return isExcluded(handle, v); });
+      [this](double handle, const EditTimeViolation& v) { return isExcluded(handle, v); },
+      [this] { return viewRevision() + exclusions->getRevision(); });
   auditorMode = auditorModeOn(diagram);
   callDiagramFunction("edittime.EditTimeCheckingSetup.setup", diagramName);
   connectStudioListeners();

@@ -83,8 +83,9 @@ namespace bkgg {
 BKBlockContainer graphicalBlocksOf(const bkGraph* graph, int depth);
 
 /// Main thread. A count that moves whenever a block is made or destroyed, a block tree joins or
-/// leaves a diagram, or a graph's state bits change or it is torn down: what a caller derived
-/// about which graphs exist and are usable holds while the count stays the same.
+/// leaves a diagram, a path changes (a rename), a block's mask type or library link changes, or
+/// a graph's state bits change or it is torn down: what a caller derived about which graphs and
+/// blocks exist, where they stand and how they are linked holds while the count stays the same.
 std::uint64_t structureRevision();
 void noteStructureChange();
 }  // namespace bkgg
