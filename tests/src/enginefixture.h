@@ -19,6 +19,7 @@
 #include "src/hostinterface.h"
 #include "src/moduleentries.h"
 #include "tests/src/bkeditbdprobe.h"
+#include "tests/src/blockspec.h"
 
 namespace bkedittimecheck::testing {
 

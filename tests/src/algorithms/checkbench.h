@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,6 +13,7 @@
 #include "src/bkeditbd.h"
 #include "src/violationdatabase.h"
 #include "tests/src/bkeditbdprobe.h"
+#include "tests/src/blockspec.h"
 
 namespace bkedittimecheck::testing {
 
@@ -27,30 +27,20 @@ class CheckBench : public ::testing::Test {
   void SetUp() override { blockara::EventLoop::instance().adoptCurrentThread(); }
   void TearDown() override { bkBlockDiagramSet::closeAll(); }
 
-  /// A fresh diagram, snapshot and store, with `blocks`, one a line: "PATH TYPE [K=V ...]", the
-  /// path below "m", in order of creation; "commented=1" comments the block out. Every block is
-  /// snapshotted, and each event listener queued as the engine queues it.
+  /// A fresh diagram, snapshot and store, with `blocks` (see BlockSpec) in order of creation;
+  /// "commented=1" comments the block out. Every block is snapshotted, and each event listener
+  /// queued as the engine queues it.
   void build(const Lines& blocks) {
     bkBlockDiagramSet::closeAll();
     d = bkBlockDiagramSet::create(u"m", BKRootBD::Model);
     data = std::make_unique<bkEditBD>(L"m", false);
     db = std::make_unique<ViolationDatabase>();
     for (const std::string& line : blocks) {
-      std::istringstream in(line);
-      std::string path, type, pair;
-      in >> path >> type;
-      const std::u16string full = u"m/" + i18n::to_u16string(path);
-      const std::size_t cut = full.rfind(u'/');
-      BKBlock* b = d->editing().addBlock(full.substr(0, cut), type, full.substr(cut + 1));
-      while (in >> pair) {
-        const std::string key = pair.substr(0, pair.find('='));
-        const std::string value = pair.substr(pair.find('=') + 1);
-        if (key == "commented")
-          d->editing().setCommentState(full, 1);
-        else
-          d->editing().setProperties(full, {{key, value}});
-      }
-      if (type == "EventListener") {
+      BlockSpec spec(u"m", line);
+      const bool commented = spec.props.erase("commented") > 0;
+      BKBlock* b = d->editing().addBlock(spec.system, spec.type, spec.name, spec.props);
+      if (commented) d->editing().setCommentState(spec.path(), 1);
+      if (spec.type == "EventListener") {
         probe().subsysProperties().push(
             SubsysProperties{toWide(b->getFullPath(false)), b->getHandle(), true});
       }
