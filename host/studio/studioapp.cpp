@@ -99,6 +99,14 @@ Editor* StudioApp::openEditor(const bksvString& systemPath) {
   return editor;
 }
 
+void StudioApp::openEditors(const std::vector<bksvString>& systemPaths) {
+  std::vector<double> owners;
+  owners.reserve(systemPaths.size());
+  for (const bksvString& path : systemPaths) owners.push_back(ownerHandleOf(path));
+  for (double owner : owners) editors.push_back(std::make_unique<Editor>(*this, owner));
+  if (!editors.empty() && !owners.empty()) activate(editors.back().get());
+}
+
 Editor* StudioApp::focus(const bksvString& systemPath) {
   double owner = ownerHandleOf(systemPath);
   for (const auto& editor : editors) {

@@ -75,6 +75,10 @@ class StudioApp {
   /// it active, raising the active-editor-changed event. Throws std::invalid_argument naming the
   /// path when it is no system of the diagram.
   Editor* openEditor(const bksvString& systemPath);
+  /// Opens an editor on each of `systemPaths`, as a user restoring a set of windows at once:
+  /// only the last becomes active, so the event is raised once, not once per editor. Throws as
+  /// `openEditor` on the first path that is no system, before opening any.
+  void openEditors(const std::vector<bksvString>& systemPaths);
   /// Makes the first editor on `systemPath` active, opening one if there is none; raises the
   /// event when the active editor changes. Throws as `openEditor`.
   Editor* focus(const bksvString& systemPath);
