@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -7,6 +8,7 @@
 #include "host/model/bkrootbd.h"
 #include "host/model/bksvstring.h"
 #include "host/model/diagramediting.h"
+#include "src/violationdatabase.h"
 
 namespace bkedittimecheck::testing {
 
@@ -46,6 +48,22 @@ inline void addBlocks(BKRootBD* d, const std::vector<std::string>& blocks) {
     const BlockSpec b(d->getName(), line);
     d->editing().addBlock(b.system, b.type, b.name, b.props);
   }
+}
+
+/// The records `db` holds for the blocks of `d` as "PATH|TYPE|SEVERITY[|commented]", PATH below
+/// the root, sorted.
+inline std::vector<std::string> recordLines(BKRootBD* d, const ViolationDatabase& db) {
+  std::vector<std::string> out;
+  const std::size_t below = ConvertUStringToStdString(d->getName()).size() + 1;
+  for (BKBlock* b : d->blocksInPathOrder()) {
+    for (const EditTimeViolation& v : db.violationsOf(b->getHandle())) {
+      out.push_back(ConvertUStringToStdString(b->getFullPath(false)).substr(below) + "|" +
+                    v.violationType + "|" + std::to_string(v.severity) +
+                    (v.isCommented ? "|commented" : ""));
+    }
+  }
+  std::sort(out.begin(), out.end());
+  return out;
 }
 
 }  // namespace bkedittimecheck::testing

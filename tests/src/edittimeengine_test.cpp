@@ -162,9 +162,7 @@ TEST_F(EngineBatchTest, StateAccessorSnapshotsResolveTheirOwnerAsTheHostDoes) {
   takeChanged(*data);
   e().addBlock(u"m/a//b", "StateReader", u"r", {{"StateOwnerBlock", std::string("../owner")}});
   e().addBlock(u"m", "StateWriter", u"w", {{"StateOwnerBlock", std::string("m/gone")}});
-  std::vector<std::shared_ptr<bkEditBlock>> taken;
-  std::shared_ptr<bkEditBlock> block;
-  while (bkEditBDProbe(*data).changedBlocks().try_pop(block)) taken.push_back(block);
+  const auto taken = takeAll(bkEditBDProbe(*data).changedBlocks());
   ASSERT_EQ(taken.size(), 2u);
   ASSERT_TRUE(taken[0]->getDefaultEditBlock());
   EXPECT_EQ(taken[0]->getDefaultEditBlock()->stringParam0, "m/owner");

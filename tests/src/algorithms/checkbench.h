@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -56,18 +55,7 @@ class CheckBench : public ::testing::Test {
   bkEditBDProbe probe() { return bkEditBDProbe(*data); }
 
   /// The store as "path|type|severity[|commented]", the path below "m", sorted.
-  Lines records() const {
-    Lines out;
-    for (BKBlock* b : d->blocksInPathOrder()) {
-      for (const EditTimeViolation& v : db->violationsOf(b->getHandle())) {
-        out.push_back(ConvertUStringToStdString(b->getFullPath(false)).substr(2) + "|" +
-                      v.violationType + "|" + std::to_string(v.severity) +
-                      (v.isCommented ? "|commented" : ""));
-      }
-    }
-    std::sort(out.begin(), out.end());
-    return out;
-  }
+  Lines records() const { return recordLines(d, *db); }
 
   BKRootBD* d = nullptr;
   std::unique_ptr<bkEditBD> data;
