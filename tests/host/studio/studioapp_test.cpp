@@ -45,7 +45,7 @@ class StudioTest : public ::testing::Test {
   BKRootBD* d = nullptr;
 };
 
-TEST_F(StudioTest, EditorsShowGraphsAndFocusRaisesTheEventOnChangeOnly) {
+TEST_F(StudioTest, EditorsShowGraphsFocusRaisesTheEventOnChangeOnlyAndOffThreadEventsArePosted) {
   StudioApp* studio = StudioApp::open(d);
   EXPECT_EQ(StudioApp::open(d), studio);
   ViewListener listener;
@@ -64,6 +64,18 @@ TEST_F(StudioTest, EditorsShowGraphsAndFocusRaisesTheEventOnChangeOnly) {
   EXPECT_EQ(studio->closeEditors(u"m"), 1u);
   EXPECT_EQ(listener.seen, std::vector<bkGraph*>{inner});
   EXPECT_EQ(studio->getActiveEditor()->getGraph(), inner);
+
+  // Events raised off the main thread are posted to it.
+  listener.seen.clear();
+  std::thread other([&] {
+    studio->activeEditorChangedEventService().raise(
+        ActiveEditorChangedEvent{d->getHandle(), nullptr, studio->getActiveEditor()});
+  });
+  other.join();
+  EXPECT_TRUE(listener.seen.empty());
+  EXPECT_EQ(blockara::EventLoop::instance().runPosted(), 1u);
+  EXPECT_EQ(listener.seen, std::vector<bkGraph*>{inner});
+  EXPECT_THROW(conn::ConnectionService::instance().getNamedThread("Other"), std::invalid_argument);
 }
 
 TEST_F(StudioTest, EditorOfADeletedSystemShowsNothingAndUndoBringsItBack) {
@@ -96,22 +108,6 @@ TEST_F(StudioTest, ConnectionsStopAtDisableListenerDeathAndDiagramClose) {
   bkBlockDiagramSet::close(d);
   EXPECT_TRUE(StudioApp::getAllStudioAppsFor(handle).empty());
   d = nullptr;
-}
-
-TEST_F(StudioTest, EventsRaisedOffTheMainThreadArePostedToIt) {
-  StudioApp* studio = StudioApp::open(d);
-  ViewListener listener;
-  listener.connectTo(d);
-  Blockara::Editor* editor = studio->openEditor(u"m");
-  listener.seen.clear();
-  std::thread other([&] {
-    studio->activeEditorChangedEventService().raise(ActiveEditorChangedEvent{d->getHandle(), nullptr, editor});
-  });
-  other.join();
-  EXPECT_TRUE(listener.seen.empty());
-  EXPECT_EQ(blockara::EventLoop::instance().runPosted(), 1u);
-  EXPECT_EQ(listener.seen, std::vector<bkGraph*>{d->getRootGraph()});
-  EXPECT_THROW(conn::ConnectionService::instance().getNamedThread("Other"), std::invalid_argument);
 }
 
 // What an engine derives from the view (each editor's graph, shown and usable or not) holds
