@@ -79,14 +79,13 @@ std::wstring wide(const bksvString& text) { return std::wstring(text.begin(), te
 // Opens an editor on every system level, so that the whole model is on view.
 void showEverySystem(BKRootBD& diagram) {
   auto& controller = bkedittimecheck::EditTimeController::instance();
-  std::vector<BKBlock*> owners;
+  std::vector<bksvString> systems;
   for (BKBlock* block : diagram.blocksInPathOrder()) {
-    if (block->hasSubGraph() && block->getSubGraph()) owners.push_back(block);
+    if (block->hasSubGraph() && block->getSubGraph()) systems.push_back(block->getFullPath(false));
   }
-  for (BKBlock* owner : owners) {
-    Blockara::StudioApp::open(&diagram)->openEditor(owner->getFullPath(false));
-  }
-  if (!owners.empty()) controller.handleNewWindowOpen(wide(diagram.getName()));
+  // All at once: a view change per editor would restart the engine's scans once per system.
+  Blockara::StudioApp::open(&diagram)->openEditors(systems);
+  if (!systems.empty()) controller.handleNewWindowOpen(wide(diagram.getName()));
 }
 
 }  // namespace

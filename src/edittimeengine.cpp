@@ -57,7 +57,8 @@ EditTimeEngine::EditTimeEngine(BKRootBD* diagram)
   styling = std::make_unique<EditTimeStyling>(
       *violations, *styler,
       [](double handle) { return BKGlue::getBlockFromHandle(handle) != nullptr; },
-      [this](double handle, const EditTimeViolation& v) { return isExcluded(handle, v); });
+      [this](double handle, const EditTimeViolation& v) { return isExcluded(handle, v); },
+      [this] { return viewRevision() + exclusions->getRevision(); });
   auditorMode = auditorModeOn(diagram);
   callDiagramFunction("edittime.EditTimeCheckingSetup.setup", diagramName);
   connectStudioListeners();
@@ -79,7 +80,13 @@ bool EditTimeEngine::isExcluded(double handle, const EditTimeViolation& violatio
 
 bool EditTimeEngine::hasVariants() const { return data->hasVariants(); }
 
-void EditTimeEngine::refreshVisibleGraphs() { data->setWantedGraphs(visibleGraphsOf(diagram)); }
+void EditTimeEngine::refreshVisibleGraphs() {
+  // Asking every editor at every slice would cost the number of systems on view each time.
+  const std::uint64_t revision = viewRevision();
+  if (wantedGraphsRevision == revision) return;
+  wantedGraphsRevision = revision;
+  data->setWantedGraphs(visibleGraphsOf(diagram));
+}
 
 void EditTimeEngine::processChangedBlock(BKBlock* block, int kind) {
   if (!block) return;

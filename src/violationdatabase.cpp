@@ -7,8 +7,32 @@ namespace bkedittimecheck {
 using Severity::isAuditor;
 using Severity::isError;
 
+namespace {
+
+bool isWarning(const EditTimeViolation& v) { return v.severity == Severity::kWarning; }
+bool isErrorRecord(const EditTimeViolation& v) { return isError(v.severity); }
+
+// The `isCommented` of the first record of `set` that `pick` accepts, if any.
+template <typename Set, typename Pick>
+std::optional<bool> firstCommented(const Set& set, Pick pick) {
+  for (const auto& v : set) {
+    if (pick(*v)) return v->isCommented != 0;
+  }
+  return std::nullopt;
+}
+
+template <typename Set>
+void appendAuditorRecords(const Set& set, std::vector<EditTimeViolation>& out) {
+  for (const auto& v : set) {
+    if (isAuditor(v->severity)) out.push_back(*v);
+  }
+}
+
+}  // namespace
+
 void ViolationDatabase::add(const ViolationPtr& violation) {
   std::lock_guard<std::mutex> lock(mutex);
+  touched.insert(violation->blockHandle);
   ViolationSet& set = byBlock[violation->blockHandle];
   auto it = set.find(violation);
   if (it != set.end()) {
@@ -21,6 +45,7 @@ void ViolationDatabase::add(const ViolationPtr& violation) {
 
 void ViolationDatabase::remove(const ViolationPtr& violation) {
   std::lock_guard<std::mutex> lock(mutex);
+  touched.insert(violation->blockHandle);
   auto entry = byBlock.find(violation->blockHandle);
   // A block with no records still has its classes cleared: a glow left by an engine that was
   // replaced (a rename, a reopen) goes at the first pass that finds the block clean.
@@ -36,10 +61,13 @@ void ViolationDatabase::remove(const ViolationPtr& violation) {
 void ViolationDatabase::removeByType(const std::string& checkId, const std::string& violationType) {
   std::lock_guard<std::mutex> lock(mutex);
   for (auto entry = byBlock.begin(); entry != byBlock.end();) {
-    std::erase_if(entry->second, [&](const ViolationPtr& v) {
-      return v->checkId == checkId && v->violationType == violationType;
-    });
+    if (std::erase_if(entry->second, [&](const ViolationPtr& v) {
+          return v->checkId == checkId && v->violationType == violationType;
+        }) > 0) {
+      touched.insert(entry->first);
+    }
     if (entry->second.empty()) {
+      touched.insert(entry->first);
       pendingClearList.push_back(entry->first);
       entry = byBlock.erase(entry);
     } else {
@@ -50,11 +78,13 @@ void ViolationDatabase::removeByType(const std::string& checkId, const std::stri
 
 void ViolationDatabase::removeAll(double blockHandle) {
   std::lock_guard<std::mutex> lock(mutex);
+  touched.insert(blockHandle);
   byBlock.erase(blockHandle);
 }
 
 void ViolationDatabase::removeByCheck(double blockHandle, const std::string& checkId) {
   std::lock_guard<std::mutex> lock(mutex);
+  touched.insert(blockHandle);
   auto entry = byBlock.find(blockHandle);
   if (entry != byBlock.end()) {
     std::erase_if(entry->second, [&](const ViolationPtr& v) { return v->checkId == checkId; });
@@ -99,12 +129,7 @@ std::map<double, bool> ViolationDatabase::blocksWithEditTimeWarnings() const {
   std::lock_guard<std::mutex> lock(mutex);
   std::map<double, bool> out;
   for (const auto& [handle, set] : byBlock) {
-    for (const auto& v : set) {
-      if (v->severity == Severity::kWarning) {
-        out.emplace(handle, v->isCommented != 0);
-        break;
-      }
-    }
+    if (auto commented = firstCommented(set, isWarning)) out.emplace(handle, *commented);
   }
   return out;
 }
@@ -113,12 +138,7 @@ std::map<double, bool> ViolationDatabase::blocksWithErrors() const {
   std::lock_guard<std::mutex> lock(mutex);
   std::map<double, bool> out;
   for (const auto& [handle, set] : byBlock) {
-    for (const auto& v : set) {
-      if (isError(v->severity)) {
-        out.emplace(handle, v->isCommented != 0);
-        break;
-      }
-    }
+    if (auto commented = firstCommented(set, isErrorRecord)) out.emplace(handle, *commented);
   }
   return out;
 }
@@ -146,10 +166,33 @@ std::map<double, std::vector<EditTimeViolation>> ViolationDatabase::auditorViola
   std::lock_guard<std::mutex> lock(mutex);
   std::map<double, std::vector<EditTimeViolation>> out;
   for (const auto& [handle, set] : byBlock) {
-    for (const auto& v : set) {
-      if (isAuditor(v->severity)) out[handle].push_back(*v);
-    }
+    std::vector<EditTimeViolation> records;
+    appendAuditorRecords(set, records);
+    if (!records.empty()) out.emplace(handle, std::move(records));
   }
+  return out;
+}
+
+std::vector<ViolationDatabase::StylingFacts> ViolationDatabase::stylingFactsOf(
+    const std::vector<double>& handles) const {
+  std::lock_guard<std::mutex> lock(mutex);
+  const std::unordered_set<double> pending(pendingClearList.begin(), pendingClearList.end());
+  std::vector<StylingFacts> out(handles.size());
+  for (std::size_t i = 0; i < handles.size(); ++i) {
+    out[i].pendingClear = pending.count(handles[i]) != 0;
+    auto entry = byBlock.find(handles[i]);
+    if (entry == byBlock.end()) continue;
+    out[i].warning = firstCommented(entry->second, isWarning);
+    appendAuditorRecords(entry->second, out[i].auditor);
+    out[i].error = firstCommented(entry->second, isErrorRecord);
+  }
+  return out;
+}
+
+std::vector<double> ViolationDatabase::takeTouched() {
+  std::lock_guard<std::mutex> lock(mutex);
+  std::vector<double> out(touched.begin(), touched.end());
+  touched.clear();
   return out;
 }
 
@@ -175,13 +218,17 @@ void ViolationDatabase::dropDeadBlocks(const std::function<bool(double)>& isAliv
     if (!isAlive(h)) dead.push_back(h);
   }
   std::lock_guard<std::mutex> lock(mutex);
-  for (double h : dead) byBlock.erase(h);
+  for (double h : dead) {
+    byBlock.erase(h);
+    touched.insert(h);
+  }
 }
 
 void ViolationDatabase::removeAuditorViolations() {
   std::lock_guard<std::mutex> lock(mutex);
   for (auto entry = byBlock.begin(); entry != byBlock.end();) {
-    std::erase_if(entry->second, [](const ViolationPtr& v) { return isAuditor(v->severity); });
+    if (std::erase_if(entry->second, [](const ViolationPtr& v) { return isAuditor(v->severity); }))
+      touched.insert(entry->first);
     entry = entry->second.empty() ? byBlock.erase(entry) : std::next(entry);
   }
 }
@@ -193,6 +240,7 @@ void ViolationDatabase::removeFirstMatch(Pred pred) {
     for (auto it = set.begin(); it != set.end(); ++it) {
       if (pred(**it)) {
         set.erase(it);
+        touched.insert(entry->first);
         break;
       }
     }
@@ -220,6 +268,7 @@ void ViolationDatabase::markCommentedUnder(const std::wstring& path, bool isComm
         continue;
       }
       v->isCommented = isCommented ? 1 : 0;
+      touched.insert(handle);
       if (v->checkId == "orvanta.blockara.GoToFromBlockMismatch") {
         pendingClearList.push_back(handle);
         it = set.erase(it);
@@ -235,7 +284,9 @@ void ViolationDatabase::renamePaths(const std::wstring& oldPath, const std::wstr
   for (auto& [handle, set] : byBlock) {
     for (const auto& v : set) {
       auto pos = v->blockPath.find(oldPath);
-      if (pos != std::wstring::npos) v->blockPath.replace(pos, oldPath.size(), newPath);
+      if (pos == std::wstring::npos) continue;
+      v->blockPath.replace(pos, oldPath.size(), newPath);
+      touched.insert(handle);
     }
   }
 }

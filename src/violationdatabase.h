@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -103,6 +104,23 @@ class ViolationDatabase {
   /// Any thread. Number of blocks that hold records.
   std::size_t blockCount() const;
 
+  /// What a styling pass reads of one block: whether it waits on `pendingClears`, the
+  /// `isCommented` of its first severity-0 record and of its first severity 1 or 4 record, and
+  /// copies of its severity 3 and 4 records, each read by the same rules as the whole-store
+  /// queries above.
+  struct StylingFacts {
+    bool pendingClear = false;
+    std::optional<bool> warning;
+    std::vector<EditTimeViolation> auditor;
+    std::optional<bool> error;
+  };
+  /// Any thread. The facts of each handle, in the order given.
+  std::vector<StylingFacts> stylingFactsOf(const std::vector<double>& handles) const;
+
+  /// Any thread. The handles whose records (or place on `pendingClears`) changed since the last
+  /// call, in no order; the set is emptied.
+  std::vector<double> takeTouched();
+
  private:
   template <typename Pred>
   void removeFirstMatch(Pred pred);  // caller holds mutex
@@ -110,6 +128,7 @@ class ViolationDatabase {
   mutable std::mutex mutex;
   std::map<double, ViolationSet> byBlock;  // guarded by mutex
   std::vector<double> pendingClearList;    // guarded by mutex; the `pendingClears` of the store
+  std::unordered_set<double> touched;      // guarded by mutex; see `takeTouched`
 };
 
 }  // namespace bkedittimecheck

@@ -98,7 +98,10 @@ void assign(BKBlock& block, const std::string& name, const BlockValue& value, bo
     if (apply) std::copy(numbers->begin(), numbers->end(), position.begin());
   } else if (name == "MaskType") {
     std::string text = toText(block, name, value);
-    if (apply) mask.type = i18n::to_u16string(text);
+    if (apply) {
+      mask.type = i18n::to_u16string(text);
+      bkgg::noteStructureChange();
+    }
   } else if (name == "MaskInitialization") {
     std::string text = toText(block, name, value);
     if (apply) mask.initialization = text;
@@ -110,10 +113,16 @@ void assign(BKBlock& block, const std::string& name, const BlockValue& value, bo
     std::string text = toText(block, name, value);
     if (text != "none" && text != "resolved" && text != "implicit")
       reject(block, name, "expected \"none\", \"resolved\" or \"implicit\"");
-    if (apply) linkStatus = text;
+    if (apply) {
+      linkStatus = text;
+      bkgg::noteStructureChange();
+    }
   } else if (name == "ReferenceBlock") {
     std::string text = toText(block, name, value);
-    if (apply) referenceBlock = i18n::to_u16string(text);
+    if (apply) {
+      referenceBlock = i18n::to_u16string(text);
+      bkgg::noteStructureChange();
+    }
   } else {
     reject(block, name, "block type " + block.getType().name + " has no such property or parameter");
   }
@@ -127,6 +136,7 @@ std::unique_ptr<BKBlock> BlockMutator::makeBlock(const BlockTypeInfo& type, cons
 }
 
 void BlockMutator::setGraphDiagram(BKBlock* block, BKRootBD* diagram) {
+  bkgg::noteStructureChange();
   if (bkGraph* inside = block->getSubGraph()) {
     inside->diagram = diagram;
     for (auto& child : inside->blocks) setGraphDiagram(child.get(), diagram);
@@ -178,12 +188,14 @@ std::pair<std::unique_ptr<BKBlock>, std::size_t> BlockMutator::detach(BKRootBD& 
 }
 
 void BlockMutator::rename(BKRootBD& diagram, BKBlock* block, const bksvString& newName) {
+  bkgg::noteStructureChange();
   unindexTree(diagram, block);
   block->name = newName;
   indexTree(diagram, block, block->graph->getFullPath());
 }
 
 void BlockMutator::reindexAll(BKRootBD& diagram) {
+  bkgg::noteStructureChange();
   diagram.pathIndex.clear();
   diagram.sidIndex.clear();
   for (auto& child : diagram.root->blocks) indexTree(diagram, child.get(), diagram.name);

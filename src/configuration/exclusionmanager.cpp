@@ -134,6 +134,7 @@ bool isInside(const std::wstring& path, const std::wstring& subsystem) {
 }  // namespace
 
 void ExclusionManager::loadExclusions(BKRootBD* diagram) {
+  ++revision;
   if (!diagram) return;
   std::wstring path = toWide(diagram->getExclusionFilePath());
   if (path.empty()) {
@@ -148,6 +149,7 @@ void ExclusionManager::loadExclusions(BKRootBD* diagram) {
 }
 
 void ExclusionManager::loadExclusionsFromFile(BKRootBD* diagram, const std::wstring& path) {
+  ++revision;
   const pt::ptree tree = readExclusionsTree(path);
   exclusions.clear();
   const pt::ptree& list = tree.get_child("rsccat.SystemList.System.ExclusionList");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -56,9 +57,12 @@ class ExclusionManager {
 
   /// Main thread. The exclusions, in file order.
   const std::vector<Exclusion>& getExclusions() const { return exclusions; }
+  /// Main thread. A count that moves at every load, whatever it read.
+  std::uint64_t getRevision() const { return revision; }
 
  private:
   std::vector<Exclusion> exclusions;  // main thread; replaced whole at each load
+  std::uint64_t revision = 0;         // main thread
 };
 
 }  // namespace bkedittimecheck

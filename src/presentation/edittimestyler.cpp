@@ -52,13 +52,67 @@ const char* violationCategory(std::uint32_t severity) {
 }
 
 EditTimeStyling::EditTimeStyling(ViolationDatabase& violations, ds::Styler& styler,
-                                 BlockAlive isAlive, ViolationExcluded isExcluded)
+                                 BlockAlive isAlive, ViolationExcluded isExcluded,
+                                 StandingRevision standing)
     : violations(violations),
       styler(styler),
       isAlive(std::move(isAlive)),
-      isExcluded(std::move(isExcluded)) {}
+      isExcluded(std::move(isExcluded)),
+      standing(std::move(standing)) {}
+
+std::optional<EditTimeStyling::Baseline> EditTimeStyling::currentBaseline() const {
+  if (!standing) return std::nullopt;
+  return Baseline{styler.applyCalls() + styler.removeCalls(), standing()};
+}
 
 void EditTimeStyling::applyStyling() {
+  for (double handle : violations.takeTouched()) due.insert(handle);
+  const std::optional<Baseline> now = currentBaseline();
+  const bool wholeStore = !now || !baseline || now->stylerCalls != baseline->stylerCalls ||
+                          now->standing != baseline->standing;
+  baseline.reset();  // until this pass completes
+  if (wholeStore) {
+    applyStylingToAll();
+  } else {
+    const std::vector<double> handles(due.begin(), due.end());
+    const std::vector<ViolationDatabase::StylingFacts> facts = violations.stylingFactsOf(handles);
+    for (std::size_t i = 0; i < handles.size(); ++i) styleBlock(handles[i], facts[i]);
+    violations.clearPendingClears();
+  }
+  due.clear();
+  baseline = currentBaseline();
+}
+
+void EditTimeStyling::styleBlock(double handle, const ViolationDatabase::StylingFacts& facts) {
+  if (!isAlive(handle)) return;
+  if (facts.pendingClear) {
+    styler.removeClass(handle, L"Warn");
+    styler.removeClass(handle, L"Error");
+  }
+  if (facts.warning) {
+    if (*facts.warning) {
+      styler.removeClass(handle, L"Warn");
+    } else {
+      styler.applyClass(handle, L"Warn");
+    }
+  }
+  for (const EditTimeViolation& record : facts.auditor) {
+    if (!record.isCommented && !isExcluded(handle, record)) {
+      styler.applyClass(handle, L"Warn");
+      break;
+    }
+    styler.removeClass(handle, L"Warn");
+  }
+  if (facts.error) {
+    if (*facts.error) {
+      styler.removeClass(handle, L"Error");
+    } else {
+      styler.applyClass(handle, L"Error");
+    }
+  }
+}
+
+void EditTimeStyling::applyStylingToAll() {
   for (double handle : violations.pendingClears()) {
     if (!isAlive(handle)) continue;
     styler.removeClass(handle, L"Warn");

@@ -2,15 +2,16 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "host/style/styler.h"
 #include "src/edittimeviolation.h"
+#include "src/violationdatabase.h"
 
 namespace bkedittimecheck {
-
-class ViolationDatabase;
 
 /// Main thread. The one process-wide styler "Orvanta.EditTimeCheckingStyler", created with its
 /// two rules ("Warn" orange, then "Error" red, each a "Glow") on first use; later calls find it
@@ -28,19 +29,29 @@ const char* violationCategory(std::uint32_t severity);
 using BlockAlive = std::function<bool(double handle)>;
 /// Whether the exclusions exempt a rule-auditor violation of a block.
 using ViolationExcluded = std::function<bool(double handle, const EditTimeViolation& violation)>;
+/// A count that moves whenever `BlockAlive` or `ViolationExcluded` may answer differently for a
+/// block whose records did not change (blocks made or destroyed, paths, masks or library links
+/// changed, exclusions reloaded).
+using StandingRevision = std::function<std::uint64_t()>;
 
-/// The passes that turn stored violations into the style classes "Warn" and "Error". They keep
-/// no record of what is styled: every pass recomputes from the store, and each store query
-/// returns a copy, so the styling service and the exclusion test are never called with the
-/// store locked.
+/// The passes that turn stored violations into the style classes "Warn" and "Error". A pass
+/// gives every block of the store the classes its records call for, as if it recomputed from the
+/// whole store, but it visits only the blocks whose records changed since the last pass, unless
+/// something else may have changed a block's classes or what the two tests answer: the first
+/// pass, a class change by anyone else (the styler's call count moved), a move of the standing
+/// revision (or no revision given), or a pass that failed. Those passes recompute from the whole
+/// store. A block's classes depend on that block's records alone, so both give the same classes.
+/// Store queries return copies, so the styling service and the exclusion test are never called
+/// with the store locked.
 ///
 /// Thread contract: main thread only, the only thread that calls the styling service.
-/// Exceptions of the styling service or of the exclusion test pass to the caller.
+/// Exceptions of the styling service or of the exclusion test pass to the caller; the blocks of
+/// that pass are styled again at the next.
 class EditTimeStyling {
  public:
   /// Main thread. Keeps references to all four; they must outlive the object.
   EditTimeStyling(ViolationDatabase& violations, diagram::style::Styler& styler, BlockAlive isAlive,
-                  ViolationExcluded isExcluded);
+                  ViolationExcluded isExcluded, StandingRevision standing = {});
   EditTimeStyling(const EditTimeStyling&) = delete;
   EditTimeStyling& operator=(const EditTimeStyling&) = delete;
 
@@ -48,6 +59,8 @@ class EditTimeStyling {
   /// warnings, then rule-auditor violations, then errors, in that order, each step free to undo
   /// an earlier one. Handles that no longer resolve are skipped.
   void applyStyling();
+  /// Main thread. The same pass over the whole store, whatever changed.
+  void applyStylingToAll();
 
   /// Main thread. The removal pass for an event code: 8 takes "Warn" off the blocks with only
   /// rule-auditor violations and drops those violations; 11 takes "Error" off and drops the
@@ -66,8 +79,20 @@ class EditTimeStyling {
  private:
   ViolationDatabase& violations;
   diagram::style::Styler& styler;
+  // The four steps for one block, as the whole-store pass takes them.
+  void styleBlock(double handle, const ViolationDatabase::StylingFacts& facts);
+  // The styler's call count and the standing revision as the last complete pass left them.
+  struct Baseline {
+    std::uint64_t stylerCalls;
+    std::uint64_t standing;
+  };
+  std::optional<Baseline> currentBaseline() const;
+
   BlockAlive isAlive;
   ViolationExcluded isExcluded;
+  StandingRevision standing;
+  std::optional<Baseline> baseline;  // none before the first complete pass, or after a failure
+  std::unordered_set<double> due;    // touched handles that no complete pass has styled yet
 };
 
 }  // namespace bkedittimecheck

@@ -87,4 +87,11 @@ function expect.glows(d)
   return out
 end
 
+-- Runs the engine to rest, then compares the diagram's findings and, when given, its glows.
+function expect.settles(d, what, findings, glows)
+  if blockara.idle() ~= true then error(what .. ": the engine did not come to rest", 2) end
+  expect.lines(expect.findings(d), findings, what .. ": findings")
+  if glows then expect.lines(expect.glows(d), glows, what .. ": glows") end
+end
+
 return expect

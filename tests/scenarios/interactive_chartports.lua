@@ -13,20 +13,14 @@ d:add("CH/chart/state", "Inport", "speed")
 d:add("CH/chart/state", "Outport", "torque")
 d:add("CH/chart/state", "Outport", "mode")
 d:add("CH/chart/state", "Inport", "load")
-expect.eq(blockara.idle(), true, "idle after the ports")
-expect.lines(expect.findings(d), {
+expect.settles(d, "one port undeclared, one of a local datum", {
   "CH/chart/state/load BlockaraStateUnmappedPort EDITTIME_ERROR",
   "CH/chart/state/mode BlockaraStateMismappedPort EDITTIME_ERROR",
-}, "one port undeclared, one of a local datum")
-expect.lines(expect.glows(d), {
-  "CH/chart/state/load Error", "CH/chart/state/mode Error",
-}, "their glows")
+}, { "CH/chart/state/load Error", "CH/chart/state/mode Error" })
 
 d:set("CH/chart/state", { StateData = {
   { name = "speed", scope = "Input" }, { name = "torque", scope = "Output" },
   { name = "mode", scope = "Output" }, { name = "load", scope = "Input" },
 } })
-expect.eq(blockara.idle(), true, "idle after declaring the data")
-expect.lines(expect.findings(d), {}, "every port mapped")
-expect.lines(expect.glows(d), {}, "no glow left")
+expect.settles(d, "every port mapped", {}, {})
 print("interactive_chartports: ok")

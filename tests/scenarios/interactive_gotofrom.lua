@@ -6,32 +6,20 @@ local expect = require("expect")
 local d = blockara.new("GF")
 d:add("GF", "SubSystem", "S")
 d:add("GF", "From", "f", { GotoTag = "A" })
-expect.eq(blockara.idle(), true, "idle after the From")
-expect.lines(expect.findings(d), { "GF/f NoMatchingGoTO EDITTIME_WARNING" }, "a lone From")
-expect.lines(expect.glows(d), { "GF/f Warn" }, "its glow")
+expect.settles(d, "a lone From", { "GF/f NoMatchingGoTO EDITTIME_WARNING" }, { "GF/f Warn" })
 
 d:add("GF/S", "Goto", "g", { GotoTag = "A", TagVisibility = "local" })
-expect.eq(blockara.idle(), true, "idle after the local Goto")
-expect.lines(expect.findings(d), {
-  "GF/S/g NoMatchingFrom EDITTIME_WARNING",
-  "GF/f NoMatchingGoTO EDITTIME_WARNING",
-}, "a local Goto in another system")
+expect.settles(d, "a local Goto in another system",
+               { "GF/S/g NoMatchingFrom EDITTIME_WARNING", "GF/f NoMatchingGoTO EDITTIME_WARNING" })
 
 d:set("GF/S/g", { TagVisibility = "global" })
-expect.eq(blockara.idle(), true, "idle after making it global")
-expect.lines(expect.findings(d), {}, "a global Goto reaches the From")
-expect.lines(expect.glows(d), {}, "no glow")
+expect.settles(d, "a global Goto reaches the From", {}, {})
 
 d:add("GF", "Goto", "h", { GotoTag = "A", TagVisibility = "global" })
-expect.eq(blockara.idle(), true, "idle after a second global Goto")
-expect.lines(expect.findings(d), {
-  "GF/S/g DuplicateGoTo EDITTIME_ERROR",
-  "GF/h DuplicateGoTo EDITTIME_ERROR",
-}, "two global Gotos of one tag")
-expect.lines(expect.glows(d), { "GF/S/g Error", "GF/h Error" }, "their glows")
+expect.settles(d, "two global Gotos of one tag",
+               { "GF/S/g DuplicateGoTo EDITTIME_ERROR", "GF/h DuplicateGoTo EDITTIME_ERROR" },
+               { "GF/S/g Error", "GF/h Error" })
 
 d:delete("GF/h")
-expect.eq(blockara.idle(), true, "idle after deleting it")
-expect.lines(expect.findings(d), {}, "settled")
-expect.lines(expect.glows(d), {}, "no glow left")
+expect.settles(d, "settled after deleting it", {}, {})
 print("interactive_gotofrom: ok")

@@ -8,29 +8,21 @@ d:add("SA", "UnitDelay", "u")
 d:add("SA", "SubSystem", "S")
 d:add("SA/S", "UnitDelay", "v")
 d:add("SA", "StateReader", "r", { StateOwnerBlock = "SA/u" })
-expect.eq(blockara.idle(), true, "idle after the reader")
-expect.lines(expect.findings(d), {
-  "SA/r StateAccessorAndStateOwnerInSameSystem EDITTIME_ERROR",
-}, "reader and owner in one system")
-expect.lines(expect.glows(d), { "SA/r Error" }, "its glow")
+expect.settles(d, "reader and owner in one system",
+               { "SA/r StateAccessorAndStateOwnerInSameSystem EDITTIME_ERROR" }, { "SA/r Error" })
 
 d:set("SA/r", { StateOwnerBlock = "SA/S/v" })
-expect.eq(blockara.idle(), true, "idle after naming the owner below")
-expect.lines(expect.findings(d), {
-  "SA/r StateOwnerInsideStateAccessorSystem EDITTIME_ERROR",
-}, "the owner below the reader's system")
+expect.settles(d, "the owner below the reader's system",
+               { "SA/r StateOwnerInsideStateAccessorSystem EDITTIME_ERROR" })
 
 -- A writer in S naming the root's u relatively: it stands below its owner, which is allowed.
 d:add("SA/S", "StateWriter", "w", { StateOwnerBlock = "../u" })
 d:set("SA/r", { StateOwnerBlock = "" })
-expect.eq(blockara.idle(), true, "idle after the writer")
-expect.lines(expect.findings(d), {}, "no owner, and an owner above")
+expect.settles(d, "no owner, and an owner above", {})
 
 -- An event listener makes its subsystem iterate: the writer inside and its owner outside.
 d:add("SA/S", "EventListener", "el")
 d:set("SA/S/w", { StateOwnerBlock = "../u" })
-expect.eq(blockara.idle(), true, "idle after the listener")
-expect.lines(expect.findings(d), {
-  "SA/S/w StateAccessorInImplicitIterator EDITTIME_ERROR",
-}, "the writer iterates, its owner does not")
+expect.settles(d, "the writer iterates, its owner does not",
+               { "SA/S/w StateAccessorInImplicitIterator EDITTIME_ERROR" })
 print("interactive_stateaccessor: ok")

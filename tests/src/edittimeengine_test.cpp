@@ -36,11 +36,10 @@ TEST_F(EngineBatchTest, AddedBlocksOnlyRoutingBlocksAreTakenAndDeletionsRunFirst
   e().addBlock(u"m", "SubSystem", u"hidden");
   clear();
   {
+    // g is on view but held back until scanned; routing blocks are taken though not on view; c
+    // is neither.
     blockara::EditBatch batch(*d);
-    e().addBlock(u"m", "Gain", u"g");          // on view, but held back until scanned
-    e().addBlock(u"m/hidden", "Goto", u"go");  // routing: taken though not on view
-    e().addBlock(u"m/hidden", "DataStoreMemory", u"ds");
-    e().addBlock(u"m/hidden", "Constant", u"c");  // neither routing nor on view
+    addBlocks(d, {"g Gain", "hidden/go Goto", "hidden/ds DataStoreMemory", "hidden/c Constant"});
   }
   EXPECT_EQ(takeChanged(*data), (Names{"go", "ds"}));
   EXPECT_TRUE(takeDeleted(*data).empty());
@@ -48,10 +47,7 @@ TEST_F(EngineBatchTest, AddedBlocksOnlyRoutingBlocksAreTakenAndDeletionsRunFirst
 }
 
 TEST_F(EngineBatchTest, ChangedBlocksAreTakenWhenRoutingOrOnView) {
-  e().addBlock(u"m", "SubSystem", u"hidden");
-  e().addBlock(u"m", "Gain", u"onView");
-  e().addBlock(u"m/hidden", "Gain", u"offView");
-  e().addBlock(u"m/hidden", "From", u"from");
+  addBlocks(d, {"hidden SubSystem", "onView Gain", "hidden/offView Gain", "hidden/from From"});
   clear();
   {
     blockara::EditBatch batch(*d);
@@ -120,9 +116,7 @@ TEST_F(EngineBatchTest, DeletedBlocksAndVariantSubsystems) {
 }
 
 TEST_F(EngineBatchTest, CommentChangesRouteByKind) {
-  e().addBlock(u"m", "Goto", u"go");
-  e().addBlock(u"m", "Gain", u"g");
-  BKBlock* sub = e().addBlock(u"m", "SubSystem", u"s");
+  addBlocks(d, {"go Goto", "g Gain", "s SubSystem"});
   clear();
 
   e().setCommentState(u"m/g", 1);  // not routing, not a subsystem: nothing to check
@@ -138,7 +132,7 @@ TEST_F(EngineBatchTest, CommentChangesRouteByKind) {
   ASSERT_EQ(added.size(), 1u);
   EXPECT_TRUE(added[0].isAdded);
   EXPECT_EQ(added[0].pathWithSlash, L"m/s/");
-  EXPECT_EQ(added[0].handle, sub->getHandle());
+  EXPECT_EQ(added[0].handle, d->findBlock(u"m/s")->getHandle());
 
   e().setCommentState(u"m/s", 0);
   auto removed = takeAll(bkEditBDProbe(*data).blkProperties());
@@ -148,11 +142,9 @@ TEST_F(EngineBatchTest, CommentChangesRouteByKind) {
 }
 
 TEST_F(EngineBatchTest, RenamedSubsystemsQueueTheirPathChange) {
-  e().addBlock(u"m", "SubSystem", u"s");
-  e().addBlock(u"m/s", "Goto", u"go");
-  takeChanged(*data);
+  addBlocks(d, {"s SubSystem", "s/go Goto"});
+  clear();
   takeAll(bkEditBDProbe(*data).subsysNameChanges());
-  takeEvents();
   e().renameBlock(u"m/s", u"t");
   auto changes = takeAll(bkEditBDProbe(*data).subsysNameChanges());
   ASSERT_EQ(changes.size(), 1u);
@@ -170,9 +162,7 @@ TEST_F(EngineBatchTest, StateAccessorSnapshotsResolveTheirOwnerAsTheHostDoes) {
   takeChanged(*data);
   e().addBlock(u"m/a//b", "StateReader", u"r", {{"StateOwnerBlock", std::string("../owner")}});
   e().addBlock(u"m", "StateWriter", u"w", {{"StateOwnerBlock", std::string("m/gone")}});
-  std::vector<std::shared_ptr<bkEditBlock>> taken;
-  std::shared_ptr<bkEditBlock> block;
-  while (bkEditBDProbe(*data).changedBlocks().try_pop(block)) taken.push_back(block);
+  const auto taken = takeAll(bkEditBDProbe(*data).changedBlocks());
   ASSERT_EQ(taken.size(), 2u);
   ASSERT_TRUE(taken[0]->getDefaultEditBlock());
   EXPECT_EQ(taken[0]->getDefaultEditBlock()->stringParam0, "m/owner");

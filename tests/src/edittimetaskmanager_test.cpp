@@ -22,14 +22,8 @@ class ScanTest : public EngineFixture {
   // A root with one block and three subsystems of one block each, every level in an editor.
   BKRootBD* build(bool auditor, const std::vector<std::u16string>& editors) {
     BKRootBD* d = open(u"m", BKRootBD::Model, auditor);
-    auto& e = d->editing();
-    e.addBlock(u"m", "Gain", u"r");
-    for (const char16_t* s : {u"s1", u"s2", u"s3"}) {
-      e.addBlock(u"m", "SubSystem", s);
-      e.addBlock(std::u16string(u"m/") + s, "Gain", std::u16string(u"in_") + s);
-    }
-    e.addBlock(u"m", "Chart", u"c");
-    e.addBlock(u"m/c", "Gain", u"in_c");
+    addBlocks(d, {"r Gain", "s1 SubSystem", "s1/in_s1 Gain", "s2 SubSystem", "s2/in_s2 Gain",
+                  "s3 SubSystem", "s3/in_s3 Gain", "c Chart", "c/in_c Gain"});
     Blockara::StudioApp* studio = Blockara::StudioApp::open(d);
     for (const auto& path : editors) studio->openEditor(path);
     blockara::EventLoop::instance().runUntilIdle();

@@ -19,6 +19,7 @@
 #include "src/hostinterface.h"
 #include "src/moduleentries.h"
 #include "tests/src/bkeditbdprobe.h"
+#include "tests/src/blockspec.h"
 
 namespace bkedittimecheck::testing {
 
@@ -84,24 +85,20 @@ class EngineFixture : public ::testing::Test {
   /// Pops every snapshot from `changedBlocks`, returning the block names in order.
   static std::vector<std::string> takeChanged(bkEditBD& data) {
     std::vector<std::string> names;
-    std::shared_ptr<bkEditBlock> block;
-    while (bkEditBDProbe(data).changedBlocks().try_pop(block))
+    for (const auto& block : takeAll(bkEditBDProbe(data).changedBlocks()))
       names.push_back(block->getBlockName());
     return names;
   }
 
   /// Pops every handle from `deletedHandles`.
   static std::vector<double> takeDeleted(bkEditBD& data) {
-    std::vector<double> handles;
-    double handle = 0;
-    while (bkEditBDProbe(data).deletedHandles().try_pop(handle)) handles.push_back(handle);
-    return handles;
+    return takeAll(bkEditBDProbe(data).deletedHandles());
   }
 
   template <typename T>
   static std::vector<T> takeAll(EditQueue<T>& queue) {
     std::vector<T> out;
-    T item;
+    T item{};
     while (queue.try_pop(item)) out.push_back(std::move(item));
     return out;
   }

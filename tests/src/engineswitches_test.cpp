@@ -1,6 +1,7 @@
 // The engine's switches and refreshes: what each changes, in which order, and which table it runs.
 #include <gtest/gtest.h>
 
+#include <tuple>
 
 #include "host/model/bkblock.h"
 #include "src/presentation/edittimestyler.h"
@@ -18,10 +19,7 @@ class EngineSwitchTest : public EngineFixture {
   void SetUp() override {
     EngineFixture::SetUp();
     d = open(u"m");
-    d->editing().addBlock(u"m", "Gain", u"g");
-    d->editing().addBlock(u"m", "Gain", u"h");
-    d->editing().addBlock(u"m", "SubSystem", u"s");
-    d->editing().addBlock(u"m/s", "Goto", u"hiddenGoto");
+    addBlocks(d, {"g Gain", "h Gain", "s SubSystem", "s/hiddenGoto Goto"});
     engine = engineOf(u"m");
     ASSERT_TRUE(engine);
     watch(*engine);
@@ -58,6 +56,12 @@ class EngineSwitchTest : public EngineFixture {
     engine->getViolations()->add(
         std::make_shared<EditTimeViolation>(check, "type", severity, handle));
   }
+  /// Adds the records (handle, check, severity), styles them and drops what that traced.
+  void styledWith(std::initializer_list<std::tuple<double, const char*, std::uint32_t>> records) {
+    for (const auto& [handle, check, severity] : records) add(handle, check, severity);
+    engine->applyStyling();
+    take();
+  }
 
   std::vector<std::string> severitiesOf(double handle) const {
     std::vector<std::string> out;
@@ -78,13 +82,7 @@ class EngineSwitchTest : public EngineFixture {
 };
 
 TEST_F(EngineSwitchTest, ErrorsOffRemovesStylingFirstWarningsOffClearsTheFlagFirst) {
-  add(g, "err", 1);
-  add(g, "err2", 1);
-  add(h, "warn", 0);
-  add(h, "warn2", 0);
-  engine->applyStyling();
-  take();
-
+  styledWith({{g, "err", 1}, {g, "err2", 1}, {h, "warn", 0}, {h, "warn2", 0}});
   controller().turnOffErrors(L"m");
   // The red goes while errors are still on; only then is the switch cleared. One error a block
   // leaves the store.
@@ -122,12 +120,8 @@ TEST_F(EngineSwitchTest, SwitchesOnRunTheirTablesAfterSettingTheFlags) {
 }
 
 TEST_F(EngineSwitchTest, ASuspendedDiagramIgnoresTheSwitchesButStillLosesItsGlows) {
-  add(g, "err", 1);
-  add(h, "warn", 0);
-  add(h, "ra", 3);
   engine->getAlgorithmTable().auditorChecksEnabled = true;
-  engine->applyStyling();
-  take();
+  styledWith({{g, "err", 1}, {h, "warn", 0}, {h, "ra", 3}});
 
   d->setSuspended(true);
   controller().on(L"m");
@@ -175,10 +169,8 @@ TEST_F(EngineSwitchTest, TheWholeDiagramIsWalkedOnceInAnEnginesLife) {
 
 TEST_F(EngineSwitchTest, TheWalkCountsVariantsAndNotesSubsystemsAndListeners) {
   controller().closeEngine(L"m");
-  d->editing().addBlock(u"m", "SubSystem", u"v", {{"Variant", std::string("on")}});
-  d->editing().addBlock(u"m", "SubSystem", u"quiet");
+  addBlocks(d, {"v SubSystem Variant=on", "quiet SubSystem", "s/listen EventListener"});
   d->editing().setCommentState(u"m/quiet", 1);
-  d->editing().addBlock(u"m/s", "EventListener", u"listen");
   controller().turnOnErrors(L"m");
   auto fresh = engineOf(u"m");
   ASSERT_TRUE(fresh);
@@ -194,16 +186,11 @@ TEST_F(EngineSwitchTest, TheWalkCountsVariantsAndNotesSubsystemsAndListeners) {
 }
 
 TEST_F(EngineSwitchTest, AuditorOffClearsTheSwitchBeforeTheStyling) {
-  add(g, "ra", 3);  // rule-auditor findings only: every one of them goes
-  add(g, "ra2", 3);
-  add(h, "ra", 3);
-  add(h, "warn", 0);  // h also carries an edit-time warning
-  add(h, "err", 1);
+  // g has rule-auditor findings only: every one of them goes. h also carries an edit-time
+  // warning, and keeps its orange for it.
   engine->getAlgorithmTable().auditorChecksEnabled = true;
-  engine->applyStyling();
-  take();
+  styledWith({{g, "ra", 3}, {g, "ra2", 3}, {h, "ra", 3}, {h, "warn", 0}, {h, "err", 1}});
   controller().disableRA(L"m");
-  // h keeps its orange for its own warning.
   EXPECT_EQ(take(), (Trace{"-Warn g E1 W1 RA0"}));
   EXPECT_TRUE(engine->getViolations()->violationsOf(g).empty());
   EXPECT_EQ(severitiesOf(h), (std::vector<std::string>{"err:1", "warn:0"}));
@@ -223,9 +210,7 @@ TEST_F(EngineSwitchTest, AuditorSwitchesAndConfigurations) {
     sawMask |= m.path == L"m/s";
   EXPECT_TRUE(sawMask);
 
-  add(g, "ra", 3);
-  engine->applyStyling();
-  take();
+  styledWith({{g, "ra", 3}});
   controller().switchConfiguration(L"/no/such/config.xml", L"m");
   // The old configuration's findings go before the new checks run.
   EXPECT_EQ(take(), (Trace{"-Warn g E1 W1 RA1", "run 7 E1 W1 RA1 scanned=1"}));

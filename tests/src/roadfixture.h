@@ -102,6 +102,16 @@ class RoadFixture : public EngineFixture {
     return block;
   }
 
+  /// An edit that places each block of `blocks` (see BlockSpec) with place().
+  static Edit placing(Lines blocks) {
+    return [blocks](BKRootBD* d) {
+      for (const std::string& line : blocks) {
+        const BlockSpec b(d->getName(), line);
+        place(d, b.system, b.type, b.name, b.props);
+      }
+    };
+  }
+
   /// Runs the main loop and the manual worker until nothing is queued, running or unstyled.
   static bool settle() {
     return blockara::EventLoop::instance().runUntilQuiet(std::chrono::seconds(20));

@@ -38,14 +38,26 @@ local function identifiers(text)
   return names
 end
 
-local function namesMissingVariable(block)
+-- The names of a block type's numeric-expression parameters. A block's dialog parameters are
+-- those of its type, so one question answers for every block of the type; `byType` lives for
+-- one call, so a library that changes between calls is read afresh.
+local function expressionParameters(block, byType)
+  local names = byType[block.type]
+  if names then return names end
+  names = {}
   for _, p in ipairs(block:parameters()) do
-    if p.type == 6 then
-      local value = block:get(p.name)
-      if type(value) == "string" then
-        for _, name in ipairs(identifiers(value)) do
-          if not known(name) then return true end
-        end
+    if p.type == 6 then names[#names + 1] = p.name end
+  end
+  byType[block.type] = names
+  return names
+end
+
+local function namesMissingVariable(block, byType)
+  for _, parameter in ipairs(expressionParameters(block, byType)) do
+    local value = block:get(parameter)
+    if type(value) == "string" then
+      for _, name in ipairs(identifiers(value)) do
+        if not known(name) then return true end
       end
     end
   end
@@ -62,9 +74,10 @@ end
 function M.findMissingVariable(handles, diagramName)
   local list = handleList(handles)
   local answer = {}
+  local byType = {}
   for i, handle in ipairs(list) do
     local block = handle ~= 0 and blockara.block(handle) or nil
-    answer[i] = block ~= nil and namesMissingVariable(block)
+    answer[i] = block ~= nil and namesMissingVariable(block, byType)
   end
   return nx.array("logical", 1, #answer, answer)
 end

@@ -5,9 +5,8 @@
 
 #include "host/language/cmddistributor.h"
 #include "host/language/feval.h"
-#include "host/language/luahost.h"
 #include "host/language/nvm.h"
-#include "host/runtime/eventloop.h"
+#include "luafixture.h"
 #include "nxarrayprint.h"
 #include "testclass.h"
 
@@ -15,14 +14,8 @@ namespace {
 
 using namespace cmddistributor;
 
-class EvaluationTest : public ::testing::Test {
+class EvaluationTest : public LuaFixture {
  protected:
-  void SetUp() override {
-    blockara::EventLoop::instance().adoptCurrentThread();
-    host = std::make_unique<blockara::LuaHost>(blockara::LuaHostOptions{
-        BKETC_RESOURCE_DIR, {std::string(BKETC_SOURCE_DIR) + "/tests/host/language/lua"}, true});
-  }
-
   /// Posts `name(args)` from another thread, the way the worker does, and returns the future.
   template <class R>
   std::future<R> postFromWorker(const std::string& name, int nlhs, std::vector<nxArray> args,
@@ -48,8 +41,6 @@ class EvaluationTest : public ::testing::Test {
     return std::make_shared<CmdRequest>(3, vm->getSink(0), vm->getSink(1),
                                         std::make_shared<FEvalIIP>(name, nlhs, data, 3));
   }
-
-  std::unique_ptr<blockara::LuaHost> host;
 };
 
 std::vector<bool> flagsOf(const std::shared_ptr<CmdEvent>& event) {
@@ -73,24 +64,6 @@ TEST_F(EvaluationTest, ExtractorsShapeTheResultAndTheirErrorsReachTheFuture) {
   } catch (const std::runtime_error& e) {
     EXPECT_STREQ(e.what(), "nxArray contained double but expected logical");
   }
-}
-
-TEST_F(EvaluationTest, SynchronousEvaluationNeverThrows) {
-  std::vector<nxArray> out;
-  auto diagnostic =
-      bksvFEVAL_NoThrow(0, out, "testmods.Calls.fail", {nxArray::charRow("a:b:C: no")});
-  ASSERT_NE(diagnostic, nullptr);
-  EXPECT_EQ(diagnostic->identifier, "a:b:C");
-  std::string warned;
-  bksvSetWarningHandler([&](const std::string& m) { warned = m; });
-  bksvReportAsWarning(diagnostic);
-  bksvSetWarningHandler(nullptr);
-  EXPECT_EQ(warned, "a:b:C: no");
-  EXPECT_THROW(bksvThrowIExceptionFromDiagnostic(diagnostic), NException);
-  bksvDiagnosticPtr offThread;
-  std::thread([&] { offThread = bksvFEVAL_NoThrow(0, out, "testmods.Calls.add", {}); }).join();
-  ASSERT_NE(offThread, nullptr);
-  EXPECT_EQ(offThread->identifier, "blockara:nvm:NotMainThread");
 }
 
 /// A sink that keeps what it gets.
@@ -259,7 +232,7 @@ TEST_F(EvaluationTest, ObjectsCannotCrossThreadsAndMissingLanguageIsAnError) {
   EXPECT_EQ(diagnostic->identifier, "blockara:nvm:NoHostLanguage");
 }
 
-TEST_F(EvaluationTest, FunctionNamesResolveToGlobalsModulesAndTheirFunctions) {
+TEST_F(EvaluationTest, NamesResolveToGlobalsAndModulesAndErrorsCarryATraceback) {
   ASSERT_EQ(host->runString("function twice(x) return x .. x end"), std::nullopt);
   struct Case {
     const char* name;
@@ -278,10 +251,13 @@ TEST_F(EvaluationTest, FunctionNamesResolveToGlobalsModulesAndTheirFunctions) {
     ASSERT_EQ(out.size(), 1u) << c.name;
     EXPECT_EQ(out[0], c.expected) << c.name;
   }
+  const std::string error = run("local function inner() error('deep') end inner()");
+  EXPECT_NE(error.find("deep"), std::string::npos);
+  EXPECT_NE(error.find("stack traceback"), std::string::npos);
   EXPECT_EQ(lua_gettop(host->state()), 0);
 }
 
-TEST_F(EvaluationTest, ErrorIdentifiersAreTakenOnlyFromAWellFormedStart) {
+TEST_F(EvaluationTest, SynchronousCallsNeverThrowAndTakeOnlyWellFormedIdentifiers) {
   struct Case {
     const char* message;
     const char* identifier;
@@ -292,21 +268,25 @@ TEST_F(EvaluationTest, ErrorIdentifiersAreTakenOnlyFromAWellFormedStart) {
       {"a:b:C text", ""},        {"a:b:C:text", "a:b:C:text"},  {"1a:b: text", ""},
       {"http://host: down", ""}, {"[string]:1: a:b:C: x", ""},  {"", ""},
   };
+  std::vector<nxArray> out;
   for (const Case& c : cases) {
-    std::vector<nxArray> out;
     auto diagnostic =
         bksvFEVAL_NoThrow(0, out, "testmods.Calls.fail", {nxArray::charRow(c.message)});
     ASSERT_NE(diagnostic, nullptr) << c.message;
     EXPECT_EQ(diagnostic->identifier, c.identifier) << c.message;
   }
-}
-
-TEST_F(EvaluationTest, ScriptErrorsCarryATraceback) {
-  std::string error =
-      host->runString("local function inner() error('deep') end inner()").value_or("");
-  EXPECT_NE(error.find("deep"), std::string::npos);
-  EXPECT_NE(error.find("stack traceback"), std::string::npos);
-  EXPECT_EQ(lua_gettop(host->state()), 0);
+  auto diagnostic =
+      bksvFEVAL_NoThrow(0, out, "testmods.Calls.fail", {nxArray::charRow("a:b:C: no")});
+  std::string warned;
+  bksvSetWarningHandler([&](const std::string& m) { warned = m; });
+  bksvReportAsWarning(diagnostic);
+  bksvSetWarningHandler(nullptr);
+  EXPECT_EQ(warned, "a:b:C: no");
+  EXPECT_THROW(bksvThrowIExceptionFromDiagnostic(diagnostic), NException);
+  bksvDiagnosticPtr offThread;
+  std::thread([&] { offThread = bksvFEVAL_NoThrow(0, out, "testmods.Calls.add", {}); }).join();
+  ASSERT_NE(offThread, nullptr);
+  EXPECT_EQ(offThread->identifier, "blockara:nvm:NotMainThread");
 }
 
 }  // namespace

@@ -1,24 +1,17 @@
 #include <gtest/gtest.h>
 
-#include "host/language/luahost.h"
-#include "host/runtime/eventloop.h"
+#include "luafixture.h"
 #include "nxarrayprint.h"
 #include "testgadget.h"
 
 namespace {
 
-using blockara::LuaHost;
-
-class LuaNcosTest : public ::testing::Test {
+class LuaNcosTest : public LuaFixture {
  protected:
   void SetUp() override {
-    blockara::EventLoop::instance().adoptCurrentThread();
     testclass::registerGadget();
-    host = std::make_unique<LuaHost>(blockara::LuaHostOptions{
-        BKETC_RESOURCE_DIR, {std::string(BKETC_SOURCE_DIR) + "/tests/host/language/lua"}, true});
+    LuaFixture::SetUp();
   }
-  /// Runs code and returns its error ("" when none).
-  std::string run(const std::string& code) { return host->runString(code).value_or(""); }
   /// The error object of `code` run under pcall, as Lua sees it ("<no error>" when none).
   std::string errorOf(const std::string& code) {
     std::string wrapped = "local ok, e = pcall(function() " + code +
@@ -30,7 +23,6 @@ class LuaNcosTest : public ::testing::Test {
     lua_pop(host->state(), 1);
     return e;
   }
-  std::unique_ptr<LuaHost> host;
 };
 
 TEST_F(LuaNcosTest, OverloadsAreTriedOwnClassFirstThenSuperclasses) {

@@ -1,25 +1,19 @@
 #include <gtest/gtest.h>
 
-#include "host/language/luahost.h"
-#include "host/runtime/eventloop.h"
+#include "luafixture.h"
 #include "nxarrayprint.h"
 #include "testclass.h"
 
 namespace {
 
-using blockara::LuaHost;
-
-class LuaValueTest : public ::testing::Test {
+class LuaValueTest : public LuaFixture {
  protected:
   void SetUp() override {
-    blockara::EventLoop::instance().adoptCurrentThread();
     testclass::registerTestPackage();
-    host = std::make_unique<LuaHost>(blockara::LuaHostOptions{
-        BKETC_RESOURCE_DIR, {std::string(BKETC_SOURCE_DIR) + "/tests/host/language/lua"}, true});
+    LuaFixture::SetUp();
     widget = ncos::COSInterface::makeOwned(ncos::COSPackage::findClass("Test.pkg.Widget"),
                                            std::make_shared<testclass::Widget>());
   }
-  std::string run(const std::string& code) { return host->runString(code).value_or(""); }
   /// The array of the Lua expression `expr`.
   nxArray fromLua(const std::string& expr) {
     EXPECT_EQ(run("value = " + expr), "") << expr;
@@ -40,7 +34,6 @@ class LuaValueTest : public ::testing::Test {
     auto r = host->callFunction("testmods.Calls.kinds", 1, {value});
     return r.at(0).charData();
   }
-  std::unique_ptr<LuaHost> host;
   ncos::COSInterfacePtr widget;
 };
 

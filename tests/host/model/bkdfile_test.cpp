@@ -4,13 +4,13 @@
 
 #include <cstdio>
 #include <fstream>
-#include <functional>
 
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
 #include "host/model/blocklibrary.h"
 #include "host/model/diagramediting.h"
 #include "host/xml/xmlreader.h"
+#include "tests/host/messageof.h"
 
 namespace {
 
@@ -175,14 +175,8 @@ TEST_F(BkdFileTest, ContentPassedOverIsReportedOncePerKindWithItsFirstLine) {
 TEST_F(BkdFileTest, HostileTextsAreRefusedBeforeParsingByModelAndLibraryReaders) {
   std::string deep = "<BlockDiagram Name=\"h\">\n";
   for (int i = 0; i < 100000; ++i) deep += "<System><Block Type=\"SubSystem\">";
-  const auto refusal = [](const std::function<void()>& read) {
-    try {
-      read();
-      return std::string("accepted");
-    } catch (const std::runtime_error& e) {  // ModelFileError for models
-      return std::string(e.what());
-    }
-  };
+  // ModelFileError for models, a runtime error for libraries.
+  const auto refusal = [](const auto& read) { return messageOf<std::runtime_error>(read); };
   const auto model = [](const std::string& xml) {
     return [xml] { blockara::readDiagramXml(xml, "h.bkd"); };
   };

@@ -3,6 +3,7 @@
 #include "host/model/bkrootbd.h"
 #include "host/model/blockqueries.h"
 #include "host/model/diagramediting.h"
+#include "tests/host/messageof.h"
 
 namespace {
 
@@ -16,19 +17,16 @@ class ModelTest : public ::testing::Test {
 TEST(BlockLibraryTest, MalformedLibraryNamesFileAndKeepsTypes) {
   BlockLibrary lib;
   lib.loadFromString("<BlockLibrary><BlockType Name=\"A\" Code=\"1\"/></BlockLibrary>", "a.xml");
-  const auto error = [&](const std::string& text, const std::string& file) {
-    try {
-      lib.loadFromString(text, file);
-    } catch (const std::runtime_error& e) {
-      return std::string(e.what());
-    }
-    return std::string("no error");
-  };
-  const std::string badCode =
-      error("<BlockLibrary>\n<BlockType Name=\"B\" Code=\"x\"/></BlockLibrary>", "b.xml");
+  const std::string badCode = messageOf<std::runtime_error>([&] {
+    lib.loadFromString("<BlockLibrary>\n<BlockType Name=\"B\" Code=\"x\"/></BlockLibrary>",
+                       "b.xml");
+  });
   EXPECT_NE(badCode.find("b.xml"), std::string::npos) << badCode;
   EXPECT_NE(badCode.find("Code"), std::string::npos) << badCode;
-  EXPECT_EQ(error("<BlockLibrary>\n<BlockType", "c.xml").rfind("c.xml:", 0), 0u);
+  EXPECT_EQ(messageOf<std::runtime_error>([&] {
+              lib.loadFromString("<BlockLibrary>\n<BlockType", "c.xml");
+            }).rfind("c.xml:", 0),
+            0u);
   EXPECT_NE(lib.find("A"), nullptr);
 }
 

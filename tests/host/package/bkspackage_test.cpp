@@ -9,9 +9,10 @@
 #include <csignal>
 #include <cstring>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <random>
+
+#include "tests/host/messageof.h"
 
 namespace {
 
@@ -28,16 +29,6 @@ PartMap fromBuffer(const std::string& bytes, const std::string& label) {
                                label);
 }
 
-/// The message of the PackageError `fn` throws, or "no error".
-std::string packageError(const std::function<void()>& fn) {
-  try {
-    fn();
-  } catch (const PackageError& e) {
-    return e.what();
-  }
-  return "no error";
-}
-
 /// Whether `text` starts with `prefix`.
 bool startsWith(const std::string& text, const std::string& prefix) {
   return text.rfind(prefix, 0) == 0;
@@ -52,16 +43,6 @@ class PackageTest : public ::testing::Test {
   void TearDown() override { fs::remove_all(dir); }
   fs::path dir;
 };
-
-TEST_F(PackageTest, ACorruptOrMissingArchiveIsAnError) {
-  fs::path file = dir / "m.bkdx";
-  writePackage(file, {{"/diagram.xml", std::string(5000, 'd')}, {"/b", "bbb"}});
-  std::string good = slurp(file);
-  std::string flipped = good;
-  flipped[60] ^= 0x55;  // inside the first part's data: the checksum no longer matches
-  EXPECT_THROW(fromBuffer(flipped, "flipped"), PackageError);
-  EXPECT_THROW(readPackage(dir / "absent.bkdx"), PackageError);
-}
 
 std::string binaryBytes(std::size_t n, unsigned seed) {
   std::mt19937 random(seed);
@@ -91,26 +72,35 @@ TEST_F(PackageTest, BadPartNamesAreRefusedBeforeAnythingIsWritten) {
   fs::path file = dir / "m.bkdx";
   for (const char* name : {"", "/", "x", "x/y", "//a", "/a//b", "/a/", "/.", "/..", "/./a", "/a/..",
                            "/a/./b", "/a/../b"}) {
-    const std::string what =
-        packageError([&] { writePackage(file, {{"/fine", "x"}, {name, "y"}}); });
+    const std::string what = messageOf<PackageError>([&] {
+      writePackage(file, {{"/fine", "x"}, {name, "y"}});
+    });
     EXPECT_TRUE(startsWith(what, file.string() + ": invalid part name '" + name + "'")) << what;
     EXPECT_FALSE(fs::exists(file)) << name;
   }
   EXPECT_TRUE(fs::is_empty(dir));
 }
 
-TEST_F(PackageTest, EveryTruncationIsAnErrorNamingTheSource) {
+TEST_F(PackageTest, EveryTruncationCorruptionOrMissingArchiveIsAnErrorNamingTheSource) {
+  fs::path big = dir / "big.bkdx";
+  writePackage(big, {{"/diagram.xml", std::string(5000, 'd')}, {"/b", "bbb"}});
+  std::string flipped = slurp(big);
+  flipped[60] ^= 0x55;  // inside the first part's data: the checksum no longer matches
+  EXPECT_THROW(fromBuffer(flipped, "flipped"), PackageError);
+  EXPECT_THROW(readPackage(dir / "absent.bkdx"), PackageError);
+
   fs::path file = dir / "m.bkdx";
   writePackage(file, {{"/diagram.xml", "<diagram/>"}, {"/b/c", binaryBytes(200, 1)}});
   std::string good = slurp(file);
   fs::path cutFile = dir / "cut.bkdx";
   for (std::size_t cut = 0; cut < good.size(); cut += 5) {
     std::string label = "cut at " + std::to_string(cut);
-    const std::string fromMemory = packageError([&] { fromBuffer(good.substr(0, cut), label); });
+    const std::string fromMemory =
+        messageOf<PackageError>([&] { fromBuffer(good.substr(0, cut), label); });
     EXPECT_TRUE(startsWith(fromMemory, label + ": ")) << fromMemory;
     std::ofstream(cutFile, std::ios::binary | std::ios::trunc)
         .write(good.data(), static_cast<std::streamsize>(cut));
-    const std::string fromFile = packageError([&] { readPackage(cutFile); });
+    const std::string fromFile = messageOf<PackageError>([&] { readPackage(cutFile); });
     EXPECT_TRUE(startsWith(fromFile, cutFile.string() + ": ")) << fromFile;
   }
 }
@@ -141,7 +131,7 @@ TEST_F(PackageTest, FolderEntriesAreSkippedAndOversizedPartsRefused) {
   };
   patch("PK\x03\x04", 22, 30);
   patch("PK\x01\x02", 24, 46);
-  const std::string what = packageError([&] { fromBuffer(bytes, "huge"); });
+  const std::string what = messageOf<PackageError>([&] { fromBuffer(bytes, "huge"); });
   EXPECT_NE(what.find("huge: part '/auditor/x.xml'"), std::string::npos) << what;
 }
 
@@ -153,8 +143,9 @@ TEST_F(PackageTest, AFailedWriteLeavesTheOldPackageAndNoTemporaryFile) {
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit limit{64 * 1024, 64 * 1024};
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-  const std::string what =
-      packageError([&] { writePackage(file, {{"/diagram.xml", binaryBytes(200000, 3)}}); });
+  const std::string what = messageOf<PackageError>([&] {
+    writePackage(file, {{"/diagram.xml", binaryBytes(200000, 3)}});
+  });
   EXPECT_TRUE(startsWith(what, file.string() + ": ")) << what;
   EXPECT_EQ(readPackage(file), old);
   // A directory in the way of the package: it stays as it was.
@@ -185,10 +176,10 @@ TEST_F(PackageTest, APartCopiedToAFileReplacesItOrNamesTheFailure) {
   std::ofstream(copy) << "much longer old content";
   reader::partToFile(reader, "/p", copy);
   EXPECT_EQ(slurp(copy), std::string("a\0b", 3));
-  EXPECT_TRUE(startsWith(packageError([&] { reader::partToFile(reader, "/q", copy); }),
+  EXPECT_TRUE(startsWith(messageOf<PackageError>([&] { reader::partToFile(reader, "/q", copy); }),
                          (dir / "memory.bkdx").string()));
   for (const fs::path& target : {dir / "absent" / "x.bin", dir}) {
-    EXPECT_EQ(packageError([&] { reader::partToFile(reader, "/p", target); }),
+    EXPECT_EQ(messageOf<PackageError>([&] { reader::partToFile(reader, "/p", target); }),
               target.string() + ": cannot write part '/p'");
   }
 }

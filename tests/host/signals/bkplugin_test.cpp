@@ -1,7 +1,8 @@
+#include "host/signals/bkplugin.h"
+
 #include <gtest/gtest.h>
 
 #include "host/model/bkrootbd.h"
-#include "host/signals/bkplugin.h"
 
 namespace {
 
@@ -32,7 +33,7 @@ TEST_F(SignalsTest, SignalsAreKeptPerDiagramAndEventInConnectionOrder) {
   EXPECT_EQ(log, (std::vector<std::string>{"b1"}));
 }
 
-TEST_F(SignalsTest, DisconnectAndCloseStopDelivery) {
+TEST_F(SignalsTest, DisconnectAndCloseStopDeliveryAndSlotExceptionsReachTheRaiser) {
   auto connection = bkplugin::addEditBdModelParameterSignal(
       a, BKGE_MODEL_PARAMETER_CHANGED, [&](BKRootBD*, const std::string& name) {
         EXPECT_EQ(name, "P");
@@ -54,15 +55,15 @@ TEST_F(SignalsTest, DisconnectAndCloseStopDelivery) {
   EXPECT_EQ(calls, 2);  // the second slot was disconnected by the close
   EXPECT_EQ(bkBlockDiagramSet::nameToBlockDiagram(u"b"), nullptr);
   EXPECT_EQ(bkplugin::slotCount(comp, BKCE_COMPILE_END), 0u);
-}
 
-TEST_F(SignalsTest, SlotExceptionsReachTheRaiser) {
+  // Slot exceptions reach the raiser.
   bkplugin::addEditBdBatchSignal(a, BKGE_BLOCKS_CHANGED, [](BKRootBD*, const PluginChangeReport&) {
     throw std::runtime_error("slot failed");
   });
   PluginChangeReport report;
   report.changed.push_back(1.5);
-  EXPECT_THROW(bkplugin::raiseEditBdBatchSignal(a, BKGE_BLOCKS_CHANGED, report), std::runtime_error);
+  EXPECT_THROW(bkplugin::raiseEditBdBatchSignal(a, BKGE_BLOCKS_CHANGED, report),
+               std::runtime_error);
 }
 
 }  // namespace

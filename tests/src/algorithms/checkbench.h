@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,6 +12,7 @@
 #include "src/bkeditbd.h"
 #include "src/violationdatabase.h"
 #include "tests/src/bkeditbdprobe.h"
+#include "tests/src/blockspec.h"
 
 namespace bkedittimecheck::testing {
 
@@ -27,30 +26,20 @@ class CheckBench : public ::testing::Test {
   void SetUp() override { blockara::EventLoop::instance().adoptCurrentThread(); }
   void TearDown() override { bkBlockDiagramSet::closeAll(); }
 
-  /// A fresh diagram, snapshot and store, with `blocks`, one a line: "PATH TYPE [K=V ...]", the
-  /// path below "m", in order of creation; "commented=1" comments the block out. Every block is
-  /// snapshotted, and each event listener queued as the engine queues it.
+  /// A fresh diagram, snapshot and store, with `blocks` (see BlockSpec) in order of creation;
+  /// "commented=1" comments the block out. Every block is snapshotted, and each event listener
+  /// queued as the engine queues it.
   void build(const Lines& blocks) {
     bkBlockDiagramSet::closeAll();
     d = bkBlockDiagramSet::create(u"m", BKRootBD::Model);
     data = std::make_unique<bkEditBD>(L"m", false);
     db = std::make_unique<ViolationDatabase>();
     for (const std::string& line : blocks) {
-      std::istringstream in(line);
-      std::string path, type, pair;
-      in >> path >> type;
-      const std::u16string full = u"m/" + i18n::to_u16string(path);
-      const std::size_t cut = full.rfind(u'/');
-      BKBlock* b = d->editing().addBlock(full.substr(0, cut), type, full.substr(cut + 1));
-      while (in >> pair) {
-        const std::string key = pair.substr(0, pair.find('='));
-        const std::string value = pair.substr(pair.find('=') + 1);
-        if (key == "commented")
-          d->editing().setCommentState(full, 1);
-        else
-          d->editing().setProperties(full, {{key, value}});
-      }
-      if (type == "EventListener") {
+      BlockSpec spec(u"m", line);
+      const bool commented = spec.props.erase("commented") > 0;
+      BKBlock* b = d->editing().addBlock(spec.system, spec.type, spec.name, spec.props);
+      if (commented) d->editing().setCommentState(spec.path(), 1);
+      if (spec.type == "EventListener") {
         probe().subsysProperties().push(
             SubsysProperties{toWide(b->getFullPath(false)), b->getHandle(), true});
       }
@@ -66,18 +55,7 @@ class CheckBench : public ::testing::Test {
   bkEditBDProbe probe() { return bkEditBDProbe(*data); }
 
   /// The store as "path|type|severity[|commented]", the path below "m", sorted.
-  Lines records() const {
-    Lines out;
-    for (BKBlock* b : d->blocksInPathOrder()) {
-      for (const EditTimeViolation& v : db->violationsOf(b->getHandle())) {
-        out.push_back(ConvertUStringToStdString(b->getFullPath(false)).substr(2) + "|" +
-                      v.violationType + "|" + std::to_string(v.severity) +
-                      (v.isCommented ? "|commented" : ""));
-      }
-    }
-    std::sort(out.begin(), out.end());
-    return out;
-  }
+  Lines records() const { return recordLines(d, *db); }
 
   BKRootBD* d = nullptr;
   std::unique_ptr<bkEditBD> data;

@@ -23,7 +23,7 @@ std::string parameter(const std::string& name, const std::string& values) {
   return "<InputParameter Name=\"" + name + "\">" + values + "</InputParameter>";
 }
 
-TEST(EditTimeAlgorithmsTest, ScopeParametersAndTheirDefaults) {
+TEST(EditTimeAlgorithmsTest, ScopeParametersTheirDefaultsAndTheirSharingPerCheckId) {
   EditTimeAlgorithms check("x", L"d", 3);
   EXPECT_EQ(check.currentScope().lookUnderMasks, 0);  // no reader yet: an all-zero pair
   EXPECT_EQ(check.currentScope().skipLinkedBlocks, 0);
@@ -50,9 +50,8 @@ TEST(EditTimeAlgorithmsTest, ScopeParametersAndTheirDefaults) {
   }
   check.readInputParameters(pt::ptree());  // an empty entry gives the defaults
   EXPECT_EQ(check.currentScope().lookUnderMasks, 2);
-}
 
-TEST(EditTimeAlgorithmsTest, ScopeIsSharedPerCheckIdAcrossInstancesAndDiagrams) {
+  // The scope is shared per check ID across instances and diagrams.
   EditTimeAlgorithms first("shared", L"one", 3);
   EditTimeAlgorithms second("shared", L"two", 3);
   EditTimeAlgorithms other("other", L"one", 3);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <map>
 #include <string>
 
@@ -27,18 +26,8 @@ class InteractiveRoad : public RoadFixture {
     ASSERT_FALSE(error) << *error;
   }
 
-  /// Every record of `m` as "path|type|severity", the path below "m", sorted.
-  Lines all() const {
-    Lines out;
-    for (BKBlock* b : d->blocksInPathOrder()) {
-      for (const auto& v : engineOf(u"m")->getViolations()->violationsOf(b->getHandle())) {
-        out.push_back(ConvertUStringToStdString(b->getFullPath(false)).substr(2) + "|" +
-                      v.violationType + "|" + std::to_string(v.severity));
-      }
-    }
-    std::sort(out.begin(), out.end());
-    return out;
-  }
+  /// Every record of `m` as "path|type|severity[|commented]", the path below "m", sorted.
+  Lines all() const { return recordLines(d, *engineOf(u"m")->getViolations()); }
 
   /// The style classes of `m`, the paths below "m".
   std::map<std::string, std::string> glows() const {

@@ -23,30 +23,18 @@ TEST_F(LayoutAndListChecksTest, LayoutChecksLookAtNameSideOrientationAndPortIcon
   runCases({
       {"name on the alternate side, shown only",
        check("orvanta.kabe.kb_0401"),
-       [](BKRootBD* d) {
-         place(d, u"m1", "Gain", u"a", {{"NamePlacement", std::string("alternate")}});
-         place(d, u"m1", "Gain", u"b",
-               {{"NamePlacement", std::string("alternate")}, {"ShowName", false}});
-         place(d, u"m1", "Gain", u"c");
-       },
+       placing({"a Gain NamePlacement=alternate", "b Gain NamePlacement=alternate ShowName=off",
+                "c Gain"}),
        {"/a|orvanta.kabe.kb_0401|BlockNamePosition|3"}},
       {"a turned subsystem, not a turned gain",
        check("orvanta.kabe.kb_0403"),
-       [](BKRootBD* d) {
-         place(d, u"m2", "SubSystem", u"s", {{"Orientation", std::string("down")}});
-         place(d, u"m2", "Gain", u"g", {{"Orientation", std::string("down")}});
-         place(d, u"m2", "SubSystem", u"t");
-       },
+       placing({"s SubSystem Orientation=down", "g Gain Orientation=down", "t SubSystem"}),
        {"/s|orvanta.kabe.kb_0403|BlockOrientation|3"}},
       {"port icons other than the number; kind 67 is not looked at",
        check("orvanta.kabe.kb_0404"),
-       [](BKRootBD* d) {
-         place(d, u"m3", "Inport", u"i", {{"IconDisplay", std::string("Signal name")}});
-         place(d, u"m3", "Outport", u"o",
-               {{"IconDisplay", std::string("Port number and signal name")}});
-         place(d, u"m3", "InportShadow", u"sh", {{"IconDisplay", std::string("Signal name")}});
-         place(d, u"m3", "Inport", u"fine");
-       },
+       placing({"i Inport IconDisplay=Signal name",
+                "o Outport IconDisplay=Port number and signal name",
+                "sh InportShadow IconDisplay=Signal name", "fine Inport"}),
        {"/i|orvanta.kabe.kb_0404|PortBlockIconDisplay|3",
         "/o|orvanta.kabe.kb_0404|PortBlockIconDisplay|3"}},
   });
@@ -56,48 +44,27 @@ TEST_F(LayoutAndListChecksTest, ListChecksMatchTypeAndMaskType) {
   runCases({
       {"prohibited plain Gain: a masked Gain is not listed",
        list("orvanta.kabe.kb_0407", "Prohibited", "<T>Gain</T><T MaskType=\"M\">Constant</T>"),
-       [](BKRootBD* d) {
-         place(d, u"m1", "Gain", u"g");
-         place(d, u"m1", "Gain", u"mg", {{"MaskType", std::string("M")}});
-         place(d, u"m1", "Constant", u"c");
-         place(d, u"m1", "Constant", u"mc", {{"MaskType", std::string("M")}});
-       },
+       placing({"g Gain", "mg Gain MaskType=M", "c Constant", "mc Constant MaskType=M"}),
        {"/g|orvanta.kabe.kb_0407|ProhibitedBlocks|3",
         "/mc|orvanta.kabe.kb_0407|ProhibitedBlocks|3"}},
       {"allowed list: everything else violates",
        list("orvanta.kabe.kb_0407", "Allowed", "<T>Gain</T>"),
-       [](BKRootBD* d) {
-         place(d, u"m2", "Gain", u"g");
-         place(d, u"m2", "Gain", u"mg", {{"MaskType", std::string("M")}});
-       },
+       placing({"g Gain", "mg Gain MaskType=M"}),
        {"/mg|orvanta.kabe.kb_0407|ProhibitedBlocks|3"}},
       {"'allowed' in lower case means prohibited",
        list("orvanta.kabe.kb_0408", "allowed", "<T>Scope</T>"),
-       [](BKRootBD* d) {
-         place(d, u"m3", "Scope", u"s");
-         place(d, u"m3", "Terminator", u"t");
-       },
+       placing({"s Scope", "t Terminator"}),
        {"/s|orvanta.kabe.kb_0408|ProhibitedSinks|3"}},
       {"code inspection: supported list; Reference never, environment controller always",
        list("orvanta.bkci.UnsupportedBlocks", "", "<T>Gain</T><T>SubSystem</T>"),
-       [](BKRootBD* d) {
-         place(d, u"m4", "Gain", u"g");
-         place(d, u"m4", "Scope", u"s");
-         place(d, u"m4", "Reference", u"r");
-         place(d, u"m4", "SubSystem", u"env",
-               {{"MaskType", std::string("Environment Controller")}});
-       },
+       placing(
+           {"g Gain", "s Scope", "r Reference", "env SubSystem MaskType=Environment Controller"}),
        {"/env|orvanta.bkci.UnsupportedBlocks|BKCIUnsupportedBlocks|3",
         "/s|orvanta.bkci.UnsupportedBlocks|BKCIUnsupportedBlocks|3"}},
+      // A Scope has a known footnote: supported. "Unknown" has an unknown one, and support 8 is 0.
       {"code generation support from capabilities and footnotes",
        check("orvanta.codegen.PCGSupport"),
-       [](BKRootBD* d) {
-         place(d, u"m5", "Gain", u"g");
-         place(d, u"m5", "NoCodegen", u"nc");
-         place(d, u"m5", "NoDeploy", u"nd");
-         place(d, u"m5", "Scope", u"sc");     // known footnote: supported
-         place(d, u"m5", "Unknown", u"unk");  // unknown footnote, support 8 is 0
-       },
+       placing({"g Gain", "nc NoCodegen", "nd NoDeploy", "sc Scope", "unk Unknown"}),
        {"/nc|orvanta.codegen.PCGSupport|CodeGenSupport|3",
         "/nd|orvanta.codegen.PCGSupport|ProductionCodeDeployement|3",
         "/unk|orvanta.codegen.PCGSupport|CodeGenSupport|3"}},

@@ -23,29 +23,18 @@ TEST_F(NameChecksTest, BlockNameViolationTakesShownNamesLineByLine) {
   const std::string kb0402 = "orvanta.kabe.kb_0402";
   runCases({
       {"a hidden name is removed, not checked",
-       nameCheck(kb0402, "[ ]"),
-       [](BKRootBD* d) {
-         place(d, u"m1", "Gain", u"bad name", {{"ShowName", false}});
-       },
+       nameCheck(kb0402, "_"),
+       placing({"bad_name Gain ShowName=off"}),
        {}},
       {"ports and plain subsystems are left to their own checks",
-       nameCheck(kb0402, "[ ]"),
-       [](BKRootBD* d) {
-         place(d, u"m2", "Inport", u"in 1");
-         place(d, u"m2", "Outport", u"out 1");
-         place(d, u"m2", "InportShadow", u"sh 1");
-         place(d, u"m2", "SubSystem", u"plain sub");
-         place(d, u"m2", "SubSystem", u"masked sub", {{"MaskType", std::string("M")}});
-         place(d, u"m2", "SubSystem", u"fn sub", {{"IsBlockaraFunction", true}});
-       },
-       {"/fn sub|orvanta.kabe.kb_0402|BlockNameViolation|3",
-        "/masked sub|orvanta.kabe.kb_0402|BlockNameViolation|3"}},
+       nameCheck(kb0402, "_"),
+       placing({"in_1 Inport", "out_1 Outport", "sh_1 InportShadow", "plain_sub SubSystem",
+                "masked_sub SubSystem MaskType=M", "fn_sub SubSystem IsBlockaraFunction=on"}),
+       {"/fn_sub|orvanta.kabe.kb_0402|BlockNameViolation|3",
+        "/masked_sub|orvanta.kabe.kb_0402|BlockNameViolation|3"}},
       {"a linked block is skipped unless links are followed",
        nameCheck(kb0402, "x", "graphical", "off"),
-       [](BKRootBD* d) {
-         place(d, u"m3", "Gain", u"x1", {{"LinkStatus", std::string("resolved")}});
-         place(d, u"m3", "Gain", u"x2");
-       },
+       placing({"x1 Gain LinkStatus=resolved", "x2 Gain"}),
        {"/x2|orvanta.kabe.kb_0402|BlockNameViolation|3"}},
   });
 }
@@ -55,37 +44,26 @@ TEST_F(NameChecksTest, PortSubsystemAndCodegenNameChecksTakeTheirOwnBlocks) {
       {"ports: whole name, hidden names too, kinds 66, 67 and 88 only",
        nameCheck("orvanta.kabe.kb_0405", "^b|p"),
        [](BKRootBD* d) {
-         place(d, u"m1", "Inport", u"a\nb");  // ^ only at the whole name's start
-         place(d, u"m1", "Outport", u"p1", {{"ShowName", false}});
-         place(d, u"m1", "InportShadow", u"p2");
-         place(d, u"m1", "Gain", u"p3");
+         place(d, d->getName(), "Inport", u"a\nb");  // ^ only at the whole name's start
+         placing({"p1 Outport ShowName=off", "p2 InportShadow", "p3 Gain"})(d);
        },
        {"/p1|orvanta.kabe.kb_0405|PortNameViolation|3",
         "/p2|orvanta.kabe.kb_0405|PortNameViolation|3"}},
       {"subsystems: plain ones, hidden names too; inlined and function ones not",
        nameCheck("orvanta.kabe.kb_0406", "s"),
-       [](BKRootBD* d) {
-         place(d, u"m2", "SubSystem", u"s1", {{"ShowName", false}});
-         place(d, u"m2", "SubSystem", u"s2",
-               {{"TreatAsAtomicUnit", true}, {"FunctionPackaging", std::string("Inline")}});
-         place(d, u"m2", "SubSystem", u"s3", {{"IsBlockaraFunction", true}});
-         place(d, u"m2", "SubSystem", u"s4",
-               {{"TreatAsAtomicUnit", true},
-                {"FunctionPackaging", std::string("Reusable function")}});
-         place(d, u"m2", "Gain", u"s5");
-       },
+       placing({"s1 SubSystem ShowName=off",
+                "s2 SubSystem TreatAsAtomicUnit=on FunctionPackaging=Inline",
+                "s3 SubSystem IsBlockaraFunction=on",
+                "s4 SubSystem TreatAsAtomicUnit=on FunctionPackaging=Reusable function",
+                "s5 Gain"}),
        {"/s1|orvanta.kabe.kb_0406|SubsystemNameViolation|3",
         "/s4|orvanta.kabe.kb_0406|SubsystemNameViolation|3"}},
+      // Left alone: unsupported without footnote (x2), an unknown tag (x4), a blank before the
+      // tag (x5). Known footnotes (x3) mean the support values are not read.
       {"code generation names: supported or harmless footnotes only",
        nameCheck("orvanta.codegen.BlockNames", "x"),
-       [](BKRootBD* d) {
-         place(d, u"m3", "Gain", u"x1");
-         place(d, u"m3", "NoCodegen", u"x2");  // unsupported, no footnote: left alone
-         place(d, u"m3", "Harmless", u"x3");   // known footnotes: support values not read
-         place(d, u"m3", "Unknown", u"x4");    // an unknown tag: left alone
-         place(d, u"m3", "Blank", u"x5");      // a blank before the tag makes it unknown
-         place(d, u"m3", "Gain", u"x6", {{"ShowName", false}});
-       },
+       placing({"x1 Gain", "x2 NoCodegen", "x3 Harmless", "x4 Unknown", "x5 Blank",
+                "x6 Gain ShowName=off"}),
        {"/x1|orvanta.codegen.BlockNames|CodegenBlockNameViolation|3",
         "/x3|orvanta.codegen.BlockNames|CodegenBlockNameViolation|3"}},
   });

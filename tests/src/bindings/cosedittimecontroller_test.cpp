@@ -2,12 +2,11 @@
 // form of "getViolations", and the gates of the entries that may create an engine.
 #include <gtest/gtest.h>
 
+#include <lua.hpp>
 #include <memory>
-#include <vector>
 #include <optional>
 #include <string>
-
-#include <lua.hpp>
+#include <vector>
 
 #include "host/language/luahost.h"
 #include "tests/src/enginefixture.h"
@@ -66,15 +65,12 @@ TEST_F(ControllerLuaTest, EveryMethodAnswersAndActs) {
   EXPECT_NE(engineOf(u"m"), engine);
 }
 
-TEST_F(ControllerLuaTest, OneArgumentGetViolationsPrintsTheDiagramName) {
+TEST_F(ControllerLuaTest, UnknownNamesAreNoErrorAndOneArgumentGetViolationsPrintsTheName) {
+  EXPECT_EQ(run("c:on('nowhere') c:off('nowhere') c:applyStyle('nowhere', 1)"), "");
+  EXPECT_NE(run("c:applyStyle('m')"), "");  // wrong arguments are a Lua error
   ::testing::internal::CaptureStdout();
   EXPECT_EQ(run("local r = c:getViolations('anything') assert(r == nil)"), "");
   EXPECT_EQ(::testing::internal::GetCapturedStdout(), "bdName = anything\n");
-}
-
-TEST_F(ControllerLuaTest, UnknownNamesAreNoErrorAndWrongArgumentsAreLuaErrors) {
-  EXPECT_EQ(run("c:on('nowhere') c:off('nowhere') c:applyStyle('nowhere', 1)"), "");
-  EXPECT_NE(run("c:applyStyle('m')"), "");
 }
 
 TEST_F(ControllerLuaTest, ANewEngineReadsThePreferenceAfterTheSetupFunction) {

@@ -49,10 +49,10 @@ TEST_F(CustomizationFileTest, PreferenceFileWinsOverGivenPathWhichWinsOverInstal
   EXPECT_EQ(choose(given), given.wstring());
   write(preference);
   EXPECT_EQ(choose(given), preference.wstring());  // overrides an explicit path too
-}
 
-TEST_F(CustomizationFileTest, ADirectoryIsNoCustomizationFile) {
-  fs::create_directories(base / "prefs" / "edittimecheckcustomization.xml");
+  // A directory of the preference file's name is no customization file.
+  fs::remove(preference);
+  fs::create_directories(preference);
   EXPECT_EQ(chooseCustomizationFile((base / "prefs").wstring(), L"", L""), L"");
 }
 

@@ -16,6 +16,7 @@
 #include "host/xml/xmlreader.h"
 #include "src/edittimeviolation.h"
 #include "src/hostinterface.h"
+#include "tests/src/blockspec.h"
 
 namespace bkedittimecheck::testing {
 namespace {
@@ -52,23 +53,12 @@ class ExclusionTest : public ::testing::Test {
  protected:
   void SetUp() override {
     d = bkBlockDiagramSet::create(u"m");
-    auto& e = d->editing();
-    e.addBlock(u"m", "SubSystem", u"a");
-    e.addBlock(u"m/a", "Gain", u"b");
-    e.addBlock(u"m/a", "SubSystem", u"inner");
-    e.addBlock(u"m/a/inner", "Gain", u"deep");
-    e.addBlock(u"m", "Gain", u"ab");
-    e.addBlock(u"m", "SubSystem", u"masked", {{"MaskType", std::string("Filter")}});
-    e.addBlock(u"m/masked", "Constant", u"x");
-    e.addBlock(u"m/masked", "SubSystem", u"sub", {{"MaskType", std::string("Other")}});
-    e.addBlock(u"m/masked/sub", "Gain", u"y");
-    e.addBlock(
-        u"m", "SubSystem", u"lib",
-        {{"LinkStatus", std::string("resolved")}, {"ReferenceBlock", std::string("mylib/sys")}});
-    e.addBlock(
-        u"m/lib", "Gain", u"linked",
-        {{"LinkStatus", std::string("resolved")}, {"ReferenceBlock", std::string("mylib/sys/g")}});
-    e.addBlock(u"m/lib", "Gain", u"plain");
+    addBlocks(d,
+              {"a SubSystem", "a/b Gain", "a/inner SubSystem", "a/inner/deep Gain", "ab Gain",
+               "masked SubSystem MaskType=Filter", "masked/x Constant",
+               "masked/sub SubSystem MaskType=Other", "masked/sub/y Gain",
+               "lib SubSystem LinkStatus=resolved ReferenceBlock=mylib/sys",
+               "lib/linked Gain LinkStatus=resolved ReferenceBlock=mylib/sys/g", "lib/plain Gain"});
     dir = std::filesystem::temp_directory_path() /
           ("bketc_excl_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
            ::testing::UnitTest::GetInstance()->current_test_info()->name());
@@ -112,7 +102,7 @@ TEST_F(ExclusionTest, EachRuleKindDecidesByItsOwnTest) {
   const std::vector<Entry> mask{{{"MaskType|-|Filter"}, {}}};
   const Case cases[] = {
       {subsystemA, u"m/a/inner/deep", "c1", true},
-      {subsystemA, u"m/ab", "c1", false},  // a prefix, not a subsystem
+      {subsystemA, u"m/ab", "c1", false},   // a prefix, not a subsystem
       {subsystemA, u"m/a/b", "c2", false},  // another check
       {{{{"Block|off|a"}, {"c1", "c2"}}}, u"m/a", "c2", true},
       {{{{"Block|off|a"}, {"c1", "c2"}}}, u"m/a/b", "c1", false},
@@ -126,7 +116,9 @@ TEST_F(ExclusionTest, EachRuleKindDecidesByItsOwnTest) {
       {library, u"m/lib/linked", "c1", true},
       {library, u"m/lib", "c1", true},
       {library, u"m/lib/plain", "c1", false},  // its own reference is empty: false at once
-      {{{{"Library|-|mylib", "Block|off|ab"}, {".*"}}, {{"Block|off|ab"}, {".*"}}}, u"m/ab", "c1",
+      {{{{"Library|-|mylib", "Block|off|ab"}, {".*"}}, {{"Block|off|ab"}, {".*"}}},
+       u"m/ab",
+       "c1",
        false},
       {{{{"Library|-|mylib/sys"}, {}}}, u"m/lib/linked", "c1", true},  // the parent's reference
       {{{{"Library|-|other"}, {}}}, u"m/lib/linked", "c1", false},
@@ -187,8 +179,7 @@ TEST_F(ExclusionTest, BadFilesThrowAndLeaveTheManagerAsDocumented) {
   const std::wstring broken = write("<rsccat><SystemList>", "broken.xml");
   const std::wstring nested = write(deep, "deep.xml");
   blockara::xml::setLimits({64, 1 << 20});
-  const std::wstring big =
-      write("<rsccat>" + std::string(2 << 20, ' ') + "</rsccat>", "big.xml");
+  const std::wstring big = write("<rsccat>" + std::string(2 << 20, ' ') + "</rsccat>", "big.xml");
   for (const std::wstring& file :
        {(dir / "missing.xml").wstring(), dir.wstring(), broken, nested, big}) {
     const std::string name = std::filesystem::path(file).string();

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 #include <set>
 #include <string>
 #include <vector>
@@ -96,6 +97,59 @@ TEST_F(EditTimeStylerTest, RemovalPassByCode) {
   EXPECT_EQ(classes(2), Classes{});
   EXPECT_EQ(classes(3), Classes{L"Warn"});
   EXPECT_EQ(store.violationsOf(3).size(), 2u);
+}
+
+// The pass that visits only touched blocks leaves every block with the classes the pass over
+// the whole store gives, over random store changes, foreign class changes, deaths and
+// exemptions (the last two announced by the standing revision, as the engine does).
+TEST(EditTimeStylingEquality, TouchedBlocksOnlyMatchesTheWholeStorePass) {
+  struct Side {
+    ViolationDatabase store;
+    ds::Styler styler{L"s", L"", 0.0};
+  };
+  Side fast, plain;
+  std::set<double> dead;
+  std::set<std::string> excluded;
+  std::uint64_t standing = 0;
+  const BlockAlive alive = [&](double h) { return dead.count(h) == 0; };
+  const ViolationExcluded exempt = [&](double, const EditTimeViolation& v) {
+    return excluded.count(v.checkId) > 0;
+  };
+  EditTimeStyling touchedOnly(fast.store, fast.styler, alive, exempt, [&] { return standing; });
+  EditTimeStyling wholeStore(plain.store, plain.styler, alive, exempt);
+  std::mt19937 random(11);
+  const std::vector<std::string> checks{"a", "b", "ex"};
+  for (int step = 0; step < 3000; ++step) {
+    const double h = 1 + random() % 12;
+    const auto r = record(h, random() % 6, checks[random() % 3], random() % 4 == 0);
+    const wchar_t* const foreignClass = random() % 2 ? L"Warn" : L"Error";
+    auto both = [&](auto change) {
+      change(fast);
+      change(plain);
+    };
+    switch (random() % 10) {
+      case 0: case 1: case 2: both([&](Side& s) { s.store.add(r); }); break;
+      case 3: case 4: both([&](Side& s) { s.store.remove(r); }); break;
+      case 5: both([&](Side& s) { s.store.removeByCheck(h, r->checkId); }); break;
+      case 6: both([&](Side& s) { s.store.removeByType("b", "T"); }); break;
+      case 7: both([&](Side& s) { s.styler.applyClass(h, foreignClass); }); break;
+      case 8:
+        if (dead.count(h)) dead.erase(h); else dead.insert(h);
+        ++standing;
+        break;
+      default:
+        if (excluded.count("b")) excluded.erase("b"); else excluded.insert("b");
+        ++standing;
+    }
+    if (random() % 3 == 0) {
+      touchedOnly.applyStyling();
+      wholeStore.applyStylingToAll();
+      for (double k = 1; k <= 12; ++k) {
+        ASSERT_EQ(fast.styler.classesOf(k), plain.styler.classesOf(k))
+            << "block " << k << " step " << step;
+      }
+    }
+  }
 }
 
 }  // namespace
