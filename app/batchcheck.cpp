@@ -157,7 +157,9 @@ int runBatchCheck(const Options& o) {
       return 2;
     }
   }
-  return findings.empty() ? 0 : 1;
+  const bool anyLeft = std::any_of(findings.begin(), findings.end(),
+                                   [](const Finding& f) { return !f.exempt; });
+  return anyLeft ? 1 : 0;
 }
 
 }  // namespace blockara::app

@@ -46,8 +46,11 @@ std::string formatText(std::vector<Finding> findings) {
   std::sort(findings.begin(), findings.end());
   std::string out;
   for (const Finding& f : findings) {
-    out += textEscape(f.path) + '\t' + textEscape(f.checkId) + '\t' + textEscape(f.type) + '\t' +
-           textEscape(f.category) + '\n';
+    if (f.exempt) continue;
+    for (const std::string* field : {&f.path, &f.checkId, &f.type, &f.category, &f.message}) {
+      out += textEscape(*field) + '\t';
+    }
+    out += textEscape(f.hint) + '\n';
   }
   return out;
 }
@@ -120,9 +123,10 @@ std::string formatSarif(std::vector<Finding> findings, const std::string& artifa
   out << "\n    ]}},\n    \"results\": [";
   sep = "";
   for (const Finding& f : findings) {
+    if (f.exempt) continue;
     out << sep << "\n      {\"ruleId\": \"" << jsonEscape(f.checkId) << "\", \"level\": \""
         << (isErrorCategory(f.category) ? "error" : "warning") << "\", \"message\": {\"text\": \""
-        << jsonEscape(f.type) << "\"}, \"properties\": {\"category\": \"" << jsonEscape(f.category)
+        << jsonEscape(f.message) << "\"}, \"properties\": {\"category\": \"" << jsonEscape(f.category)
         << "\"}, \"locations\": [{\"physicalLocation\": {\"artifactLocation\": {\"uri\": \""
         << jsonEscape(artifact) << "\"}}, \"logicalLocations\": [{\"fullyQualifiedName\": \""
         << jsonEscape(f.path) << "\", \"kind\": \"object\"}]}]}";

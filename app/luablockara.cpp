@@ -146,6 +146,20 @@ std::string report(BKRootBD* d, std::optional<std::string> format,
   return text;
 }
 
+// blockara.findings(d): every finding of a diagram as the reports show it, sorted; an exempt one
+// carries the rationale of its exclusion.
+std::vector<std::map<std::string, std::string>> findings(BKRootBD* d) {
+  std::vector<std::map<std::string, std::string>> out;
+  for (Finding& f : collectFindings(*d)) {
+    std::map<std::string, std::string> entry = {
+        {"path", f.path},         {"checkId", f.checkId},   {"type", f.type},
+        {"category", f.category}, {"message", f.message}, {"hint", f.hint}};
+    if (f.exempt) entry["rationale"] = f.rationale;
+    out.push_back(std::move(entry));
+  }
+  return out;
+}
+
 }  // namespace
 
 void openForEditing(BKRootBD* diagram) {
@@ -192,6 +206,7 @@ void installLuaApi(LuaHost& host) {
                         luaFunction<[] { return EditTimePreferences::checkSelectionMap(); }>);
   host.registerFunction("blockara.ceExclusions", luaFunction<ceExclusions>);
   host.registerFunction("blockara.report", luaFunction<report>);
+  host.registerFunction("blockara.findings", luaFunction<findings>);
   lua_getglobal(L, "blockara");
   lua_newtable(L);
   lua_setfield(L, -2, "workspace");

@@ -11,7 +11,13 @@
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
 #include "host/style/styler.h"
+#include "app/findingtext.h"
+#include "src/configuration/exclusionmanager.h"
+#include "src/editcodes.h"
 #include "src/edittimecontroller.h"
+#include "src/edittimeengine.h"
+#include "src/presentation/edittimestyler.h"
+#include "src/violationdatabase.h"
 
 namespace blockara::app {
 
@@ -76,7 +82,8 @@ void writeLevel(std::ostringstream& out, const Level& level,
     std::string tip = path;
     auto [lo, hi] = byPath.equal_range(path);
     for (auto it = lo; it != hi; ++it) {
-      tip += "\n" + it->second->type + " (" + it->second->checkId + ", " + it->second->category +
+      if (it->second->exempt) continue;
+      tip += "\n" + it->second->message + " " + it->second->hint + " (" + it->second->checkId +
              ")";
     }
     std::string stroke = "#333";
@@ -99,14 +106,25 @@ void writeLevel(std::ostringstream& out, const Level& level,
 }  // namespace
 
 std::vector<Finding> collectFindings(BKRootBD& diagram) {
-  auto& controller = bkedittimecheck::EditTimeController::instance();
   std::vector<Finding> findings;
-  std::wstring name = wide(diagram.getName());
+  auto engine = bkedittimecheck::EditTimeController::instance().findEngine(wide(diagram.getName()));
+  if (!engine) return findings;
+  const bkedittimecheck::ExclusionManager& exclusions = *engine->getExclusions();
   for (BKBlock* block : diagram.blocksInPathOrder()) {
-    std::vector<std::string> strings = controller.getViolations(name, block->getHandle());
-    for (std::size_t i = 0; i + 2 < strings.size(); i += 3) {
-      findings.push_back({utf8(block->getFullPath(false)), strings[i + 1], strings[i],
-                          strings[i + 2]});
+    for (const auto& record : engine->getViolations()->violationsOf(block->getHandle())) {
+      FindingText text = describeFinding(*block, record.violationType, record.checkId);
+      Finding f{utf8(block->getFullPath(false)), record.checkId, record.violationType,
+                bkedittimecheck::violationCategory(record.severity), std::move(text.message),
+                std::move(text.hint), false, {}};
+      // Only rule-auditor findings can be exempt, as in the engine's own report.
+      if (bkedittimecheck::Severity::isAuditor(record.severity)) {
+        if (const auto* exclusion = exclusions.exemptionOf(*block, record)) {
+          f.exempt = true;
+          f.rationale = ConvertUStringToStdString(
+              bksvString(exclusion->rationale.begin(), exclusion->rationale.end()));
+        }
+      }
+      findings.push_back(std::move(f));
     }
   }
   std::sort(findings.begin(), findings.end());
@@ -124,11 +142,13 @@ std::string formatHtml(BKRootBD& diagram, const std::vector<Finding>& findings) 
       << ".warning{color:#c70}</style></head><body>\n<h1>" << name << "</h1>\n<p>"
       << findings.size() << " finding(s). Hover a block for its violations.</p>\n";
   for (const Level& level : levelsOf(diagram)) writeLevel(out, level, byPath);
-  out << "<table><tr><th>Block</th><th>Check</th><th>Violation</th><th>Category</th></tr>\n";
+  out << "<table><tr><th>Block</th><th>Finding</th><th>Check</th><th>Category</th></tr>\n";
   for (const Finding& f : findings) {
+    if (f.exempt) continue;
     out << "<tr class=\"" << (isErrorCategory(f.category) ? "error" : "warning") << "\"><td>"
-        << htmlEscape(f.path) << "</td><td>" << htmlEscape(f.checkId) << "</td><td>"
-        << htmlEscape(f.type) << "</td><td>" << htmlEscape(f.category) << "</td></tr>\n";
+        << htmlEscape(f.path) << "</td><td>" << htmlEscape(f.message) << " <i>"
+        << htmlEscape(f.hint) << "</i></td><td>" << htmlEscape(f.checkId) << "</td><td>"
+        << htmlEscape(f.category) << "</td></tr>\n";
   }
   out << "</table>\n</body></html>\n";
   return out.str();

@@ -9,21 +9,27 @@
 namespace blockara::app {
 namespace {
 
+Finding finding(std::string path, std::string checkId, std::string type, std::string category,
+                std::string message = "m.", std::string rationale = "") {
+  return {path, checkId, type, category, message, "h.", !rationale.empty(), rationale};
+}
+
 const std::vector<Finding> kFindings = {
-    {"M/b", "orvanta.kabe.kb_0402", "BlockNameViolation", "RAWARNING"},
-    {"M/a \"q\"", "orvanta.blockara.StateAccessorPathViolation", "StateAccessorPathViolation",
-     "EDITTIME_ERROR"},
+    finding("M/b", "orvanta.kabe.kb_0402", "BlockNameViolation", "RAWARNING"),
+    finding("M/a \"q\"", "orvanta.blockara.StateAccessorPathViolation",
+            "StateAccessorPathViolation", "EDITTIME_ERROR", "Sentence."),
+    finding("M/c", "orvanta.kabe.kb_0402", "BlockNameViolation", "RAWARNING", "m.", "why"),
 };
 
-TEST(FindingsTest, TextIsOneSortedTabSeparatedLinePerFinding) {
+TEST(FindingsTest, TextIsOneSortedTabSeparatedLinePerFindingNotExempt) {
   EXPECT_EQ(formatText(kFindings),
             "M/a \"q\"\torvanta.blockara.StateAccessorPathViolation\tStateAccessorPathViolation\t"
-            "EDITTIME_ERROR\n"
-            "M/b\torvanta.kabe.kb_0402\tBlockNameViolation\tRAWARNING\n");
+            "EDITTIME_ERROR\tSentence.\th.\n"
+            "M/b\torvanta.kabe.kb_0402\tBlockNameViolation\tRAWARNING\tm.\th.\n");
   EXPECT_EQ(formatText({}), "");
   // A field that holds a separator or a line break stays in its field and on its line.
-  EXPECT_EQ(formatText({{"M/a\tb\nc", "id", "T\\x\r", "RAERROR"}}),
-            "M/a\\tb\\nc\tid\tT\\\\x\\r\tRAERROR\n");
+  EXPECT_EQ(formatText({finding("M/a\tb\nc", "id", "T\\x\r", "RAERROR", "a\tb")}),
+            "M/a\\tb\\nc\tid\tT\\\\x\\r\tRAERROR\ta\\tb\th.\n");
 }
 
 TEST(FindingsTest, EscapesKeepEveryFieldOnOneLineAndHtmlWellFormed) {
@@ -58,7 +64,7 @@ TEST(FindingsTest, SarifCarriesRuleLevelMessageAndLogicalLocation) {
   const auto& first = results.front().second;
   EXPECT_EQ(first.get<std::string>("ruleId"), "orvanta.blockara.StateAccessorPathViolation");
   EXPECT_EQ(first.get<std::string>("level"), "error");
-  EXPECT_EQ(first.get<std::string>("message.text"), "StateAccessorPathViolation");
+  EXPECT_EQ(first.get<std::string>("message.text"), "Sentence.");
   const auto& location = first.get_child("locations").front().second;
   EXPECT_EQ(location.get_child("logicalLocations").front().second.get<std::string>(
                 "fullyQualifiedName"),
