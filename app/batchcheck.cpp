@@ -92,6 +92,7 @@ void showEverySystem(BKRootBD& diagram) {
 }  // namespace
 
 int runBatchCheck(const Options& o) {
+  SarifRun run{o.model, o.sourceRoot, o.arguments, std::chrono::system_clock::now(), {}, {}, {}};
   BKRootBD* diagram = nullptr;
   try {
     if (!o.config.empty()) {
@@ -146,7 +147,11 @@ int runBatchCheck(const Options& o) {
     }
   }
   std::vector<Finding> findings = collectFindings(*diagram);
-  std::string report = formatReport(*diagram, findings, o.format, o.model);
+  const bool anyLeft = std::any_of(findings.begin(), findings.end(),
+                                   [](const Finding& f) { return !f.exempt; });
+  run.exitCode = anyLeft ? 1 : 0;
+  run.end = std::chrono::system_clock::now();
+  std::string report = formatReport(*diagram, findings, o.format, run);
   if (o.out.empty()) {
     std::cout << report;
   } else {
@@ -157,9 +162,7 @@ int runBatchCheck(const Options& o) {
       return 2;
     }
   }
-  const bool anyLeft = std::any_of(findings.begin(), findings.end(),
-                                   [](const Finding& f) { return !f.exempt; });
-  return anyLeft ? 1 : 0;
+  return *run.exitCode;
 }
 
 }  // namespace blockara::app

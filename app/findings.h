@@ -15,6 +15,7 @@ struct Finding {
   std::string hint;      // how to fix it, in a few words
   bool exempt = false;   // an exclusion holds this finding back from display and exit status
   std::string rationale;  // the rationale of that exclusion
+  std::string sid;        // the block's SID, for finding its element in the model file
 
   friend bool operator==(const Finding&, const Finding&) = default;
   friend auto operator<=>(const Finding&, const Finding&) = default;
@@ -36,10 +37,6 @@ std::string textEscape(const std::string& text);
 /// `PATH<TAB>CHECK_ID<TAB>TYPE<TAB>CATEGORY<TAB>MESSAGE<TAB>HINT`, each field `textEscape`d,
 /// sorted.
 std::string formatText(std::vector<Finding> findings);
-
-/// A SARIF 2.1.0 log with one run: rule id = check ID, message = the finding's sentence, level from the
-/// category, logical location = block path. `artifact` names the model file.
-std::string formatSarif(std::vector<Finding> findings, const std::string& artifact);
 
 /// `text` with the characters that JSON strings must escape escaped (no quotes added).
 std::string jsonEscape(const std::string& text);

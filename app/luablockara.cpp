@@ -136,8 +136,10 @@ std::optional<std::map<std::string, std::vector<std::string>>> ceExclusions(bksv
 // to `path` when given, returned in every case.
 std::string report(BKRootBD* d, std::optional<std::string> format,
                    std::optional<std::string> path) {
-  std::string text =
-      formatReport(*d, collectFindings(*d), format.value_or("text"), d->getFilePath());
+  SarifRun run;
+  run.artifact = d->getFilePath();
+  run.start = run.end = std::chrono::system_clock::now();
+  std::string text = formatReport(*d, collectFindings(*d), format.value_or("text"), run);
   if (path && !path->empty()) {
     std::ofstream out(*path, std::ios::binary);
     out << text;

@@ -9,7 +9,7 @@ namespace {
 
 bool takesValue(std::string_view opt) {
   return opt == "--prefdir" || opt == "--root" || opt == "--trace" || opt == "--config" ||
-         opt == "--exclusions" || opt == "--format" || opt == "--out";
+         opt == "--exclusions" || opt == "--format" || opt == "--out" || opt == "--source-root";
 }
 
 void apply(Options& o, std::string_view opt, const std::string& value) {
@@ -19,6 +19,7 @@ void apply(Options& o, std::string_view opt, const std::string& value) {
   else if (opt == "--config") o.config = value;
   else if (opt == "--exclusions") o.exclusions = value;
   else if (opt == "--out") o.out = value;
+  else if (opt == "--source-root") o.sourceRoot = value;
   else if (opt == "--format") {
     if (value != "text" && value != "sarif" && value != "html") {
       throw std::invalid_argument("--format takes text, sarif or html, not '" + value + "'");
@@ -31,6 +32,7 @@ void apply(Options& o, std::string_view opt, const std::string& value) {
 
 Options parseOptions(int argc, const char* const* argv) {
   Options o;
+  o.arguments.assign(argv, argv + argc);
   bool haveVerb = false;
   for (int i = 1; i < argc; ++i) {
     std::string_view arg = argv[i];
@@ -84,7 +86,7 @@ const char* usageText() {
          "SCRIPT.lua [ARGS...]\n"
          "       blockara demo [--out DIR]\n"
          "       blockara check MODEL [--config FILE] [--exclusions FILE] "
-         "[--format text|sarif|html] [--out FILE]\n";
+         "[--format text|sarif|html] [--out FILE] [--source-root DIR]\n";
 }
 
 }  // namespace blockara::app

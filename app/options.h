@@ -23,6 +23,8 @@ struct Options {
   std::string exclusions;      // --exclusions
   std::string format = "text";  // --format: text, sarif or html
   std::string out;             // --out: a file (check) or a folder (demo)
+  std::string sourceRoot;      // --source-root: SARIF paths are relative to it; empty: cwd
+  std::vector<std::string> arguments;  // the whole command line, program first
 };
 
 /// Parses argv. Options of the program may stand before the verb or the script and, for the

@@ -115,7 +115,7 @@ std::vector<Finding> collectFindings(BKRootBD& diagram) {
       FindingText text = describeFinding(*block, record.violationType, record.checkId);
       Finding f{utf8(block->getFullPath(false)), record.checkId, record.violationType,
                 bkedittimecheck::violationCategory(record.severity), std::move(text.message),
-                std::move(text.hint), false, {}};
+                std::move(text.hint), false, {}, block->getSID()};
       // Only rule-auditor findings can be exempt, as in the engine's own report.
       if (bkedittimecheck::Severity::isAuditor(record.severity)) {
         if (const auto* exclusion = exclusions.exemptionOf(*block, record)) {
@@ -155,9 +155,9 @@ std::string formatHtml(BKRootBD& diagram, const std::vector<Finding>& findings) 
 }
 
 std::string formatReport(BKRootBD& diagram, const std::vector<Finding>& findings,
-                         const std::string& format, const std::string& artifact) {
+                         const std::string& format, const SarifRun& run) {
   if (format == "text") return formatText(findings);
-  if (format == "sarif") return formatSarif(findings, artifact);
+  if (format == "sarif") return formatSarif(findings, run);
   if (format == "html") return formatHtml(diagram, findings);
   throw std::invalid_argument("unknown report format '" + format + "'");
 }

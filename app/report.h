@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/findings.h"
+#include "app/sarif.h"
 
 class BKRootBD;
 
@@ -18,9 +19,9 @@ std::vector<Finding> collectFindings(BKRootBD& diagram);
 /// of all findings. Main thread.
 std::string formatHtml(BKRootBD& diagram, const std::vector<Finding>& findings);
 
-/// The findings of `diagram` in `format` ("text", "sarif" or "html"). `artifact` names the
-/// model file in SARIF. Throws std::invalid_argument for another format. Main thread.
+/// The findings of `diagram` in `format` ("text", "sarif" or "html"); `run` is what SARIF says
+/// about the run. Throws std::invalid_argument for another format. Main thread.
 std::string formatReport(BKRootBD& diagram, const std::vector<Finding>& findings,
-                         const std::string& format, const std::string& artifact);
+                         const std::string& format, const SarifRun& run);
 
 }  // namespace blockara::app

@@ -1,4 +1,5 @@
 #include "app/findings.h"
+#include "app/sarif.h"
 
 #include <boost/property_tree/json_parser.hpp>
 #include <boost/property_tree/ptree.hpp>
@@ -11,7 +12,7 @@ namespace {
 
 Finding finding(std::string path, std::string checkId, std::string type, std::string category,
                 std::string message = "m.", std::string rationale = "") {
-  return {path, checkId, type, category, message, "h.", !rationale.empty(), rationale};
+  return {path, checkId, type, category, message, "h.", !rationale.empty(), rationale, ""};
 }
 
 const std::vector<Finding> kFindings = {
@@ -52,25 +53,34 @@ TEST(FindingsTest, EscapesKeepEveryFieldOnOneLineAndHtmlWellFormed) {
   }
 }
 
-TEST(FindingsTest, SarifCarriesRuleLevelMessageAndLogicalLocation) {
-  std::istringstream in(formatSarif(kFindings, "models/m.bkd"));
-  boost::property_tree::ptree log;
-  boost::property_tree::read_json(in, log);
-  EXPECT_EQ(log.get<std::string>("version"), "2.1.0");
-  const auto& run = log.get_child("runs").front().second;
-  EXPECT_EQ(run.get_child("tool.driver.rules").size(), 2u);
-  const auto& results = run.get_child("results");
-  ASSERT_EQ(results.size(), 2u);
-  const auto& first = results.front().second;
-  EXPECT_EQ(first.get<std::string>("ruleId"), "orvanta.blockara.StateAccessorPathViolation");
-  EXPECT_EQ(first.get<std::string>("level"), "error");
-  EXPECT_EQ(first.get<std::string>("message.text"), "Sentence.");
-  const auto& location = first.get_child("locations").front().second;
-  EXPECT_EQ(location.get_child("logicalLocations").front().second.get<std::string>(
-                "fullyQualifiedName"),
-            "M/a \"q\"");
-  EXPECT_EQ(location.get<std::string>("physicalLocation.artifactLocation.uri"), "models/m.bkd");
-  EXPECT_EQ(std::next(results.begin())->second.get<std::string>("level"), "warning");
+TEST(FindingsTest, SarifResultsPointIntoTheSourceRootOrAtAnAbsoluteFile) {
+  struct Case {
+    std::string artifact, root, uri, baseId;
+  };
+  const Case cases[] = {
+      {"/src/models/a b.bkd", "/src", "models/a%20b.bkd", "SRCROOT"},
+      {"/src/models/m.bkd", "/src/models/", "m.bkd", "SRCROOT"},
+      {"/elsewhere/m.bkd", "/src", "file:///elsewhere/m.bkd", ""},
+  };
+  for (const Case& c : cases) {
+    SarifRun run{c.artifact, c.root, {}, {}, {}, 1, {}};
+    std::istringstream in(formatSarif(kFindings, run));
+    boost::property_tree::ptree log;
+    boost::property_tree::read_json(in, log);
+    const auto& results = log.get_child("runs").front().second.get_child("results");
+    ASSERT_EQ(results.size(), 3u);
+    const auto& first = results.front().second;
+    EXPECT_EQ(first.get<std::string>("level"), "error");
+    EXPECT_EQ(first.get<std::string>("message.text"), "Sentence. h.");
+    const auto& where = first.get_child("locations").front().second;
+    EXPECT_EQ(where.get<std::string>("physicalLocation.artifactLocation.uri"), c.uri);
+    EXPECT_EQ(where.get<std::string>("physicalLocation.artifactLocation.uriBaseId", ""), c.baseId);
+    EXPECT_EQ(std::prev(results.end())->second.get<std::string>(
+                  "suppressions..justification"), "why");
+  }
+  EXPECT_EQ(utcTimestamp(std::chrono::system_clock::time_point(std::chrono::milliseconds(
+                1795423682125))),
+            "2026-11-23T08:48:02.125Z");
 }
 
 TEST(FindingsTest, CategoriesFollowSeverities) {
