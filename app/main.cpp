@@ -88,6 +88,7 @@ int run(const Options& o) {
         status = blockara::app::runBatchCheck(o);
         break;
       case Verb::Help:
+      case Verb::Version:
         break;
     }
     shutDown();
@@ -109,7 +110,11 @@ int main(int argc, char** argv) {
     return 2;
   }
   if (options.verb == Verb::Help) {
-    std::cout << blockara::app::usageText();
+    std::cout << blockara::app::usageText(options.helpTopic);
+    return 0;
+  }
+  if (options.verb == Verb::Version) {
+    std::cout << blockara::app::versionText();
     return 0;
   }
   try {

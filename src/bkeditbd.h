@@ -115,6 +115,10 @@ class bkEditBD {
   /// Main thread. True while the rule-auditor scan has graphs left: the wanted and done lists
   /// differ in length and `auditorMode` is set. Only lengths count.
   bool hasAuditorGraphsToScan() const;
+  /// Main thread. How far the rule-auditor scan is: system levels scanned and wanted.
+  std::pair<std::size_t, std::size_t> auditorScanProgress() const {
+    return {auditorGraphsDone.size(), auditorGraphs.size()};
+  }
   /// Main thread. True while the interactive scan's wanted and done lists differ in length.
   bool hasVisibleGraphsToScan() const;
 

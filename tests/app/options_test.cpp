@@ -32,6 +32,19 @@ TEST(OptionsTest, VerbsTakeTheirOptionsOnEitherSide) {
   EXPECT_EQ(check.traceFile, "t.json");
   EXPECT_EQ(parse({"demo", "--out", "d"}).out, "d");
   EXPECT_EQ(parse({"--help"}).verb, Verb::Help);
+  EXPECT_EQ(parse({"--version"}).verb, Verb::Version);
+  const Options unused = parse({"check", "m", "--fail-on-unused-exclusions", "--source-root", "r"});
+  EXPECT_TRUE(unused.unusedExclusions && unused.failOnUnusedExclusions);
+  EXPECT_EQ(unused.sourceRoot, "r");
+  // Help names the verb it was asked about, and check needs no model for it.
+  for (auto [args, topic] : {std::pair{std::vector<const char*>{"check", "--help"}, Verb::Check},
+                             {{"demo", "-h"}, Verb::Demo},
+                             {{"--help", "check"}, Verb::Help}}) {
+    const Options help = parse(args);
+    EXPECT_EQ(help.verb, Verb::Help);
+    EXPECT_EQ(help.helpTopic, topic);
+  }
+  EXPECT_NE(usageText(Verb::Check).find("--unused-exclusions"), std::string::npos);
 }
 
 TEST(OptionsTest, BadCommandLinesAreRefusedWithTheReason) {
