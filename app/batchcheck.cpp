@@ -124,14 +124,13 @@ std::string exclusionsFileOf(const Options& o, const BKRootBD& diagram) {
 // Opens an editor on every system level, so that the whole model is on view.
 void showEverySystem(BKRootBD& diagram) {
   auto& controller = bkedittimecheck::EditTimeController::instance();
-  std::vector<BKBlock*> owners;
+  std::vector<bksvString> systems;
   for (BKBlock* block : diagram.blocksInPathOrder()) {
-    if (block->hasSubGraph() && block->getSubGraph()) owners.push_back(block);
+    if (block->hasSubGraph() && block->getSubGraph()) systems.push_back(block->getFullPath(false));
   }
-  for (BKBlock* owner : owners) {
-    Blockara::StudioApp::open(&diagram)->openEditor(owner->getFullPath(false));
-  }
-  if (!owners.empty()) controller.handleNewWindowOpen(wide(diagram.getName()));
+  // All at once: a view change per editor would restart the engine's scans once per system.
+  Blockara::StudioApp::open(&diagram)->openEditors(systems);
+  if (!systems.empty()) controller.handleNewWindowOpen(wide(diagram.getName()));
 }
 
 }  // namespace
@@ -180,7 +179,7 @@ int runBatchCheck(const Options& o) {
   // once the worker has nothing left, name it instead of waiting for the end of the time.
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(10);
   ScanProgress progress(name);
-  while (!EventLoop::instance().runUntilQuiet(std::chrono::milliseconds(100))) {
+  while (!EventLoop::instance().runUntilQuiet(std::chrono::milliseconds(200))) {
     progress.update();
     const std::vector<bkedittimecheck::CheckFailure> failures = bkedittimecheck::checkFailures();
     if (!failures.empty() && bkedittimecheck::AsyncTaskManager::outstandingCount() == 0) {

@@ -18,22 +18,6 @@ namespace {
 // thread; later ones are treated like any other block.
 constexpr std::uint32_t kRoutingBlockLimit = 1000;
 
-// A hash set, since a diagram may show thousands of graphs and this runs at every slice.
-void keepWanted(const std::vector<bkGraph*>& wanted, std::vector<bkGraph*>& done) {
-  const std::unordered_set<const bkGraph*> keep(wanted.begin(), wanted.end());
-  std::erase_if(done, [&](bkGraph* g) { return keep.count(g) == 0; });
-}
-
-// The first wanted graph not in `done`, or null when all are.
-bkGraph* nextUnscanned(const std::vector<bkGraph*>& wanted, const std::vector<bkGraph*>& done) {
-  // Linear in the lists, so that a diagram with thousands of graphs on view stays cheap a slice.
-  const std::unordered_set<const bkGraph*> seen(done.begin(), done.end());
-  for (bkGraph* graph : wanted) {
-    if (seen.count(graph) == 0) return graph;
-  }
-  return nullptr;
-}
-
 bool isEventListenerBlock(const BKBlock* block) {
   return block->getTypeCode() == BlockKind::kEventListener || typeNameOf(block) == "EventListener";
 }
@@ -163,16 +147,7 @@ bool bkEditBD::noteBlock(BKBlock* block, int kind) {
   if (kind == EditTimeEvent::kBlocksAdded) return false;
   if (!featureOn(BKFEAT_BlockParamEditTimeCheckOnCanvas) && !auditorMode) return false;
   bkGraph* graph = block->getGraph();
-  bool onView = false;
-  for (bkGraph* entry : visibleGraphs) {
-    if (!isUsableGraph(entry)) continue;
-    if (!isUsableGraph(graph)) return false;
-    if (graph == entry) {
-      onView = true;
-      break;
-    }
-  }
-  if (!onView) return false;
+  if (!isUsableGraph(graph) || onView.count(graph) == 0) return false;
   auto snapshot = std::make_shared<bkEditBlock>(block, auditorMode);
   if (auditorMode && featureOn(BKFEAT_BlockConstraintCheckAuthoring)) {
     const auto found = parameterDataByBlockType.find(typeNameOf(block));
@@ -248,10 +223,10 @@ void bkEditBD::requeueMasks() {
 // ---- main thread: the scans
 
 void bkEditBD::setWantedGraphs(const std::vector<bkGraph*>& graphs) {
-  auditorGraphs = graphs;
-  keepWanted(auditorGraphs, auditorGraphsDone);
-  visibleGraphs = graphs;
-  keepWanted(visibleGraphs, visibleGraphsDone);
+  if (graphs == visibleGraphs.wantedGraphs() && graphs == auditorGraphs.wantedGraphs()) return;
+  auditorGraphs.setWanted(graphs);
+  visibleGraphs.setWanted(graphs);
+  onView = std::unordered_set<const bkGraph*>(graphs.begin(), graphs.end());
 }
 
 void bkEditBD::scanDiagramOnce(bkGraph* root) {
@@ -274,11 +249,11 @@ void bkEditBD::scanDiagramOnce(bkGraph* root) {
 }
 
 bool bkEditBD::hasAuditorGraphsToScan() const {
-  return auditorGraphs.size() != auditorGraphsDone.size() && auditorMode;
+  return auditorGraphs.hasMore() && auditorMode;
 }
 
 bool bkEditBD::hasVisibleGraphsToScan() const {
-  return visibleGraphs.size() != visibleGraphsDone.size();
+  return visibleGraphs.hasMore();
 }
 
 bool bkEditBD::isOwnerTaken(const bkGraph* graph, std::set<std::wstring>& pathsDone) {
@@ -292,9 +267,8 @@ bool bkEditBD::isOwnerTaken(const bkGraph* graph, std::set<std::wstring>& pathsD
 }
 
 void bkEditBD::scanNextAuditorGraph() {
-  bkGraph* graph = nextUnscanned(auditorGraphs, auditorGraphsDone);
+  bkGraph* graph = auditorGraphs.takeNext();
   if (!graph) return;
-  auditorGraphsDone.push_back(graph);
   if (!isUsableGraph(graph) || isOwnerTaken(graph, auditorPathsDone)) return;
   for (BKBlock* block : bkgg::graphicalBlocksOf(graph, 1)) {
     const int code = block->getTypeCode();
@@ -309,9 +283,8 @@ void bkEditBD::scanNextAuditorGraph() {
 }
 
 void bkEditBD::scanNextVisibleGraph() {
-  bkGraph* graph = nextUnscanned(visibleGraphs, visibleGraphsDone);
+  bkGraph* graph = visibleGraphs.takeNext();
   if (!graph) return;
-  visibleGraphsDone.push_back(graph);
   if (!isUsableGraph(graph) || isOwnerTaken(graph, visiblePathsDone)) return;
   // A graph on view gets every block checked; the snapshot carries the comment state.
   for (BKBlock* block : bkgg::graphicalBlocksOf(graph, 1)) {
@@ -320,7 +293,7 @@ void bkEditBD::scanNextVisibleGraph() {
 }
 
 void bkEditBD::restartVisibleScan() {
-  visibleGraphsDone.clear();
+  visibleGraphs.forget();
   visiblePathsDone.clear();
   scanNextVisibleGraph();
 }
@@ -332,7 +305,7 @@ void bkEditBD::restartAuditorScan(bool auditorModeNow) {
 }
 
 void bkEditBD::forgetAuditorScan() {
-  auditorGraphsDone.clear();
+  auditorGraphs.forget();
   auditorPathsDone.clear();
 }
 

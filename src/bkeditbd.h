@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <unordered_set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "src/constraints/bkeditblock.h"
 #include "src/constraints/parametervalue.h"
 #include "src/editbdrecords.h"
+#include "src/graphscan.h"
 #include "src/hostinterface.h"
 #include "src/maskscopeindex.h"
 #include "src/queueallocator.h"
@@ -104,7 +106,8 @@ class bkEditBD {
 
   // ---- main thread: the scans
 
-  /// Main thread. Replaces both wanted lists of graphs; each done list keeps only wanted graphs.
+  /// Main thread. Replaces both wanted lists of graphs; each scan forgets visits of graphs no
+  /// longer wanted.
   void setWantedGraphs(const std::vector<bkGraph*>& graphs);
 
   /// Main thread. The one walk of the whole diagram from `root`: counts variant subsystems,
@@ -112,17 +115,17 @@ class bkEditBD {
   /// Does nothing once it ran.
   void scanDiagramOnce(bkGraph* root);
 
-  /// Main thread. True while the rule-auditor scan has graphs left: the wanted and done lists
-  /// differ in length and `auditorMode` is set. Only lengths count.
+  /// Main thread. True while the rule-auditor scan has graphs left: it wants more graphs than
+  /// it visited and `auditorMode` is set. Only the counts matter.
   bool hasAuditorGraphsToScan() const;
-  /// Main thread. How far the rule-auditor scan is: system levels scanned and wanted.
+  /// Main thread. How far the rule-auditor scan is: system levels visited and wanted.
   std::pair<std::size_t, std::size_t> auditorScanProgress() const {
-    return {auditorGraphsDone.size(), auditorGraphs.size()};
+    return {auditorGraphs.visitedGraphs().size(), auditorGraphs.wantedGraphs().size()};
   }
-  /// Main thread. True while the interactive scan's wanted and done lists differ in length.
+  /// Main thread. True while the interactive scan wants more graphs than it visited.
   bool hasVisibleGraphsToScan() const;
 
-  /// Main thread. Scans the first graph of `auditorGraphs` not yet in `auditorGraphsDone`, if
+  /// Main thread. Scans the first graph `auditorGraphs` wants and has not visited, if
   /// any: marks it done and, unless it is unusable or its owner was taken already (a chart, or
   /// a subsystem shown twice), notes its blocks for the rule-auditor checks. One graph a call.
   /// Host exceptions pass to the caller.
@@ -214,11 +217,10 @@ class bkEditBD {
   // ---- main
   bool auditorMode;
   bool initialScanDone = false;
-  std::vector<bkGraph*> auditorGraphs;
-  std::vector<bkGraph*> auditorGraphsDone;
+  GraphScan auditorGraphs;
   std::set<std::wstring> auditorPathsDone;
-  std::vector<bkGraph*> visibleGraphs;
-  std::vector<bkGraph*> visibleGraphsDone;
+  GraphScan visibleGraphs;
+  std::unordered_set<const bkGraph*> onView;  // the graphs `visibleGraphs` wants
   std::set<std::wstring> visiblePathsDone;
   std::uint32_t variantSubsystemCount = 0;
   std::atomic<bool> tooManyRoutingBlocks{false};  // main writes, the Goto/From check reads

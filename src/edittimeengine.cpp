@@ -79,7 +79,13 @@ bool EditTimeEngine::isExcluded(double handle, const EditTimeViolation& violatio
 
 bool EditTimeEngine::hasVariants() const { return data->hasVariants(); }
 
-void EditTimeEngine::refreshVisibleGraphs() { data->setWantedGraphs(visibleGraphsOf(diagram)); }
+void EditTimeEngine::refreshVisibleGraphs() {
+  // Asking every editor at every slice would cost the number of systems on view each time.
+  const std::uint64_t revision = viewRevision();
+  if (wantedGraphsRevision == revision) return;
+  wantedGraphsRevision = revision;
+  data->setWantedGraphs(visibleGraphsOf(diagram));
+}
 
 void EditTimeEngine::processChangedBlock(BKBlock* block, int kind) {
   if (!block) return;

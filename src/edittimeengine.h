@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -195,6 +196,8 @@ class EditTimeEngine : public Blockara::connections::Listener {
   std::uint32_t id;
   std::shared_ptr<ViolationDatabase> violations;
   std::shared_ptr<bkEditBD> data;
+  // The host's view revision when `data` last took the visible graphs (main thread).
+  std::optional<std::uint64_t> wantedGraphsRevision;
   std::unique_ptr<EditTimeStyling> styling;  // main thread; refers to `violations`
   bool auditorMode;
   // The connections made to the studios' active-editor events (owned by the studios' services);

@@ -98,6 +98,8 @@ std::vector<bkGraph*> visibleGraphsOf(BKRootBD* diagram) {
   return out;
 }
 
+std::uint64_t viewRevision() { return Blockara::StudioApp::viewRevision(); }
+
 SubsystemFacts subsystemFactsOf(const BKBlock* block) {
   SubsystemFacts facts;
   facts.isAtomic = SubsystemBlock::determineIsAtomicUnit(block);

@@ -77,6 +77,9 @@ bool isUsableGraph(const bkGraph* graph);
 /// The graphs behind the visible editors of the diagram, usable ones only, in editor order.
 std::vector<bkGraph*> visibleGraphsOf(BKRootBD* diagram);
 
+/// A count that moves whenever what `visibleGraphsOf` answers may have changed, for any diagram.
+std::uint64_t viewRevision();
+
 /// What the snapshot asks of a subsystem block.
 struct SubsystemFacts {
   bool isAtomic = false;

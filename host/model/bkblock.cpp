@@ -52,9 +52,13 @@ BKBlock::BKBlock(const BlockTypeInfo& type, bksvString name)
       params[desc.name] = desc.defaultValue;
   }
   liveBlocks().emplace(handle, this);
+  bkgg::noteStructureChange();
 }
 
-BKBlock::~BKBlock() { liveBlocks().erase(handle); }
+BKBlock::~BKBlock() {
+  liveBlocks().erase(handle);
+  bkgg::noteStructureChange();
+}
 
 BKBlock* BKBlock::Handle2Block(double handle) {
   auto it = liveBlocks().find(handle);

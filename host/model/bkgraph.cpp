@@ -5,6 +5,7 @@
 bkGraph::bkGraph(BKRootBD* diagram, BKBlock* owner) : diagram(diagram), owner(owner) {}
 
 bkGraph::~bkGraph() {
+  bkgg::noteStructureChange();
   // Contents go before the graph, innermost first, so that no block outlives its container.
   stateBits = BeingDestroyed;
   while (!blocks.empty()) blocks.pop_back();
@@ -12,12 +13,27 @@ bkGraph::~bkGraph() {
 
 BKRootBD* bkGraph::getBlockDiagram() const { return diagram; }
 
+void bkGraph::setStateBits(unsigned bits) {
+  stateBits = bits & (BeingBuilt | BeingDestroyed);
+  bkgg::noteStructureChange();
+}
+
 bksvString bkGraph::getFullPath() const {
   if (owner) return owner->getFullPath(false);
   return diagram ? diagram->getName() : bksvString();
 }
 
 namespace bkgg {
+namespace {
+std::uint64_t& revision() {
+  static std::uint64_t count = 0;
+  return count;
+}
+}  // namespace
+
+std::uint64_t structureRevision() { return revision(); }
+void noteStructureChange() { ++revision(); }
+
 BKBlockContainer graphicalBlocksOf(const bkGraph* graph, int) { return BKBlockContainer(graph); }
 }  // namespace bkgg
 

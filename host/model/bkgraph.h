@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -28,7 +29,7 @@ class bkGraph {
   /// The two state bits (`StateBit`).
   unsigned getStateBits() const { return stateBits; }
   /// Sets the state bits; the host sets them while it builds or tears a level down.
-  void setStateBits(unsigned bits) { stateBits = bits & (BeingBuilt | BeingDestroyed); }
+  void setStateBits(unsigned bits);
   /// True when neither state bit is set.
   bool isUsable() const { return stateBits == 0; }
   /// The path of the system: the diagram name for the root, else the owner's full path.
@@ -80,6 +81,12 @@ namespace bkgg {
 /// The blocks of `graph`'s own level (`depth` must be 1; other depths are treated as 1). A null
 /// graph gives an empty range. Main thread.
 BKBlockContainer graphicalBlocksOf(const bkGraph* graph, int depth);
+
+/// Main thread. A count that moves whenever a block is made or destroyed, a block tree joins or
+/// leaves a diagram, or a graph's state bits change or it is torn down: what a caller derived
+/// about which graphs exist and are usable holds while the count stays the same.
+std::uint64_t structureRevision();
+void noteStructureChange();
 }  // namespace bkgg
 
 /// Walks every block of a graph tree, depth first, a subsystem before its contents.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 #include "host/model/bkgraph.h"
 #include "host/model/blockmutator.h"
@@ -83,12 +84,16 @@ bkGraph* BKRootBD::findSystem(const bksvString& path) const {
 }
 
 std::vector<BKBlock*> BKRootBD::blocksInPathOrder() const {
+  // Sorted by the index's own keys: a path copied per comparison costs more than the sort.
+  using Entry = std::pair<const bksvString*, BKBlock*>;
+  std::vector<Entry> entries;
+  entries.reserve(pathIndex.size());
+  for (const auto& [path, block] : pathIndex) entries.emplace_back(&path, block);
+  std::sort(entries.begin(), entries.end(),
+            [](const Entry& a, const Entry& b) { return *a.first < *b.first; });
   std::vector<BKBlock*> blocks;
-  blocks.reserve(pathIndex.size());
-  for (const auto& [path, block] : pathIndex) blocks.push_back(block);
-  std::sort(blocks.begin(), blocks.end(), [](const BKBlock* a, const BKBlock* b) {
-    return a->getFullPath(false) < b->getFullPath(false);
-  });
+  blocks.reserve(entries.size());
+  for (const Entry& entry : entries) blocks.push_back(entry.second);
   return blocks;
 }
 

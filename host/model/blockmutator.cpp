@@ -127,6 +127,7 @@ std::unique_ptr<BKBlock> BlockMutator::makeBlock(const BlockTypeInfo& type, cons
 }
 
 void BlockMutator::setGraphDiagram(BKBlock* block, BKRootBD* diagram) {
+  bkgg::noteStructureChange();
   if (bkGraph* inside = block->getSubGraph()) {
     inside->diagram = diagram;
     for (auto& child : inside->blocks) setGraphDiagram(child.get(), diagram);

@@ -108,7 +108,6 @@ bool EventLoop::runUntilQuiet(std::chrono::milliseconds timeout) {
   const auto deadline = Clock::now() + timeout;
   for (;;) {
     if (pumpOnce()) {
-      if (batchMode) TimerThread::requestTickAll();
       if (Clock::now() >= deadline) return false;
       continue;
     }
@@ -122,6 +121,11 @@ bool EventLoop::runUntilQuiet(std::chrono::milliseconds timeout) {
         std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
     waitForPosted(std::clamp(left, std::chrono::milliseconds(0), std::chrono::milliseconds(1)));
   }
+}
+
+void EventLoop::setBatchMode(bool on) {
+  batchMode = on;
+  TimerThread::holdPeriods(on);
 }
 
 void EventLoop::adoptCurrentThread() { mainThread = std::this_thread::get_id(); }

@@ -84,13 +84,12 @@ class EventLoop {
   /// quiet, false when `timeout` ran out first.
   bool runUntilQuiet(std::chrono::milliseconds timeout);
 
-  /// Main thread. Batch mode, for a program that only wants work done (a batch check): while
-  /// `runUntilQuiet` runs, timers are not left to their periods. After every step that did work
-  /// each running timer is asked for a tick without waiting (`TimerThread::requestTickAll`), so
-  /// that work queued for a timer thread runs at once, beside the main thread's; and when only
-  /// outside work is left, every running timer is ticked and waited for (`TimerThread::tickAll`)
-  /// instead of sleeping. Off by default.
-  void setBatchMode(bool on) { batchMode = on; }
+  /// Main thread. Batch mode, for a program that only wants work done (a batch check): timers
+  /// are not left to their periods (`TimerThread::holdPeriods`). `runUntilQuiet` runs the main
+  /// thread's own work first; only when none is left does it tick every running timer and wait
+  /// for the tick (`TimerThread::tickAll`), instead of sleeping. A worker so takes what the main
+  /// thread queued in few large ticks rather than one tick per slice. Off by default.
+  void setBatchMode(bool on);
   bool isBatchMode() const { return batchMode; }
 
   /// Makes the calling thread the main thread (tests and the program call it once at start).

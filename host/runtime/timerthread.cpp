@@ -14,6 +14,7 @@ namespace {
 
 std::atomic<int> defaultModeSetting{TimerThread::periodic};
 std::atomic<std::int64_t> periodUnitNanos{10'000'000};  // 10 ms
+std::atomic<bool> periodsHeld{false};
 
 // The running timers, for `tickAllManual`. registryMutex guards liveTimers.
 std::mutex registryMutex;
@@ -88,7 +89,11 @@ void TimerThread::run() {
   for (;;) {
     auto due = [this] { return stopRequested || ticksRequested > ticksStarted; };
     if (executionMode == periodic) {
-      wake.wait_until(lock, deadline, due);
+      // A held period passes without a tick; only requests tick the timer meanwhile.
+      if (!wake.wait_until(lock, deadline, due) && periodsHeld.load()) {
+        deadline = std::chrono::steady_clock::now() + periodLength;
+        continue;
+      }
     } else {
       wake.wait(lock, due);
     }
@@ -182,6 +187,8 @@ void TimerThread::setPeriodUnit(std::chrono::nanoseconds unit) {
     throw std::invalid_argument("timer thread: the period unit must be positive");
   periodUnitNanos.store(unit.count());
 }
+
+void TimerThread::holdPeriods(bool on) { periodsHeld.store(on); }
 
 std::chrono::nanoseconds TimerThread::periodUnit() {
   return std::chrono::nanoseconds(periodUnitNanos.load());

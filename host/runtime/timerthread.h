@@ -102,6 +102,11 @@ class TimerThread {
   static void setPeriodUnit(std::chrono::nanoseconds unit);
   static std::chrono::nanoseconds periodUnit();
 
+  /// Any thread. While held, periodic timers let their periods pass without a tick and tick only
+  /// when asked (`tick`, `requestTick`), as manual ones do. The main loop's batch mode holds
+  /// them. Off by default.
+  static void holdPeriods(bool on);
+
   /// Main thread. Ticks every running timer in manual mode once, each waiting for its tick.
   /// Returns how many were ticked. Used by the main loop to let manual timers drain their work.
   static std::size_t tickAllManual();

@@ -15,6 +15,11 @@ std::map<double, std::unique_ptr<StudioApp>>& studios() {
   return open;
 }
 
+std::uint64_t& editorRevision() {
+  static std::uint64_t count = 0;
+  return count;
+}
+
 void watchCloses() {
   static bool watching = false;
   if (watching) return;
@@ -24,7 +29,16 @@ void watchCloses() {
 
 }  // namespace
 
-Editor::Editor(StudioApp& studio, double ownerHandle) : studio(studio), ownerHandle(ownerHandle) {}
+Editor::Editor(StudioApp& studio, double ownerHandle) : studio(studio), ownerHandle(ownerHandle) {
+  ++editorRevision();
+}
+
+Editor::~Editor() { ++editorRevision(); }
+
+void Editor::setVisible(bool on) {
+  if (visible != on) ++editorRevision();
+  visible = on;
+}
 
 bkGraph* Editor::getGraph() const {
   BKRootBD* diagram = studio.getDiagram();
@@ -36,9 +50,13 @@ bkGraph* Editor::getGraph() const {
   return owner->getSubGraph();
 }
 
-StudioApp::StudioApp(BKRootBD* diagram) : diagramHandle(diagram->getHandle()) {}
+StudioApp::StudioApp(BKRootBD* diagram) : diagramHandle(diagram->getHandle()) {
+  ++editorRevision();
+}
 
-StudioApp::~StudioApp() = default;
+StudioApp::~StudioApp() { ++editorRevision(); }
+
+std::uint64_t StudioApp::viewRevision() { return editorRevision() + bkgg::structureRevision(); }
 
 std::vector<StudioApp*> StudioApp::getAllStudioAppsFor(double diagramHandle) {
   auto it = studios().find(diagramHandle);
@@ -97,6 +115,14 @@ Editor* StudioApp::openEditor(const bksvString& systemPath) {
   Editor* editor = editors.back().get();
   activate(editor);
   return editor;
+}
+
+void StudioApp::openEditors(const std::vector<bksvString>& systemPaths) {
+  std::vector<double> owners;
+  owners.reserve(systemPaths.size());
+  for (const bksvString& path : systemPaths) owners.push_back(ownerHandleOf(path));
+  for (double owner : owners) editors.push_back(std::make_unique<Editor>(*this, owner));
+  if (!editors.empty() && !owners.empty()) activate(editors.back().get());
 }
 
 Editor* StudioApp::focus(const bksvString& systemPath) {

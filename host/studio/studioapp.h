@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -24,6 +25,7 @@ struct ActiveEditorChangedEvent {
 class Editor {
  public:
   Editor(StudioApp& studio, double ownerHandle);
+  ~Editor();
   Editor(const Editor&) = delete;
   Editor& operator=(const Editor&) = delete;
 
@@ -34,7 +36,7 @@ class Editor {
   double getOwnerHandle() const { return ownerHandle; }
   /// Whether the window is visible.
   bool isVisible() const { return visible; }
-  void setVisible(bool on) { visible = on; }
+  void setVisible(bool on);
   /// The studio the editor belongs to.
   StudioApp& getStudio() const { return studio; }
 
@@ -59,6 +61,10 @@ class StudioApp {
   static std::vector<StudioApp*> getAllStudioAppsFor(double diagramHandle);
   /// Every editor of the diagram with handle `diagramHandle`, over all its studios.
   static std::vector<Editor*> getAllEditorsFor(double diagramHandle);
+  /// A count that moves whenever a studio or editor opens or closes, an editor is shown or
+  /// hidden, or the model's structure changes (`bkgg::structureRevision`): the graphs that
+  /// `getAllEditorsFor` shows stay the same while it does.
+  static std::uint64_t viewRevision();
   /// The studio of `diagram`, made if it has none. Throws std::invalid_argument for null.
   static StudioApp* open(BKRootBD* diagram);
   /// Closes the studio of `diagram`, if any, with all its editors. No event is raised.
@@ -75,6 +81,10 @@ class StudioApp {
   /// it active, raising the active-editor-changed event. Throws std::invalid_argument naming the
   /// path when it is no system of the diagram.
   Editor* openEditor(const bksvString& systemPath);
+  /// Opens an editor on each of `systemPaths`, as a user restoring a set of windows at once:
+  /// only the last becomes active, so the event is raised once, not once per editor. Throws as
+  /// `openEditor` on the first path that is no system, before opening any.
+  void openEditors(const std::vector<bksvString>& systemPaths);
   /// Makes the first editor on `systemPath` active, opening one if there is none; raises the
   /// event when the active editor changes. Throws as `openEditor`.
   Editor* focus(const bksvString& systemPath);

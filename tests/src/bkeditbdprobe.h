@@ -16,9 +16,9 @@ struct bkEditBDProbe {
   auto& subsysProperties() { return d.subsysProperties; }
   auto& subsysNameChanges() { return d.subsysNameChanges; }
   auto& maskedBlocks() { return d.maskedBlocks; }
-  auto& visibleGraphs() { return d.visibleGraphs; }
-  auto& visibleGraphsDone() { return d.visibleGraphsDone; }
-  auto& auditorGraphsDone() { return d.auditorGraphsDone; }
+  auto& visibleGraphs() { return d.visibleGraphs.wantedGraphs(); }
+  auto& visibleGraphsDone() { return d.visibleGraphs.visitedGraphs(); }
+  auto& auditorGraphsDone() { return d.auditorGraphs.visitedGraphs(); }
   auto& auditorPathsDone() { return d.auditorPathsDone; }
   auto& handleToSubsystem() { return d.handleToSubsystem; }
   bool initialScanDone() const { return d.initialScanDone; }

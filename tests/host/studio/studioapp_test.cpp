@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <random>
 #include <thread>
 
 #include "host/model/bkgraph.h"
@@ -111,6 +112,56 @@ TEST_F(StudioTest, EventsRaisedOffTheMainThreadArePostedToIt) {
   EXPECT_EQ(blockara::EventLoop::instance().runPosted(), 1u);
   EXPECT_EQ(listener.seen, std::vector<bkGraph*>{d->getRootGraph()});
   EXPECT_THROW(conn::ConnectionService::instance().getNamedThread("Other"), std::invalid_argument);
+}
+
+// What an engine derives from the view (each editor's graph, shown and usable or not) holds
+// while the view revision stays: random edits, undos, renames and editor changes never alter it
+// without moving the count. Opening a set of editors at once raises one event.
+TEST_F(StudioTest, ViewRevisionMovesWheneverTheShownGraphsMayChange) {
+  StudioApp* studio = StudioApp::open(d);
+  ViewListener listener;
+  listener.connectTo(d);
+  studio->openEditors({u"m", u"m/s", u"m/s/t"});
+  EXPECT_EQ(listener.seen.size(), 1u);
+  const auto view = [&] {
+    std::vector<std::pair<bkGraph*, bool>> shown;
+    for (Blockara::Editor* e : StudioApp::getAllEditorsFor(d->getHandle())) {
+      bkGraph* g = e->getGraph();
+      shown.emplace_back(g, e->isVisible() && g && g->isUsable());
+    }
+    return shown;
+  };
+  std::mt19937 random(3);
+  const std::vector<bksvString> systems{u"m", u"m/s", u"m/s/t", u"m/u"};
+  auto before = view();
+  std::uint64_t revision = StudioApp::viewRevision();
+  for (int step = 0; step < 400; ++step) {
+    const bksvString& path = systems[random() % systems.size()];
+    try {
+      switch (random() % 7) {
+        case 0: studio->openEditor(path); break;
+        case 1: studio->closeEditors(path); break;
+        case 2: {
+          auto editors = studio->getEditors();
+          if (!editors.empty()) {
+            Blockara::Editor* e = editors[random() % editors.size()];
+            e->setVisible(!e->isVisible());
+          }
+          break;
+        }
+        case 3: d->editing().deleteBlock(path); break;
+        case 4: d->editing().undo(); break;
+        case 5: d->editing().addBlock(u"m", "SubSystem", u"u"); break;
+        default: d->editing().renameBlock(u"m/g", u"g"); break;
+      }
+    } catch (const std::exception&) {
+      // No such system or block at this step: nothing changed.
+    }
+    const auto now = view();
+    if (StudioApp::viewRevision() == revision) ASSERT_EQ(now, before) << "step " << step;
+    before = now;
+    revision = StudioApp::viewRevision();
+  }
 }
 
 }  // namespace
