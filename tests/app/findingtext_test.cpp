@@ -51,8 +51,6 @@ TEST_F(FindingTextTest, SentencesNameTheBlockAndTheOffendingValue) {
        "Block name 'g 1' contains text that the prohibited-name pattern '[^a-z]' matches.", ""},
       {e.addBlock(u"m", "Gain", u"k"), "BlockConstraintViolation", "my.Check",
        "Block 'k' does not meet the block constraints of check 'my.Check'.", ""},
-      {e.addBlock(u"m", "Gain", u"q"), "Unheard", "x.y",
-       "Block 'q' has a Unheard finding of check x.y.", ""},
   };
   for (const Case& c : cases) {
     const FindingText text = describeFinding(*c.block, c.type, c.checkId);
@@ -62,7 +60,6 @@ TEST_F(FindingTextTest, SentencesNameTheBlockAndTheOffendingValue) {
     }
     EXPECT_FALSE(text.hint.empty()) << c.type;
   }
-  EXPECT_EQ(describeRule("orvanta.blockara.DataStoreUsage").level, "warning");
   EXPECT_EQ(describeRule("orvanta.blockara.StateAccessorPathViolation").level, "error");
 }
 

@@ -158,7 +158,9 @@ TEST_F(StudioTest, ViewRevisionMovesWheneverTheShownGraphsMayChange) {
       // No such system or block at this step: nothing changed.
     }
     const auto now = view();
-    if (StudioApp::viewRevision() == revision) ASSERT_EQ(now, before) << "step " << step;
+    if (StudioApp::viewRevision() == revision) {
+      ASSERT_EQ(now, before) << "step " << step;
+    }
     before = now;
     revision = StudioApp::viewRevision();
   }
