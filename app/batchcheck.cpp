@@ -8,18 +8,23 @@
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
+#include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include "app/luaapi.h"
 #include "app/findings.h"
 #include "app/report.h"
+#include "app/unusedexclusions.h"
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
 #include "host/runtime/eventloop.h"
 #include "host/studio/studioapp.h"
 #include "host/xml/xmlreader.h"
 #include "src/configuration/exclusionmanager.h"
+#include "src/bkeditbd.h"
 #include "src/edittimecontroller.h"
+#include "src/edittimeengine.h"
 #include "src/workerthread/asynctaskmanager.h"
 #include "src/workerthread/checkfailures.h"
 
@@ -76,6 +81,46 @@ void requireXmlFile(const std::string& file, const std::string& kind,
 
 std::wstring wide(const bksvString& text) { return std::wstring(text.begin(), text.end()); }
 
+// The rule-auditor scan's progress on one line of standard error, for a person at a terminal:
+// shown once a scan has taken half a second, and wiped when it ends.
+class ScanProgress {
+ public:
+  explicit ScanProgress(std::wstring diagramName)
+      : diagramName(std::move(diagramName)), terminal(isatty(STDERR_FILENO) == 1) {}
+  ScanProgress(const ScanProgress&) = delete;
+  ScanProgress& operator=(const ScanProgress&) = delete;
+  ~ScanProgress() {
+    if (shown) std::cerr << "\r\033[K" << std::flush;
+  }
+
+  void update() {
+    if (!terminal || std::chrono::steady_clock::now() - start < std::chrono::milliseconds(500)) {
+      return;
+    }
+    auto engine = bkedittimecheck::EditTimeController::instance().findEngine(diagramName);
+    if (!engine) return;
+    const auto [done, wanted] = engine->getData()->auditorScanProgress();
+    std::cerr << "\rblockara: scanned " << done << " of " << wanted << " system levels"
+              << std::flush;
+    shown = true;
+  }
+
+ private:
+  std::wstring diagramName;
+  bool terminal;
+  bool shown = false;
+  std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+};
+
+// Where the exclusions came from, for naming them in messages.
+std::string exclusionsFileOf(const Options& o, const BKRootBD& diagram) {
+  if (!o.exclusions.empty()) return o.exclusions;
+  if (!diagram.getExclusionFilePath().empty()) {
+    return ConvertUStringToStdString(diagram.getExclusionFilePath());
+  }
+  return o.model + ":" + bkedittimecheck::ExclusionManager::exclusionsPart;
+}
+
 // Opens an editor on every system level, so that the whole model is on view.
 void showEverySystem(BKRootBD& diagram) {
   auto& controller = bkedittimecheck::EditTimeController::instance();
@@ -91,6 +136,7 @@ void showEverySystem(BKRootBD& diagram) {
 }  // namespace
 
 int runBatchCheck(const Options& o) {
+  SarifRun run{o.model, o.sourceRoot, o.arguments, std::chrono::system_clock::now(), {}, {}, {}};
   BKRootBD* diagram = nullptr;
   try {
     if (!o.config.empty()) {
@@ -132,7 +178,9 @@ int runBatchCheck(const Options& o) {
   // A rule that throws (a pattern too complex to match, say) leaves its pass unstyled for good:
   // once the worker has nothing left, name it instead of waiting for the end of the time.
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(10);
+  ScanProgress progress(name);
   while (!EventLoop::instance().runUntilQuiet(std::chrono::milliseconds(200))) {
+    progress.update();
     const std::vector<bkedittimecheck::CheckFailure> failures = bkedittimecheck::checkFailures();
     if (!failures.empty() && bkedittimecheck::AsyncTaskManager::outstandingCount() == 0) {
       std::cerr << "blockara: " << o.model << ": rule " << failures.front().checkId
@@ -145,7 +193,16 @@ int runBatchCheck(const Options& o) {
     }
   }
   std::vector<Finding> findings = collectFindings(*diagram);
-  std::string report = formatReport(*diagram, findings, o.format, o.model);
+  const bool anyLeft = std::any_of(findings.begin(), findings.end(),
+                                   [](const Finding& f) { return !f.exempt; });
+  if (o.unusedExclusions) {
+    run.warnings = unusedExclusions(*diagram, exclusionsFileOf(o, *diagram));
+    for (const std::string& line : run.warnings) std::cerr << "blockara: " << line << "\n";
+  }
+  const bool failUnused = o.failOnUnusedExclusions && !run.warnings.empty();
+  run.exitCode = anyLeft || failUnused ? 1 : 0;
+  run.end = std::chrono::system_clock::now();
+  std::string report = formatReport(*diagram, findings, o.format, run);
   if (o.out.empty()) {
     std::cout << report;
   } else {
@@ -156,7 +213,7 @@ int runBatchCheck(const Options& o) {
       return 2;
     }
   }
-  return findings.empty() ? 0 : 1;
+  return *run.exitCode;
 }
 
 }  // namespace blockara::app

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <set>
-#include <sstream>
 
 namespace blockara::app {
 
@@ -46,8 +44,11 @@ std::string formatText(std::vector<Finding> findings) {
   std::sort(findings.begin(), findings.end());
   std::string out;
   for (const Finding& f : findings) {
-    out += textEscape(f.path) + '\t' + textEscape(f.checkId) + '\t' + textEscape(f.type) + '\t' +
-           textEscape(f.category) + '\n';
+    if (f.exempt) continue;
+    for (const std::string* field : {&f.path, &f.checkId, &f.type, &f.category, &f.message}) {
+      out += textEscape(*field) + '\t';
+    }
+    out += textEscape(f.hint) + '\n';
   }
   return out;
 }
@@ -101,35 +102,6 @@ std::string htmlEscape(const std::string& text) {
     }
   }
   return out;
-}
-
-std::string formatSarif(std::vector<Finding> findings, const std::string& artifact) {
-  std::sort(findings.begin(), findings.end());
-  std::set<std::string> rules;
-  for (const Finding& f : findings) rules.insert(f.checkId);
-
-  std::ostringstream out;
-  out << "{\n  \"$schema\": \"https://json.schemastore.org/sarif-2.1.0.json\",\n"
-      << "  \"version\": \"2.1.0\",\n  \"runs\": [{\n"
-      << "    \"tool\": {\"driver\": {\"name\": \"bkedittimecheck\", \"rules\": [";
-  const char* sep = "";
-  for (const std::string& id : rules) {
-    out << sep << "\n      {\"id\": \"" << jsonEscape(id) << "\"}";
-    sep = ",";
-  }
-  out << "\n    ]}},\n    \"results\": [";
-  sep = "";
-  for (const Finding& f : findings) {
-    out << sep << "\n      {\"ruleId\": \"" << jsonEscape(f.checkId) << "\", \"level\": \""
-        << (isErrorCategory(f.category) ? "error" : "warning") << "\", \"message\": {\"text\": \""
-        << jsonEscape(f.type) << "\"}, \"properties\": {\"category\": \"" << jsonEscape(f.category)
-        << "\"}, \"locations\": [{\"physicalLocation\": {\"artifactLocation\": {\"uri\": \""
-        << jsonEscape(artifact) << "\"}}, \"logicalLocations\": [{\"fullyQualifiedName\": \""
-        << jsonEscape(f.path) << "\", \"kind\": \"object\"}]}]}";
-    sep = ",";
-  }
-  out << "\n    ]\n  }]\n}\n";
-  return out.str();
 }
 
 }  // namespace blockara::app

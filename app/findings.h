@@ -11,6 +11,11 @@ struct Finding {
   std::string checkId;   // e.g. "orvanta.kabe.kb_0402"
   std::string type;      // the violation type
   std::string category;  // "EDITTIME_ERROR", "RAWARNING", "RAERROR" or "EDITTIME_WARNING"
+  std::string message;   // one sentence: the block and the offending value where known
+  std::string hint;      // how to fix it, in a few words
+  bool exempt = false;   // an exclusion holds this finding back from display and exit status
+  std::string rationale;  // the rationale of that exclusion
+  std::string sid;        // the block's SID, for finding its element in the model file
 
   friend bool operator==(const Finding&, const Finding&) = default;
   friend auto operator<=>(const Finding&, const Finding&) = default;
@@ -28,13 +33,10 @@ bool isErrorCategory(const std::string& category);
 /// for the others. Other bytes, UTF-8 included, pass unchanged.
 std::string textEscape(const std::string& text);
 
-/// One line per finding, `PATH<TAB>CHECK_ID<TAB>TYPE<TAB>CATEGORY`, each field `textEscape`d,
+/// One line per finding that is not exempt,
+/// `PATH<TAB>CHECK_ID<TAB>TYPE<TAB>CATEGORY<TAB>MESSAGE<TAB>HINT`, each field `textEscape`d,
 /// sorted.
 std::string formatText(std::vector<Finding> findings);
-
-/// A SARIF 2.1.0 log with one run: rule id = check ID, message = violation type, level from the
-/// category, logical location = block path. `artifact` names the model file.
-std::string formatSarif(std::vector<Finding> findings, const std::string& artifact);
 
 /// `text` with the characters that JSON strings must escape escaped (no quotes added).
 std::string jsonEscape(const std::string& text);

@@ -136,14 +136,30 @@ std::optional<std::map<std::string, std::vector<std::string>>> ceExclusions(bksv
 // to `path` when given, returned in every case.
 std::string report(BKRootBD* d, std::optional<std::string> format,
                    std::optional<std::string> path) {
-  std::string text =
-      formatReport(*d, collectFindings(*d), format.value_or("text"), d->getFilePath());
+  SarifRun run;
+  run.artifact = d->getFilePath();
+  run.start = run.end = std::chrono::system_clock::now();
+  std::string text = formatReport(*d, collectFindings(*d), format.value_or("text"), run);
   if (path && !path->empty()) {
     std::ofstream out(*path, std::ios::binary);
     out << text;
     if (!out) throw std::runtime_error(*path + ": cannot write the report");
   }
   return text;
+}
+
+// blockara.findings(d): every finding of a diagram as the reports show it, sorted; an exempt one
+// carries the rationale of its exclusion.
+std::vector<std::map<std::string, std::string>> findings(BKRootBD* d) {
+  std::vector<std::map<std::string, std::string>> out;
+  for (Finding& f : collectFindings(*d)) {
+    std::map<std::string, std::string> entry = {
+        {"path", f.path},         {"checkId", f.checkId},   {"type", f.type},
+        {"category", f.category}, {"message", f.message}, {"hint", f.hint}};
+    if (f.exempt) entry["rationale"] = f.rationale;
+    out.push_back(std::move(entry));
+  }
+  return out;
 }
 
 }  // namespace
@@ -192,6 +208,7 @@ void installLuaApi(LuaHost& host) {
                         luaFunction<[] { return EditTimePreferences::checkSelectionMap(); }>);
   host.registerFunction("blockara.ceExclusions", luaFunction<ceExclusions>);
   host.registerFunction("blockara.report", luaFunction<report>);
+  host.registerFunction("blockara.findings", luaFunction<findings>);
   lua_getglobal(L, "blockara");
   lua_newtable(L);
   lua_setfield(L, -2, "workspace");

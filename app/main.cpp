@@ -24,9 +24,21 @@ namespace {
 using blockara::app::Options;
 using blockara::app::Verb;
 
+// A folder of the installed package beside the program (`<prefix>/share/bkedittimecheck/NAME`
+// for `<prefix>/bin/blockara`), or else the build's folder.
+std::string packageFolder(const std::string& name, const std::string& inBuild) {
+  std::error_code error;
+  const std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (!error) {
+    const auto installed = exe.parent_path().parent_path() / "share" / "bkedittimecheck" / name;
+    if (std::filesystem::is_directory(installed, error)) return installed.string();
+  }
+  return inBuild;
+}
+
 // Applies the options that shape the host before anything runs.
 void configureHost(const Options& o) {
-  svSetNumeriaRoot(o.root.empty() ? std::string(BKETC_RESOURCE_DIR) : o.root);
+  svSetNumeriaRoot(o.root.empty() ? packageFolder("resources", BKETC_RESOURCE_DIR) : o.root);
   if (!o.prefDir.empty()) svSetPreferencesDirectory(o.prefDir);
   bk::bkedittimecheck::bkutils::setShowEditTimeIssues(o.editTimeIssues);
   if (!o.traceFile.empty()) blockara::PerformanceTracer::instance().start(o.traceFile);
@@ -80,14 +92,15 @@ int run(const Options& o) {
         break;
       case Verb::Demo: {
         std::string out = o.out.empty() ? std::string("blockara-demo") : o.out;
-        status = runScript(lua, std::string(BKETC_EXAMPLES_DIR) + "/demo/demo.lua",
-                           {out, std::string(BKETC_EXAMPLES_DIR) + "/demo"});
+        const std::string examples = packageFolder("examples", BKETC_EXAMPLES_DIR);
+        status = runScript(lua, examples + "/demo/demo.lua", {out, examples + "/demo"});
         break;
       }
       case Verb::Check:
         status = blockara::app::runBatchCheck(o);
         break;
       case Verb::Help:
+      case Verb::Version:
         break;
     }
     shutDown();
@@ -109,7 +122,11 @@ int main(int argc, char** argv) {
     return 2;
   }
   if (options.verb == Verb::Help) {
-    std::cout << blockara::app::usageText();
+    std::cout << blockara::app::usageText(options.helpTopic);
+    return 0;
+  }
+  if (options.verb == Verb::Version) {
+    std::cout << blockara::app::versionText();
     return 0;
   }
   try {

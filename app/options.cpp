@@ -9,7 +9,7 @@ namespace {
 
 bool takesValue(std::string_view opt) {
   return opt == "--prefdir" || opt == "--root" || opt == "--trace" || opt == "--config" ||
-         opt == "--exclusions" || opt == "--format" || opt == "--out";
+         opt == "--exclusions" || opt == "--format" || opt == "--out" || opt == "--source-root";
 }
 
 void apply(Options& o, std::string_view opt, const std::string& value) {
@@ -19,6 +19,7 @@ void apply(Options& o, std::string_view opt, const std::string& value) {
   else if (opt == "--config") o.config = value;
   else if (opt == "--exclusions") o.exclusions = value;
   else if (opt == "--out") o.out = value;
+  else if (opt == "--source-root") o.sourceRoot = value;
   else if (opt == "--format") {
     if (value != "text" && value != "sarif" && value != "html") {
       throw std::invalid_argument("--format takes text, sarif or html, not '" + value + "'");
@@ -31,15 +32,26 @@ void apply(Options& o, std::string_view opt, const std::string& value) {
 
 Options parseOptions(int argc, const char* const* argv) {
   Options o;
+  o.arguments.assign(argv, argv + argc);
   bool haveVerb = false;
   for (int i = 1; i < argc; ++i) {
     std::string_view arg = argv[i];
     if (arg == "--help" || arg == "-h") {
+      o.helpTopic = haveVerb ? o.verb : Verb::Help;
       o.verb = Verb::Help;
+      return o;
+    }
+    if (arg == "--version") {
+      o.verb = Verb::Version;
       return o;
     }
     if (arg == "--no-edit-time-issues") {
       o.editTimeIssues = false;
+      continue;
+    }
+    if (arg == "--unused-exclusions" || arg == "--fail-on-unused-exclusions") {
+      o.unusedExclusions = true;
+      o.failOnUnusedExclusions = o.failOnUnusedExclusions || arg == "--fail-on-unused-exclusions";
       continue;
     }
     if (arg.starts_with("--")) {
@@ -62,7 +74,9 @@ Options parseOptions(int argc, const char* const* argv) {
         o.verb = Verb::Demo;
       } else if (arg == "check") {
         o.verb = Verb::Check;
-        if (i + 1 >= argc || std::string_view(argv[i + 1]).starts_with("--")) {
+        const std::string_view next = i + 1 < argc ? argv[i + 1] : "";
+        if (next == "--help" || next == "-h") continue;
+        if (next.empty() || next.starts_with("--")) {
           throw std::invalid_argument("check needs a model file");
         }
         o.model = argv[++i];
@@ -79,12 +93,38 @@ Options parseOptions(int argc, const char* const* argv) {
   return o;
 }
 
-const char* usageText() {
+std::string usageText(Verb topic) {
+  if (topic == Verb::Check) {
+    return "usage: blockara check MODEL [OPTIONS]\n"
+           "Checks MODEL (.bkd or .bkdx) under the rule auditor with every system on view and\n"
+           "writes the findings. Exit status: 0 no finding left, 1 findings left (or unused\n"
+           "exclusions with --fail-on-unused-exclusions), 2 a file cannot be used.\n"
+           "  --config FILE                 customization file selecting the checks\n"
+           "  --exclusions FILE             exclusions file (default: the model's own)\n"
+           "  --format text|sarif|html      report format (default: text)\n"
+           "  --out FILE                    write the report to FILE instead of standard output\n"
+           "  --source-root DIR             SARIF paths are relative to DIR (default: .)\n"
+           "  --unused-exclusions           list exclusion rules that match no block (stderr)\n"
+           "  --fail-on-unused-exclusions   the same, and exit 1 when there is any\n"
+           "  --prefdir DIR, --root DIR, --trace FILE   as for every verb\n";
+  }
+  if (topic == Verb::Demo) {
+    return "usage: blockara demo [--out DIR]\n"
+           "Opens the bundled demo model, makes a few edits, prints the findings and glows after\n"
+           "each step and writes report.html and findings.sarif into DIR (default:\n"
+           "blockara-demo).\n";
+  }
   return "usage: blockara [--prefdir DIR] [--root DIR] [--trace FILE] [--no-edit-time-issues] "
          "SCRIPT.lua [ARGS...]\n"
          "       blockara demo [--out DIR]\n"
          "       blockara check MODEL [--config FILE] [--exclusions FILE] "
-         "[--format text|sarif|html] [--out FILE]\n";
+         "[--format text|sarif|html] [--out FILE] [--source-root DIR] [--unused-exclusions] "
+         "[--fail-on-unused-exclusions]\n"
+         "       blockara --version | --help | check --help | demo --help\n";
+}
+
+std::string versionText() {
+  return std::string("blockara ") + BKETC_VERSION + " (bkedittimecheck " + BKETC_VERSION + ")\n";
 }
 
 }  // namespace blockara::app

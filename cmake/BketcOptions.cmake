@@ -3,20 +3,24 @@
 add_library(bketc_options INTERFACE)
 add_library(bketc::options ALIAS bketc_options)
 target_compile_features(bketc_options INTERFACE cxx_std_20)
-target_compile_options(bketc_options INTERFACE -Wall -Wextra -Wpedantic -Wno-unused-parameter)
+# Warnings and sanitizers are the build's own; an installed package hands on only the standard
+# (and the queue allocator choice, which shapes the headers).
+target_compile_options(bketc_options INTERFACE
+  "$<BUILD_INTERFACE:-Wall;-Wextra;-Wpedantic;-Wno-unused-parameter>")
 if(BKETC_WERROR)
-  target_compile_options(bketc_options INTERFACE -Werror)
+  target_compile_options(bketc_options INTERFACE $<BUILD_INTERFACE:-Werror>)
 endif()
 
 if(BKETC_SANITIZE STREQUAL "address")
-  target_compile_options(bketc_options INTERFACE -fsanitize=address,undefined -fno-omit-frame-pointer
-                         -fno-sanitize-recover=undefined)
-  target_link_options(bketc_options INTERFACE -fsanitize=address,undefined)
+  target_compile_options(bketc_options INTERFACE "$<BUILD_INTERFACE:-fsanitize=address$<COMMA>undefined;\
+-fno-omit-frame-pointer;-fno-sanitize-recover=undefined>")
+  target_link_options(bketc_options INTERFACE $<BUILD_INTERFACE:-fsanitize=address$<COMMA>undefined>)
   # LeakSanitizer cannot see into TBB's own memory pools; see src/queueallocator.h.
   target_compile_definitions(bketc_options INTERFACE BKETC_PLAIN_QUEUE_ALLOCATOR)
 elseif(BKETC_SANITIZE STREQUAL "thread")
-  target_compile_options(bketc_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
-  target_link_options(bketc_options INTERFACE -fsanitize=thread)
+  target_compile_options(bketc_options INTERFACE
+                         "$<BUILD_INTERFACE:-fsanitize=thread;-fno-omit-frame-pointer>")
+  target_link_options(bketc_options INTERFACE $<BUILD_INTERFACE:-fsanitize=thread>)
   # ThreadSanitizer cannot see memory that TBB's pools hand out again: a queue page reused by
   # another thread looks like a race. The standard allocator goes through malloc, which it sees.
   target_compile_definitions(bketc_options INTERFACE BKETC_PLAIN_QUEUE_ALLOCATOR)

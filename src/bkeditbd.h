@@ -121,6 +121,10 @@ class bkEditBD {
   /// Main thread. True while the rule-auditor scan has graphs left: it wants more graphs than
   /// it visited and `auditorMode` is set. Only the counts matter.
   bool hasAuditorGraphsToScan() const;
+  /// Main thread. How far the rule-auditor scan is: system levels visited and wanted.
+  std::pair<std::size_t, std::size_t> auditorScanProgress() const {
+    return {auditorGraphs.visitedGraphs().size(), auditorGraphs.wantedGraphs().size()};
+  }
   /// Main thread. True while the interactive scan wants more graphs than it visited.
   bool hasVisibleGraphsToScan() const;
 

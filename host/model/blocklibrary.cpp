@@ -4,10 +4,12 @@
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 
+#include "host/prefs/directories.h"
 #include "host/xml/xmlreader.h"
 
 #ifndef BKETC_BLOCKLIBRARY_PATH
@@ -43,6 +45,10 @@ BlockLibrary& BlockLibrary::instance() {
 
 std::string BlockLibrary::defaultPath() {
   if (const char* path = std::getenv("BLOCKARA_BLOCKLIBRARY"); path && *path) return path;
+  // An installed host finds its library under the installation root its program set.
+  const std::filesystem::path underRoot = std::filesystem::path(svNumeriaRoot()) / "blocklibrary.xml";
+  std::error_code error;
+  if (std::filesystem::is_regular_file(underRoot, error)) return underRoot.string();
   return BKETC_BLOCKLIBRARY_PATH;
 }
 

@@ -60,8 +60,9 @@ class BlockLibrary {
   /// std::runtime_error naming the file when that file is missing or malformed.
   static BlockLibrary& instance();
 
-  /// The installed library file: `$BLOCKARA_BLOCKLIBRARY` if set, else the build's resources
-  /// folder's "blocklibrary.xml".
+  /// The installed library file: `$BLOCKARA_BLOCKLIBRARY` if set, else "blocklibrary.xml" under
+  /// the installation root (`svNumeriaRoot`) when it is there, else the build's resources
+  /// folder's.
   static std::string defaultPath();
 
   /// Reads the library from `path`, replacing the current types. Throws std::runtime_error

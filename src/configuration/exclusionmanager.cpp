@@ -167,46 +167,57 @@ void ExclusionManager::loadExclusionsFromFile(BKRootBD* diagram, const std::wstr
       diagram ? diagramNameOf(diagram) : std::wstring(), std::move(published));
 }
 
-bool ExclusionManager::isExcluded(const BKBlock& block, const EditTimeViolation& violation) const {
+bool ExclusionManager::ruleSelects(const ExclusionRule& rule, const BKBlock& block) {
+  switch (rule.kind) {
+    case ExclusionRule::Subsystem:
+      return isInside(toWide(block.getFullPath(false)), rule.paramValue);
+    case ExclusionRule::Library:
+      return libraryRuleHolds(block, rule.paramValue);
+    case ExclusionRule::MaskType: {
+      const BKBlock* parent = parentSubsystem(block);
+      const BKMask* mask = parent ? parent->getMask() : nullptr;
+      return mask && toWide(mask->type) == rule.paramValue;
+    }
+    case ExclusionRule::Block:
+      return toWide(block.getFullPath(false)) == rule.paramValue;
+    case ExclusionRule::BlockType:
+      return toWide(block.getTypeName()) == rule.paramValue;
+    default:
+      return false;
+  }
+}
+
+const Exclusion* ExclusionManager::exemptionOf(const BKBlock& block,
+                                               const EditTimeViolation& violation) const {
   for (const Exclusion& exclusion : exclusions) {
     for (const ExclusionRule& rule : exclusion.rules) {
       switch (rule.kind) {
         case ExclusionRule::Subsystem:
-          if (isInside(toWide(block.getFullPath(false)), rule.paramValue) &&
-              exclusion.coversCheck(violation.checkId)) {
-            return true;
+        case ExclusionRule::Block:
+        case ExclusionRule::BlockType:
+          if (ruleSelects(rule, block) && exclusion.coversCheck(violation.checkId)) {
+            return &exclusion;
           }
           break;
         case ExclusionRule::Library:
           // The first library rule reached answers for the whole test, even with false.
-          return libraryRuleHolds(block, rule.paramValue);
+          return ruleSelects(rule, block) ? &exclusion : nullptr;
         case ExclusionRule::Chartelle:
         case ExclusionRule::BlockParameters:
           break;
-        case ExclusionRule::MaskType: {
-          const BKBlock* parent = parentSubsystem(block);
-          const BKMask* mask = parent ? parent->getMask() : nullptr;
-          if (mask && toWide(mask->type) == rule.paramValue) return true;
-          break;
-        }
-        case ExclusionRule::Block:
-          if (toWide(block.getFullPath(false)) == rule.paramValue &&
-              exclusion.coversCheck(violation.checkId)) {
-            return true;
-          }
-          break;
-        case ExclusionRule::BlockType:
-          if (toWide(block.getTypeName()) == rule.paramValue &&
-              exclusion.coversCheck(violation.checkId)) {
-            return true;
-          }
+        case ExclusionRule::MaskType:
+          if (ruleSelects(rule, block)) return &exclusion;
           break;
         default:
-          return false;
+          return nullptr;
       }
     }
   }
-  return false;
+  return nullptr;
+}
+
+bool ExclusionManager::isExcluded(const BKBlock& block, const EditTimeViolation& violation) const {
+  return exemptionOf(block, violation) != nullptr;
 }
 
 }  // namespace bkedittimecheck

@@ -55,6 +55,16 @@ class ExclusionManager {
   /// allocation.
   bool isExcluded(const BKBlock& block, const EditTimeViolation& violation) const;
 
+  /// Main thread. The exclusion that exempts `block` from `violation`, by the same rules and
+  /// order as `isExcluded`; null when none does. Points into `getExclusions()`, valid until the
+  /// next load.
+  const Exclusion* exemptionOf(const BKBlock& block, const EditTimeViolation& violation) const;
+
+  /// Main thread. True when `rule` speaks of `block`, whatever the checks of its exclusion: the
+  /// block part of the decision alone, for telling which rules name no block any more. Chartelle,
+  /// block-parameter and unknown rules speak of no block.
+  static bool ruleSelects(const ExclusionRule& rule, const BKBlock& block);
+
   /// Main thread. The exclusions, in file order.
   const std::vector<Exclusion>& getExclusions() const { return exclusions; }
   /// Main thread. A count that moves at every load, whatever it read.

@@ -32,6 +32,17 @@ TEST(OptionsTest, VerbsTakeTheirOptionsOnEitherSide) {
   EXPECT_EQ(check.traceFile, "t.json");
   EXPECT_EQ(parse({"demo", "--out", "d"}).out, "d");
   EXPECT_EQ(parse({"--help"}).verb, Verb::Help);
+  EXPECT_EQ(parse({"--version"}).verb, Verb::Version);
+  EXPECT_TRUE(parse({"check", "m", "--fail-on-unused-exclusions"}).unusedExclusions);
+  // Help names the verb it was asked about, and check needs no model for it.
+  for (auto [args, topic] : {std::pair{std::vector<const char*>{"check", "--help"}, Verb::Check},
+                             {{"demo", "-h"}, Verb::Demo},
+                             {{"--help", "check"}, Verb::Help}}) {
+    const Options help = parse(args);
+    EXPECT_EQ(help.verb, Verb::Help);
+    EXPECT_EQ(help.helpTopic, topic);
+  }
+  EXPECT_NE(usageText(Verb::Check).find("--unused-exclusions"), std::string::npos);
 }
 
 TEST(OptionsTest, BadCommandLinesAreRefusedWithTheReason) {
