@@ -19,7 +19,7 @@
 #include "src/hostinterface.h"
 #include "src/moduleentries.h"
 #include "tests/src/bkeditbdprobe.h"
-#include "tests/src/blockspec.h"
+#include "tests/src/blockline.h"
 
 namespace bkedittimecheck::testing {
 

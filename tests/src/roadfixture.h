@@ -102,11 +102,11 @@ class RoadFixture : public EngineFixture {
     return block;
   }
 
-  /// An edit that places each block of `blocks` (see BlockSpec) with place().
+  /// An edit that places each block of `blocks` (see BlockLine) with place().
   static Edit placing(Lines blocks) {
     return [blocks](BKRootBD* d) {
       for (const std::string& line : blocks) {
-        const BlockSpec b(d->getName(), line);
+        const BlockLine b(d->getName(), line);
         place(d, b.system, b.type, b.name, b.props);
       }
     };

@@ -12,7 +12,7 @@
 #include "src/bkeditbd.h"
 #include "src/violationdatabase.h"
 #include "tests/src/bkeditbdprobe.h"
-#include "tests/src/blockspec.h"
+#include "tests/src/blockline.h"
 
 namespace bkedittimecheck::testing {
 
@@ -26,7 +26,7 @@ class CheckBench : public ::testing::Test {
   void SetUp() override { blockara::EventLoop::instance().adoptCurrentThread(); }
   void TearDown() override { bkBlockDiagramSet::closeAll(); }
 
-  /// A fresh diagram, snapshot and store, with `blocks` (see BlockSpec) in order of creation;
+  /// A fresh diagram, snapshot and store, with `blocks` (see BlockLine) in order of creation;
   /// "commented=1" comments the block out. Every block is snapshotted, and each event listener
   /// queued as the engine queues it.
   void build(const Lines& blocks) {
@@ -35,11 +35,11 @@ class CheckBench : public ::testing::Test {
     data = std::make_unique<bkEditBD>(L"m", false);
     db = std::make_unique<ViolationDatabase>();
     for (const std::string& line : blocks) {
-      BlockSpec spec(u"m", line);
-      const bool commented = spec.props.erase("commented") > 0;
-      BKBlock* b = d->editing().addBlock(spec.system, spec.type, spec.name, spec.props);
-      if (commented) d->editing().setCommentState(spec.path(), 1);
-      if (spec.type == "EventListener") {
+      BlockLine entry(u"m", line);
+      const bool commented = entry.props.erase("commented") > 0;
+      BKBlock* b = d->editing().addBlock(entry.system, entry.type, entry.name, entry.props);
+      if (commented) d->editing().setCommentState(entry.path(), 1);
+      if (entry.type == "EventListener") {
         probe().subsysProperties().push(
             SubsysProperties{toWide(b->getFullPath(false)), b->getHandle(), true});
       }

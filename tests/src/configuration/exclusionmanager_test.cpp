@@ -16,7 +16,7 @@
 #include "host/xml/xmlreader.h"
 #include "src/edittimeviolation.h"
 #include "src/hostinterface.h"
-#include "tests/src/blockspec.h"
+#include "tests/src/blockline.h"
 
 namespace bkedittimecheck::testing {
 namespace {

@@ -15,14 +15,14 @@ namespace bkedittimecheck::testing {
 /// A block of a test diagram, written on one line as "PATH TYPE [KEY=VALUE ...]" with PATH below
 /// the diagram's root. Every value is text; a word without "=" continues the value before it, so
 /// values may hold blanks ("IconDisplay=Signal name").
-struct BlockSpec {
+struct BlockLine {
   std::u16string system;  // the full path of the system that holds the block
   std::u16string name;
   std::string type;
   blockara::PropertyMap props;
 
   /// Reads `line` for a block below the root `root`. Never fails; a line without a type gives "".
-  BlockSpec(const std::u16string& root, const std::string& line) {
+  BlockLine(const std::u16string& root, const std::string& line) {
     std::istringstream in(line);
     std::string path, word, key;
     in >> path >> type;
@@ -45,7 +45,7 @@ struct BlockSpec {
 /// Adds each block of `blocks` to `d` in order, with its properties; throws what the host throws.
 inline void addBlocks(BKRootBD* d, const std::vector<std::string>& blocks) {
   for (const std::string& line : blocks) {
-    const BlockSpec b(d->getName(), line);
+    const BlockLine b(d->getName(), line);
     d->editing().addBlock(b.system, b.type, b.name, b.props);
   }
 }
