@@ -13,58 +13,7 @@
 namespace {
 
 using namespace cmddistributor;
-
-class EvaluationTest : public LuaFixture {
- protected:
-  /// Posts `name(args)` from another thread, the way the worker does, and returns the future.
-  template <class R>
-  std::future<R> postFromWorker(const std::string& name, int nlhs, std::vector<nxArray> args,
-                                typename PromiseDelegateT<R>::Extractor extract) {
-    std::future<R> future;
-    std::thread worker([&] {
-      auto delegate = std::make_shared<PromiseDelegateT<R>>(extract);
-      future = delegate->getFuture();
-      distributor().submitRequest(request(name, nlhs, std::move(args)), delegate);
-    });
-    worker.join();
-    return future;
-  }
-
-  static CmdDistributor& distributor() {
-    return nvm::Factory::getCurrentLocalMVM()->getDistributor();
-  }
-  /// A request for `name(args)` writing to the machine's own sinks.
-  static std::shared_ptr<CmdRequest> request(const std::string& name, int nlhs,
-                                             std::vector<nxArray> args) {
-    auto vm = nvm::Factory::getCurrentLocalMVM();
-    auto data = std::make_shared<FEvalArrayData>(std::move(args));
-    return std::make_shared<CmdRequest>(3, vm->getSink(0), vm->getSink(1),
-                                        std::make_shared<FEvalIIP>(name, nlhs, data, 3));
-  }
-};
-
-std::vector<bool> flagsOf(const std::shared_ptr<CmdEvent>& event) {
-  auto results = detail::completedResults(event);
-  return detail::toVectorOfBool(results.at(0));
-}
-
-TEST_F(EvaluationTest, ExtractorsShapeTheResultAndTheirErrorsReachTheFuture) {
-  auto flags = postFromWorker<std::vector<bool>>(
-      "testmods.Calls.flags", 1,
-      {nxArray::doubleMatrix(1, 3, {0.0, 2.0, 5.0}), nxArray::charRow(u"diagram")}, flagsOf);
-  // A result of the wrong class is the extraction's error.
-  auto wrongClass = postFromWorker<std::vector<bool>>(
-      "testmods.Calls.add", 1, {nxArray::doubleScalar(1), nxArray::doubleScalar(2)}, flagsOf);
-  EXPECT_EQ(flags.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
-  EXPECT_EQ(blockara::EventLoop::instance().runPosted(), 2u);
-  EXPECT_EQ(flags.get(), (std::vector<bool>{false, true, true}));
-  try {
-    wrongClass.get();
-    FAIL();
-  } catch (const std::runtime_error& e) {
-    EXPECT_STREQ(e.what(), "nxArray contained double but expected logical");
-  }
-}
+using Results = std::vector<nxArray>;
 
 /// A sink that keeps what it gets.
 class RecordingSink : public Sink {
@@ -83,9 +32,39 @@ class RecordingSink : public Sink {
   std::vector<std::string> texts;  // guarded by mutex
 };
 
-std::vector<nxArray> allResults(const std::shared_ptr<CmdEvent>& event) {
-  return detail::completedResults(event);
-}
+class EvaluationTest : public LuaFixture {
+ protected:
+  static CmdDistributor& distributor() {
+    return nvm::Factory::getCurrentLocalMVM()->getDistributor();
+  }
+  static std::shared_ptr<const FEvalOpaqueData> args(Results a) {
+    return std::make_shared<FEvalArrayData>(std::move(a));
+  }
+  /// Submits `name(data)` with output to `out` and errors to `err` (the machine's own sinks when
+  /// null); the future of `extract`ed results.
+  template <class R = Results>
+  std::future<R> submit(const std::string& name, int nlhs,
+                        std::shared_ptr<const FEvalOpaqueData> data,
+                        typename PromiseDelegateT<R>::Extractor extract = detail::completedResults) {
+    auto vm = nvm::Factory::getCurrentLocalMVM();
+    auto request = std::make_shared<CmdRequest>(3, out ? out : vm->getSink(0),
+                                                err ? err : vm->getSink(1),
+                                                std::make_shared<FEvalIIP>(name, nlhs, data, 3));
+    auto delegate = std::make_shared<PromiseDelegateT<R>>(extract);
+    auto future = delegate->getFuture();
+    distributor().submitRequest(request, delegate);
+    return future;
+  }
+  /// The same from another thread, the way the worker posts.
+  template <class R = Results>
+  std::future<R> fromWorker(const std::string& name, int nlhs, Results a,
+                            typename PromiseDelegateT<R>::Extractor extract = detail::completedResults) {
+    std::future<R> future;
+    std::thread([&] { future = submit<R>(name, nlhs, args(std::move(a)), extract); }).join();
+    return future;
+  }
+  std::shared_ptr<Sink> out, err;
+};
 
 /// The identifier and message of the exception a future holds ("<value>" when none).
 template <class R>
@@ -100,48 +79,60 @@ std::pair<std::string, std::string> failureOf(std::future<R>& future) {
   return {"<value>", ""};
 }
 
+TEST_F(EvaluationTest, ExtractorsShapeTheResultAndTheirErrorsReachTheFuture) {
+  auto flagsOf = [](const std::shared_ptr<CmdEvent>& e) {
+    return detail::toVectorOfBool(detail::completedResults(e).at(0));
+  };
+  auto flags = fromWorker<std::vector<bool>>(
+      "testmods.Calls.flags", 1,
+      {nxArray::doubleMatrix(1, 3, {0.0, 2.0, 5.0}), nxArray::charRow(u"diagram")}, flagsOf);
+  // A result of the wrong class is the extraction's error.
+  auto wrongClass = fromWorker<std::vector<bool>>(
+      "testmods.Calls.add", 1, {nxArray::doubleScalar(1), nxArray::doubleScalar(2)}, flagsOf);
+  EXPECT_EQ(flags.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
+  EXPECT_EQ(blockara::EventLoop::instance().runPosted(), 2u);
+  EXPECT_EQ(flags.get(), (std::vector<bool>{false, true, true}));
+  EXPECT_EQ(failureOf(wrongClass).second, "nxArray contained double but expected logical");
+}
+
 TEST_F(EvaluationTest, RequestsFromSeveralThreadsRunInPostingOrder) {
-  auto vm = nvm::Factory::getCurrentLocalMVM();
   std::mutex postingMutex;
-  std::vector<std::string> posted;                         // guarded by postingMutex
-  std::vector<std::future<std::vector<nxArray>>> futures;  // guarded by postingMutex
+  std::vector<std::string> posted;            // guarded by postingMutex
+  std::vector<std::future<Results>> futures;  // guarded by postingMutex
   std::vector<std::thread> workers;
   for (int t = 0; t < 4; ++t) {
     workers.emplace_back([&, t] {
       for (int i = 0; i < 5; ++i) {
         std::string tag = std::to_string(t) + "." + std::to_string(i);
-        auto r = request("testmods.Calls.record", 1, {nxArray::charRow(tag)});
-        auto delegate = std::make_shared<PromiseDelegateT<std::vector<nxArray>>>(allResults);
         // Posting and noting the order under one lock gives the order the loop must keep.
         std::lock_guard<std::mutex> lock(postingMutex);
-        futures.push_back(delegate->getFuture());
-        vm->getDistributor().submitRequest(r, delegate);
+        futures.push_back(submit("testmods.Calls.record", 1, args({nxArray::charRow(tag)})));
         posted.push_back(tag);
       }
     });
   }
   for (auto& w : workers) w.join();
-  EXPECT_EQ(vm->getDistributor().trackedCount(), 20u);
+  EXPECT_EQ(distributor().trackedCount(), 20u);
   EXPECT_EQ(blockara::EventLoop::instance().runPosted(), 20u);
-  EXPECT_EQ(vm->getDistributor().trackedCount(), 0u);
+  EXPECT_EQ(distributor().trackedCount(), 0u);
   std::string expectedLog;
   for (std::size_t i = 0; i < posted.size(); ++i) {
     expectedLog += (i ? "," : "") + posted[i];
-    EXPECT_EQ(futures[i].get(), std::vector<nxArray>{nxArray::doubleScalar(double(i + 1))}) << i;
+    EXPECT_EQ(futures[i].get(), Results{nxArray::doubleScalar(double(i + 1))}) << i;
   }
-  std::vector<nxArray> log;
+  Results log;
   ASSERT_EQ(bksvFEVAL_NoThrow(1, log, "testmods.Calls.log", {}), nullptr);
   EXPECT_EQ(log.at(0), nxArray::charRow(expectedLog));
 }
 
 TEST_F(EvaluationTest, FailedRequestsCompleteWithTheirErrorAndWriteItToTheErrorSink) {
-  auto vm = nvm::Factory::getCurrentLocalMVM();
   auto output = std::make_shared<RecordingSink>();
   auto errors = std::make_shared<RecordingSink>();
+  out = output;
+  err = errors;
   class FailingData : public FEvalOpaqueData {
-    std::vector<nxArray> toArrays() const override { throw std::runtime_error("arguments lost"); }
+    Results toArrays() const override { throw std::runtime_error("arguments lost"); }
   };
-  auto args = [](std::vector<nxArray> a) { return std::make_shared<FEvalArrayData>(std::move(a)); };
   struct Case {
     std::shared_ptr<const FEvalOpaqueData> data;
     const char* function;
@@ -160,18 +151,11 @@ TEST_F(EvaluationTest, FailedRequestsCompleteWithTheirErrorAndWriteItToTheErrorS
       {args({}), "testmods.Calls.giveFunction", 1, "blockara:nvm:BadResult", nullptr},
       {std::make_shared<FailingData>(), "testmods.Calls.echo", 1, "", "arguments lost"},
   };
-  std::vector<std::future<std::vector<nxArray>>> futures;
-  auto post = [&](std::shared_ptr<const FEvalOpaqueData> data, const std::string& name, int nlhs) {
-    auto request = std::make_shared<CmdRequest>(3, output, errors,
-                                                std::make_shared<FEvalIIP>(name, nlhs, data, 3));
-    auto delegate = std::make_shared<PromiseDelegateT<std::vector<nxArray>>>(allResults);
-    futures.push_back(delegate->getFuture());
-    vm->getDistributor().submitRequest(request, delegate);
-  };
-  for (const Case& c : cases) post(c.data, c.function, c.nlhs);
+  std::vector<std::future<Results>> futures;
+  for (const Case& c : cases) futures.push_back(submit(c.function, c.nlhs, c.data));
   // A cell holding a char row is a value like any other.
   auto widgetLike = nxArray::cellRow({nxArray::charRow("x")});
-  post(args({widgetLike}), "testmods.Calls.echo", 1);
+  futures.push_back(submit("testmods.Calls.echo", 1, args({widgetLike})));
   blockara::EventLoop::instance().runPosted();
 
   auto written = errors->taken();
@@ -179,35 +163,35 @@ TEST_F(EvaluationTest, FailedRequestsCompleteWithTheirErrorAndWriteItToTheErrorS
   for (std::size_t i = 0; i < std::size(cases); ++i) {
     auto [identifier, message] = failureOf(futures[i]);
     EXPECT_EQ(identifier, cases[i].identifier) << cases[i].function;
-    if (cases[i].message) {
-      EXPECT_EQ(message, cases[i].message);
-    }
+    EXPECT_EQ(message, cases[i].message ? cases[i].message : written[i]);
     EXPECT_EQ(written[i], message) << cases[i].function;
   }
   EXPECT_NE(written[4].find("Broken.lua"), std::string::npos) << written[4];
-  EXPECT_EQ(futures.back().get(), std::vector<nxArray>{widgetLike});
+  EXPECT_EQ(futures.back().get(), Results{widgetLike});
   EXPECT_TRUE(output->taken().empty());
 }
 
 TEST_F(EvaluationTest, ObjectsCannotCrossThreadsAndMissingLanguageIsAnError) {
   testclass::registerTestPackage();
-  auto extract = [](const std::shared_ptr<CmdEvent>& e) { return detail::completedResults(e); };
   // An object made in Lua is a fine synchronous result but cannot be serialized for a request.
-  std::vector<nxArray> out;
+  Results results;
   ASSERT_EQ(host->runString("function makeWidget() return Test.pkg.Widget() end"), std::nullopt);
-  EXPECT_EQ(bksvFEVAL_NoThrow(1, out, "makeWidget", {}), nullptr);
-  EXPECT_TRUE(out.at(0).isObject());
-  auto objectResult = postFromWorker<std::vector<nxArray>>("makeWidget", 1, {}, extract);
+  EXPECT_EQ(bksvFEVAL_NoThrow(1, results, "makeWidget", {}), nullptr);
+  EXPECT_TRUE(results.at(0).isObject());
+  auto objectResult = fromWorker("makeWidget", 1, {});
   blockara::EventLoop::instance().runPosted();
   auto failure = failureOf(objectResult);
   EXPECT_EQ(failure.first, "");
   EXPECT_NE(failure.second.find("object arrays cannot cross threads"), std::string::npos);
 
   // The future's request is tracked until the loop runs it; the wait callback may pump the loop.
-  auto delegate = std::make_shared<PromiseDelegateT<std::vector<nxArray>>>(extract);
+  auto delegate = std::make_shared<PromiseDelegateT<Results>>(detail::completedResults);
   auto future = delegate->getFuture();
+  auto vm = nvm::Factory::getCurrentLocalMVM();
   auto id = distributor().submitRequest(
-      request("testmods.Calls.add", 2, {nxArray::doubleScalar(1), nxArray::doubleScalar(2)}),
+      std::make_shared<CmdRequest>(3, vm->getSink(0), vm->getSink(1),
+                                   std::make_shared<FEvalIIP>("testmods.Calls.add", 2,
+                                       args({nxArray::doubleScalar(1), nxArray::doubleScalar(2)}), 3)),
       delegate);
   VariadicTaskReference reference(distributor(), id);
   EXPECT_FALSE(reference.isDone());
@@ -220,36 +204,26 @@ TEST_F(EvaluationTest, ObjectsCannotCrossThreadsAndMissingLanguageIsAnError) {
   EXPECT_TRUE(reference.isDone());
   EXPECT_TRUE(delegate->isPromiseDone());
   // Fewer results than asked for: the missing ones are empty.
-  EXPECT_EQ(future.get(), (std::vector<nxArray>{nxArray::doubleScalar(3), nxArray()}));
+  EXPECT_EQ(future.get(), (Results{nxArray::doubleScalar(3), nxArray()}));
 
   // Without the host language, requests and synchronous calls fail with their identifier.
   host.reset();
-  auto orphan = postFromWorker<std::vector<nxArray>>("testmods.Calls.add", 1, {}, extract);
+  auto orphan = fromWorker("testmods.Calls.add", 1, {});
   blockara::EventLoop::instance().runPosted();
   EXPECT_EQ(failureOf(orphan).first, "blockara:nvm:NoHostLanguage");
-  auto diagnostic = bksvFEVAL_NoThrow(0, out, "testmods.Calls.add", {});
+  auto diagnostic = bksvFEVAL_NoThrow(0, results, "testmods.Calls.add", {});
   ASSERT_NE(diagnostic, nullptr);
   EXPECT_EQ(diagnostic->identifier, "blockara:nvm:NoHostLanguage");
 }
 
 TEST_F(EvaluationTest, NamesResolveToGlobalsAndModulesAndErrorsCarryATraceback) {
   ASSERT_EQ(host->runString("function twice(x) return x .. x end"), std::nullopt);
-  struct Case {
-    const char* name;
-    nxArray expected;
-  };
-  const Case cases[] = {
-      {"twice", nxArray::charRow("xx")},
-      {"lonefn", nxArray::charRow("lone:x")},
-      {"lonetable", nxArray::charRow("table:x")},
-      {"testmods.pkgfn.run", nxArray::charRow("init:x")},
-  };
-  for (const Case& c : cases) {
-    std::vector<nxArray> out;
-    auto diagnostic = bksvFEVAL_NoThrow(1, out, c.name, {nxArray::charRow("x")});
-    EXPECT_EQ(diagnostic, nullptr) << c.name << ": " << (diagnostic ? diagnostic->message : "");
-    ASSERT_EQ(out.size(), 1u) << c.name;
-    EXPECT_EQ(out[0], c.expected) << c.name;
+  for (const auto& [name, expected] : {std::pair{"twice", "xx"}, {"lonefn", "lone:x"},
+                                       {"lonetable", "table:x"}, {"testmods.pkgfn.run", "init:x"}}) {
+    Results results;
+    auto diagnostic = bksvFEVAL_NoThrow(1, results, name, {nxArray::charRow("x")});
+    EXPECT_EQ(diagnostic, nullptr) << name << ": " << (diagnostic ? diagnostic->message : "");
+    EXPECT_EQ(results, Results{nxArray::charRow(expected)}) << name;
   }
   const std::string error = run("local function inner() error('deep') end inner()");
   EXPECT_NE(error.find("deep"), std::string::npos);
@@ -258,25 +232,20 @@ TEST_F(EvaluationTest, NamesResolveToGlobalsAndModulesAndErrorsCarryATraceback) 
 }
 
 TEST_F(EvaluationTest, SynchronousCallsNeverThrowAndTakeOnlyWellFormedIdentifiers) {
-  struct Case {
-    const char* message;
-    const char* identifier;
+  Results results;
+  auto failWith = [&](const char* message) {
+    return bksvFEVAL_NoThrow(0, results, "testmods.Calls.fail", {nxArray::charRow(message)});
   };
-  const Case cases[] = {
-      {"a:b:C: text", "a:b:C"},  {"a:b: text", "a:b"},          {"a:b:C", "a:b:C"},
-      {"a:b:C:\nmore", "a:b:C"}, {"a_1:b2:C3: x", "a_1:b2:C3"}, {"plain: text", ""},
-      {"a:b:C text", ""},        {"a:b:C:text", "a:b:C:text"},  {"1a:b: text", ""},
-      {"http://host: down", ""}, {"[string]:1: a:b:C: x", ""},  {"", ""},
-  };
-  std::vector<nxArray> out;
-  for (const Case& c : cases) {
-    auto diagnostic =
-        bksvFEVAL_NoThrow(0, out, "testmods.Calls.fail", {nxArray::charRow(c.message)});
-    ASSERT_NE(diagnostic, nullptr) << c.message;
-    EXPECT_EQ(diagnostic->identifier, c.identifier) << c.message;
+  for (const auto& [message, identifier] :
+       {std::pair{"a:b:C: text", "a:b:C"}, {"a:b: text", "a:b"}, {"a:b:C", "a:b:C"},
+        {"a:b:C:\nmore", "a:b:C"}, {"a_1:b2:C3: x", "a_1:b2:C3"}, {"plain: text", ""},
+        {"a:b:C text", ""}, {"a:b:C:text", "a:b:C:text"}, {"1a:b: text", ""},
+        {"http://host: down", ""}, {"[string]:1: a:b:C: x", ""}, {"", ""}}) {
+    auto diagnostic = failWith(message);
+    ASSERT_NE(diagnostic, nullptr) << message;
+    EXPECT_EQ(diagnostic->identifier, identifier) << message;
   }
-  auto diagnostic =
-      bksvFEVAL_NoThrow(0, out, "testmods.Calls.fail", {nxArray::charRow("a:b:C: no")});
+  auto diagnostic = failWith("a:b:C: no");
   std::string warned;
   bksvSetWarningHandler([&](const std::string& m) { warned = m; });
   bksvReportAsWarning(diagnostic);
@@ -284,7 +253,7 @@ TEST_F(EvaluationTest, SynchronousCallsNeverThrowAndTakeOnlyWellFormedIdentifier
   EXPECT_EQ(warned, "a:b:C: no");
   EXPECT_THROW(bksvThrowIExceptionFromDiagnostic(diagnostic), NException);
   bksvDiagnosticPtr offThread;
-  std::thread([&] { offThread = bksvFEVAL_NoThrow(0, out, "testmods.Calls.add", {}); }).join();
+  std::thread([&] { offThread = bksvFEVAL_NoThrow(0, results, "testmods.Calls.add", {}); }).join();
   ASSERT_NE(offThread, nullptr);
   EXPECT_EQ(offThread->identifier, "blockara:nvm:NotMainThread");
 }

@@ -1,13 +1,18 @@
 #pragma once
 
-// A class declared through the factory the way the engine declares its classes: properties of
-// each form, static and hidden methods, an overloaded method, a constructor.
+// Classes declared through the factory the way the engine declares its classes. The widget has
+// properties of each form, static and hidden methods, an overloaded method and a constructor; the
+// gadget, its subclass, adds a constructor with arguments, a read-only property, object and
+// object-vector members, and methods that fail in native ways or call back into the host language.
 
+#include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "host/language/cospackage.h"
 #include "host/language/cosvalue.h"
+#include "host/language/feval.h"
 #include "host/language/messageid.h"
 
 namespace testclass {
@@ -20,8 +25,6 @@ class Widget : public ncos::Wrappable {
   void setName(std::string n) { name = std::move(n); }
   bool getEnabled() const { return enabled; }
   void setEnabled(bool e) { enabled = e; }
-  std::vector<std::string> getTags() const { return tags; }
-  void setTags(std::vector<std::string> t) { tags = std::move(t); }
   void setOperator(std::string op) {
     if (op != "eq" && op != "or") throw UnsupportedValueOperator(op);
     name = op;
@@ -39,17 +42,49 @@ class Widget : public ncos::Wrappable {
   std::vector<std::string> tags;
 };
 
+class Gadget : public Widget {
+ public:
+  std::uint32_t getCount() const { return count; }
+  void setCount(const std::uint32_t& c) { count = c; }
+  std::uint32_t getSerial() const { return 42; }
+  Widget* getParent() const { return parent; }
+  void setParent(Widget* p) { parent = p; }
+  std::vector<Widget*> getChildren() const { return children; }
+  void setChildren(std::vector<Widget*> c) { children = std::move(c); }
+  std::string describeFlag(bool flag) { return flag ? "logical:true" : "logical:false"; }
+  void throwStd() { throw std::logic_error("native failure"); }
+  void throwOther() { throw 42; }
+  /// Calls a host-language function; gives its text result or the diagnostic's identifier.
+  std::string callBack(std::string function) {
+    std::vector<nxArray> out;
+    auto diagnostic = bksvFEVAL_NoThrow(1, out, function, {nxArray::charRow("from native")});
+    if (diagnostic) return "failed:" + diagnostic->identifier;
+    return out.at(0).isChar() ? out[0].charData() : out[0].className();
+  }
+  std::uint32_t count = 0;
+  Widget* parent = nullptr;
+  std::vector<Widget*> children;
+};
+
 inline Widget* sharedWidget() {
   static Widget w;
   return &w;
 }
-
-/// Whether the static getter below returns a live object; tests flip it.
+/// What the static getter "getTransient" returns; tests make and destroy it.
 inline std::unique_ptr<Widget>& transientWidget() {
   static std::unique_ptr<Widget> w;
   return w;
 }
+inline std::vector<std::string> tagsOf(Widget* w) { return w->tags; }
+inline void setTagsOf(Widget* w, std::vector<std::string> t) { w->tags = std::move(t); }
+inline Widget* getShared() { return sharedWidget(); }
+inline Widget* getTransient() { return transientWidget().get(); }
+inline void addTag(Widget* w, std::string tag) { w->tags.push_back(std::move(tag)); }
+inline double liveCount(std::vector<Widget*> widgets) {
+  return static_cast<double>(widgets.size() - std::count(widgets.begin(), widgets.end(), nullptr));
+}
 
+/// A property that keeps the array it is given, uninterpreted.
 class ValueProp : public ncos::COSPropInfo {
  public:
   const char* getName() const override { return "Value"; }
@@ -62,11 +97,11 @@ class ValueProp : public ncos::COSPropInfo {
   }
 };
 
-inline std::vector<std::string> tagsOf(Widget* w) { return w->tags; }
-inline void setTagsOf(Widget* w, std::vector<std::string> t) { w->tags = std::move(t); }
-inline Widget* getShared() { return sharedWidget(); }
-inline Widget* getTransient() { return transientWidget().get(); }
-inline void addTag(Widget* w, std::string tag) { w->tags.push_back(std::move(tag)); }
+using ncos::factory::MethodAttributes;
+inline MethodAttributes methodAttributes() {
+  return MethodAttributes().remove(MethodAttributes::ForceMembership);
+}
+inline constexpr auto sig = &ncos::factory::impl::Invoker::createSignature;
 
 class CosWidget : public ncos::factory::NcosFactoryClassInfo {
  public:
@@ -88,27 +123,69 @@ class CosWidget : public ncos::factory::NcosFactoryClassInfo {
         "Tags", 0x2000800, AdaptedClassGetter<Widget, std::vector<std::string>>(&tagsOf),
         AdaptedClassSetter<Widget, std::vector<std::string>>(&setTagsOf)));
     addProperty(std::make_unique<ValueProp>());
-    auto attrs = [] { return MethodAttributes().remove(MethodAttributes::ForceMembership); };
-    auto sig = &impl::Invoker::createSignature;
+    const auto attrs = methodAttributes();
+    const auto statics = methodAttributes().add(MethodAttributes::Static);
     Signature s1 = sig("char", "Test.pkg.Widget", {"char"});
-    addMethod("describe", attrs(), s1,
+    addMethod("describe", attrs, s1,
               makeMethodImpl(s1, static_cast<std::string (Widget::*)(std::string)>(&Widget::describe)));
     Signature s2 = sig("char", "Test.pkg.Widget", {"double scalar"});
-    addMethod("describe", attrs(), s2,
+    addMethod("describe", attrs, s2,
               makeMethodImpl(s2, static_cast<std::string (Widget::*)(double)>(&Widget::describe)));
     Signature s3 = sig("NcosFactoryString scalar", "Test.pkg.Widget",
                        {"NcosFactoryString scalar", "uint32 scalar"});
-    addMethod("greet", attrs(), s3, makeMethodImpl(s3, &Widget::greet));
+    addMethod("greet", attrs, s3, makeMethodImpl(s3, &Widget::greet));
     Signature s4 = sig("void", "Test.pkg.Widget", {"char"});
-    addMethod("setOperator", attrs(), s4, makeMethodImpl(s4, &Widget::setOperator));
+    addMethod("setOperator", attrs, s4, makeMethodImpl(s4, &Widget::setOperator));
     Signature s5 = sig("Test.pkg.Widget", nullptr, {});
-    addMethod("getShared", attrs().add(MethodAttributes::Static), s5, makeMethodImpl(s5, &getShared));
-    Signature s6 = sig("Test.pkg.Widget", nullptr, {});
-    addMethod("getTransient", attrs().add(MethodAttributes::Static), s6,
-              makeMethodImpl(s6, &getTransient));
+    addMethod("getShared", statics, s5, makeMethodImpl(s5, &getShared));
+    addMethod("getTransient", statics, s5, makeMethodImpl(s5, &getTransient));
     Signature s7 = sig("void", nullptr, {"Test.pkg.Widget", "char"});
-    addMethod("addTag", attrs().add(MethodAttributes::Static).add(MethodAttributes::Hidden), s7,
+    addMethod("addTag", MethodAttributes(statics).add(MethodAttributes::Hidden), s7,
               makeMethodImpl(s7, &addTag));
+  }
+};
+
+class CosGadget : public ncos::factory::NcosFactoryClassInfo {
+ public:
+  CosGadget() : NcosFactoryClassInfo("Gadget", "Test gadget") {}
+
+ protected:
+  void populate() override {
+    using namespace ncos::factory;
+    addSuperclass(ncos::COSNameID("Test.pkg.Widget"), 1, 0, 1);
+    addConstructor(makeConstructor<Gadget>("Test.pkg.Gadget"));
+    NcosConstructor named;  // a second constructor takes the name
+    named.signature = sig("Test.pkg.Gadget", "Test.pkg.Gadget", {"char"});
+    named.create = [](const std::vector<nxArray>& args) {
+      auto g = std::make_shared<Gadget>();
+      g->name = "named:" + extractString(args.at(0));
+      return g;
+    };
+    named.wrapper = makeConstructor<Gadget>("Test.pkg.Gadget").wrapper;
+    addConstructor(std::move(named));
+    addProperty(std::make_unique<PropertyImpl<Gadget, std::uint32_t>>(
+        "Count", 0, ClassGetter<Gadget, std::uint32_t>(&Gadget::getCount),
+        ClassSetter<Gadget, std::uint32_t>(&Gadget::setCount)));
+    addProperty(std::make_unique<PropertyImpl<Gadget, std::uint32_t>>(
+        "Serial", 0, ClassGetter<Gadget, std::uint32_t>(&Gadget::getSerial)));
+    addProperty(std::make_unique<PropertyImpl<Gadget, Widget*>>(
+        "Parent", 0, ClassGetter<Gadget, Widget*>(&Gadget::getParent),
+        ClassSetter<Gadget, Widget*>(&Gadget::setParent), "Test.pkg.Widget"));
+    addProperty(std::make_unique<PropertyImpl<Gadget, std::vector<Widget*>>>(
+        "Children", 0, ClassGetter<Gadget, std::vector<Widget*>>(&Gadget::getChildren),
+        ClassSetter<Gadget, std::vector<Widget*>>(&Gadget::setChildren), "Test.pkg.Widget vector"));
+    const auto attrs = methodAttributes();
+    // Declared here, so it is tried before the widget's own forms of "describe".
+    Signature d = sig("char", "Test.pkg.Gadget", {"logical scalar"});
+    addMethod("describe", attrs, d, makeMethodImpl(d, &Gadget::describeFlag));
+    Signature v = sig("void", "Test.pkg.Gadget", {});
+    addMethod("throwStd", attrs, v, makeMethodImpl(v, &Gadget::throwStd));
+    addMethod("throwOther", attrs, v, makeMethodImpl(v, &Gadget::throwOther));
+    Signature c = sig("char", "Test.pkg.Gadget", {"char"});
+    addMethod("callBack", attrs, c, makeMethodImpl(c, &Gadget::callBack));
+    Signature n = sig("double scalar", nullptr, {"Test.pkg.Widget vector"});
+    addMethod("liveCount", MethodAttributes(attrs).add(MethodAttributes::Static), n,
+              makeMethodImpl(n, &liveCount));
   }
 };
 
@@ -117,9 +194,11 @@ class TestPackage : public ncos::COSPackageInfo {
   TestPackage() : COSPackageInfo("Test.pkg") {}
   void populate(ncos::COSPackage& package) override {
     package.addClass(ncos::factory::allocate<CosWidget>());
+    package.addClass(ncos::factory::allocate<CosGadget>());
   }
 };
 
+/// Registers the widget and the gadget, once per process.
 inline void registerTestPackage() {
   if (!ncos::COSPackage::findClass("Test.pkg.Widget")) {
     ncos::COSPackage::addPackage(std::make_unique<TestPackage>());

@@ -5,13 +5,13 @@
 #include <sys/stat.h>
 #include <zip.h>
 
-#include <algorithm>
 #include <csignal>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <random>
 
+#include "host/model/bkrootbd.h"
+#include "host/package/bkblockdiagramloadsave.h"
 #include "tests/host/messageof.h"
 
 namespace {
@@ -29,7 +29,6 @@ PartMap fromBuffer(const std::string& bytes, const std::string& label) {
                                label);
 }
 
-/// Whether `text` starts with `prefix`.
 bool startsWith(const std::string& text, const std::string& prefix) {
   return text.rfind(prefix, 0) == 0;
 }
@@ -40,7 +39,10 @@ class PackageTest : public ::testing::Test {
     dir = fs::path(::testing::TempDir()) / ("pkg-" + std::to_string(::getpid()));
     fs::create_directories(dir);
   }
-  void TearDown() override { fs::remove_all(dir); }
+  void TearDown() override {
+    fs::remove_all(dir);
+    bkBlockDiagramSet::closeAll();
+  }
   fs::path dir;
 };
 
@@ -72,10 +74,8 @@ TEST_F(PackageTest, BadPartNamesAreRefusedBeforeAnythingIsWritten) {
   fs::path file = dir / "m.bkdx";
   for (const char* name : {"", "/", "x", "x/y", "//a", "/a//b", "/a/", "/.", "/..", "/./a", "/a/..",
                            "/a/./b", "/a/../b"}) {
-    const std::string what = messageOf<PackageError>([&] {
-      writePackage(file, {{"/fine", "x"}, {name, "y"}});
-    });
-    EXPECT_TRUE(startsWith(what, file.string() + ": invalid part name '" + name + "'")) << what;
+    EXPECT_PRED2(startsWith, messageOf<PackageError>([&] { writePackage(file, {{"/fine", "x"}, {name, "y"}}); }),
+                 file.string() + ": invalid part name '" + name + "'");
     EXPECT_FALSE(fs::exists(file)) << name;
   }
   EXPECT_TRUE(fs::is_empty(dir));
@@ -94,14 +94,13 @@ TEST_F(PackageTest, EveryTruncationCorruptionOrMissingArchiveIsAnErrorNamingTheS
   std::string good = slurp(file);
   fs::path cutFile = dir / "cut.bkdx";
   for (std::size_t cut = 0; cut < good.size(); cut += 5) {
-    std::string label = "cut at " + std::to_string(cut);
-    const std::string fromMemory =
-        messageOf<PackageError>([&] { fromBuffer(good.substr(0, cut), label); });
-    EXPECT_TRUE(startsWith(fromMemory, label + ": ")) << fromMemory;
+    const std::string label = "cut at " + std::to_string(cut);
+    EXPECT_PRED2(startsWith, messageOf<PackageError>([&] { fromBuffer(good.substr(0, cut), label); }),
+                 label + ": ");
     std::ofstream(cutFile, std::ios::binary | std::ios::trunc)
         .write(good.data(), static_cast<std::streamsize>(cut));
-    const std::string fromFile = messageOf<PackageError>([&] { readPackage(cutFile); });
-    EXPECT_TRUE(startsWith(fromFile, cutFile.string() + ": ")) << fromFile;
+    EXPECT_PRED2(startsWith, messageOf<PackageError>([&] { readPackage(cutFile); }),
+                 cutFile.string() + ": ");
   }
 }
 
@@ -143,10 +142,8 @@ TEST_F(PackageTest, AFailedWriteLeavesTheOldPackageAndNoTemporaryFile) {
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit limit{64 * 1024, 64 * 1024};
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-  const std::string what = messageOf<PackageError>([&] {
-    writePackage(file, {{"/diagram.xml", binaryBytes(200000, 3)}});
-  });
-  EXPECT_TRUE(startsWith(what, file.string() + ": ")) << what;
+  EXPECT_PRED2(startsWith, messageOf<PackageError>([&] { writePackage(file, {{"/diagram.xml", binaryBytes(200000, 3)}}); }),
+               file.string() + ": ");
   EXPECT_EQ(readPackage(file), old);
   // A directory in the way of the package: it stays as it was.
   fs::path blocked = dir / "blocked.bkdx";
@@ -176,12 +173,26 @@ TEST_F(PackageTest, APartCopiedToAFileReplacesItOrNamesTheFailure) {
   std::ofstream(copy) << "much longer old content";
   reader::partToFile(reader, "/p", copy);
   EXPECT_EQ(slurp(copy), std::string("a\0b", 3));
-  EXPECT_TRUE(startsWith(messageOf<PackageError>([&] { reader::partToFile(reader, "/q", copy); }),
-                         (dir / "memory.bkdx").string()));
+  EXPECT_PRED2(startsWith, messageOf<PackageError>([&] { reader::partToFile(reader, "/q", copy); }),
+               (dir / "memory.bkdx").string());
   for (const fs::path& target : {dir / "absent" / "x.bin", dir}) {
     EXPECT_EQ(messageOf<PackageError>([&] { reader::partToFile(reader, "/p", target); }),
               target.string() + ": cannot write part '/p'");
   }
+}
+
+TEST_F(PackageTest, OnlyADiagramWithPartsHasAPackageAndOnlyAPackageWithTheDiagramOpens) {
+  BKRootBD* d = bkBlockDiagramSet::create(u"Pkg");
+  EXPECT_EQ(bkBlockDiagramLoadSave::get(d).getPackageReader(), nullptr);
+  d->parts()["/auditor/exclusions.xml"] = "<rsccat/>";
+  ASSERT_NE(bkBlockDiagramLoadSave::get(d).getPackageReader(), nullptr);
+  bkBlockDiagramSet::close(d);
+  const fs::path file = dir / "nodiagram.bkdx";
+  writePackage(file, {{"/auditor/exclusions.xml", "<rsccat/>"}});
+  const std::string what =
+      messageOf<PackageError>([&] { bkBlockDiagramLoadSave::load(file.string()); });
+  EXPECT_NE(what.find(file.string()), std::string::npos) << what;
+  EXPECT_TRUE(bkBlockDiagramSet::all().empty());
 }
 
 }  // namespace

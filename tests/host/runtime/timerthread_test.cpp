@@ -4,12 +4,8 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <functional>
-#include <mutex>
 #include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "host/runtime/eventloop.h"
 
@@ -57,25 +53,20 @@ class RecordingTimer : public TimerThread {
 
 TEST(TimerThreadTest, ManualModeTicksOnlyWhenAskedOnItsOwnThreadAndSurvivesAFailingTick) {
   RecordingTimer timer(TimerThread::manual, 1.0);
-  EXPECT_EQ(timer.state(), TimerThread::ThreadState::notStarted);
   EXPECT_FALSE(timer.tick());  // not started
   timer.start();
   timer.queued = 3;
   ASSERT_TRUE(timer.tick());
   EXPECT_EQ(timer.drained.load(), 3);
-  EXPECT_EQ(timer.tickCount(), 1u);
   EXPECT_NE(timer.tickThread, std::this_thread::get_id());
-  EXPECT_EQ(timer.state(), TimerThread::ThreadState::running);
 
   // Work queued between ticks waits for the next tick, however long that takes.
   timer.queued = 2;
   EXPECT_EQ(timer.drained.load(), 3);
   ASSERT_TRUE(timer.tick());
   EXPECT_EQ(timer.drained.load(), 5);
-
   timer.stop();
   timer.stop();
-  EXPECT_EQ(timer.state(), TimerThread::ThreadState::stopped);
   EXPECT_FALSE(timer.tick());
   EXPECT_EQ(timer.hooks, (std::vector<std::string>{"starting", "running", "stopping"}));
 
@@ -98,9 +89,8 @@ TEST(TimerThreadTest, HostSettingsChooseTheModeAndBadArgumentsAreRejected) {
   EXPECT_EQ(timer.mode(), TimerThread::manual);
   EXPECT_EQ(timer.interval(), std::chrono::microseconds(3000));
 
-  EXPECT_THROW(RecordingTimer(7, 1.0), std::invalid_argument);
-  EXPECT_THROW(RecordingTimer(TimerThread::periodic, 0.0), std::invalid_argument);
-  EXPECT_THROW(RecordingTimer(TimerThread::periodic, -1.0), std::invalid_argument);
+  for (auto [mode, period] : {std::pair{7, 1.0}, {TimerThread::periodic, 0.0}, {TimerThread::periodic, -1.0}})
+    EXPECT_THROW(RecordingTimer(mode, period), std::invalid_argument) << mode << " " << period;
   EXPECT_THROW(TimerThread::setPeriodUnit(std::chrono::nanoseconds(0)), std::invalid_argument);
   EXPECT_THROW(TimerThread::setDefaultMode(TimerThread::hostDefault), std::invalid_argument);
 }
@@ -120,31 +110,15 @@ TEST(TimerThreadTest, PeriodicModeTicksByItselfAndTickBringsATickForward) {
   EXPECT_EQ(TimerThread::tickAllManual(), 0u);
 }
 
-TEST(TimerThreadTest, RunUntilQuietDrivesAManualWorkerToQuiescence) {
+// Driving a manual worker to quiescence is what every engine fixture does; here, the busy checks.
+TEST(TimerThreadTest, RunUntilQuietGivesUpWithTheReasonsOfWorkThatNeverSettles) {
   EventLoop& loop = EventLoop::instance();
   loop.adoptCurrentThread();
-  std::vector<std::string> styled;
-  RecordingTimer worker(TimerThread::manual, 1.0);
-  // The worker hands its result back to the main thread, as a check pass does.
-  worker.onTick = [&] {
-    if (worker.drained.load() > 0) loop.post([&] { styled.push_back("styled"); });
-  };
-  worker.start();
-  const int busy = loop.addBusyCheck("worker", [&] { return worker.queued.load() > 0; });
-  loop.post([&] { worker.queued = 2; });
-
-  EXPECT_TRUE(loop.runUntilQuiet(std::chrono::seconds(60)));
-  EXPECT_EQ(worker.drained.load(), 2);
-  EXPECT_EQ(styled, (std::vector<std::string>{"styled"}));
-  EXPECT_TRUE(loop.busyReasons().empty());
-
-  // Work that never settles: the loop gives up when the time is out and says why.
   const int stuck = loop.addBusyCheck("stuck", [] { return true; });
   loop.addBusyCheck("broken", []() -> bool { throw std::runtime_error("no answer"); });
   EXPECT_FALSE(loop.runUntilQuiet(std::chrono::milliseconds(0)));
   EXPECT_EQ(loop.busyReasons(), (std::vector<std::string>{"stuck", "broken"}));
   loop.removeBusyCheck(stuck);
-  loop.removeBusyCheck(busy);
   loop.removeBusyCheck(12345);
   EXPECT_EQ(loop.busyReasons(), (std::vector<std::string>{"broken"}));
 }
