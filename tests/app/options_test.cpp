@@ -3,64 +3,57 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <vector>
 
 namespace blockara::app {
 namespace {
 
-Options parse(std::vector<const char*> args) {
+/// What the command line `args` parses to, as "verb topic key=value..." with the fields that are
+/// set, or the reason it is refused.
+std::string parsed(std::vector<const char*> args) {
   args.insert(args.begin(), "blockara");
-  return parseOptions(static_cast<int>(args.size()), args.data());
-}
-
-TEST(OptionsTest, ScriptTakesEverythingAfterItAsItsArguments) {
-  Options o = parse({"--prefdir", "p", "--root=r", "--no-edit-time-issues", "s.lua", "--root", "x"});
-  EXPECT_EQ(o.verb, Verb::Script);
-  EXPECT_EQ(o.prefDir, "p");
-  EXPECT_EQ(o.root, "r");
-  EXPECT_FALSE(o.editTimeIssues);
-  EXPECT_EQ(o.script, "s.lua");
-  EXPECT_EQ(o.scriptArgs, (std::vector<std::string>{"--root", "x"}));
-}
-
-TEST(OptionsTest, VerbsTakeTheirOptionsOnEitherSide) {
-  Options check = parse({"--trace", "t.json", "check", "m.bkd", "--format", "sarif", "--out", "o"});
-  EXPECT_EQ(check.verb, Verb::Check);
-  EXPECT_EQ(check.model, "m.bkd");
-  EXPECT_EQ(check.format, "sarif");
-  EXPECT_EQ(check.out, "o");
-  EXPECT_EQ(check.traceFile, "t.json");
-  EXPECT_EQ(parse({"demo", "--out", "d"}).out, "d");
-  EXPECT_EQ(parse({"--help"}).verb, Verb::Help);
-  EXPECT_EQ(parse({"--version"}).verb, Verb::Version);
-  EXPECT_TRUE(parse({"check", "m", "--fail-on-unused-exclusions"}).unusedExclusions);
-  // Help names the verb it was asked about, and check needs no model for it.
-  for (auto [args, topic] : {std::pair{std::vector<const char*>{"check", "--help"}, Verb::Check},
-                             {{"demo", "-h"}, Verb::Demo},
-                             {{"--help", "check"}, Verb::Help}}) {
-    const Options help = parse(args);
-    EXPECT_EQ(help.verb, Verb::Help);
-    EXPECT_EQ(help.helpTopic, topic);
+  Options o;
+  try {
+    o = parseOptions(static_cast<int>(args.size()), args.data());
+  } catch (const std::invalid_argument& e) {
+    return std::string("refused: ") + e.what();
   }
-  EXPECT_NE(usageText(Verb::Check).find("--unused-exclusions"), std::string::npos);
+  std::string out = std::to_string(static_cast<int>(o.verb)) + " " +
+                    std::to_string(static_cast<int>(o.helpTopic));
+  for (const auto& [key, value] : {std::pair{"prefdir", o.prefDir}, {"root", o.root},
+                                   {"trace", o.traceFile}, {"script", o.script}, {"model", o.model},
+                                   {"format", o.format == "text" ? "" : o.format}, {"out", o.out}})
+    if (!value.empty()) out += std::string(" ") + key + "=" + value;
+  for (const std::string& a : o.scriptArgs) out += " arg=" + a;
+  if (!o.editTimeIssues) out += " no-issues";
+  if (o.unusedExclusions) out += " unused";
+  return out;
 }
 
-TEST(OptionsTest, BadCommandLinesAreRefusedWithTheReason) {
-  auto reason = [](std::vector<const char*> args) {
-    try {
-      parse(args);
-    } catch (const std::invalid_argument& e) {
-      return std::string(e.what());
-    }
-    return std::string("accepted");
+TEST(OptionsTest, VerbsTakeTheirOptionsOnEitherSideAndAScriptTakesTheRest) {
+  // Verbs: 0 script, 1 demo, 2 check, 3 help, 4 version.
+  const std::pair<std::vector<const char*>, const char*> cases[] = {
+      {{"--prefdir", "p", "--root=r", "--no-edit-time-issues", "s.lua", "--root", "x"},
+       "0 3 prefdir=p root=r script=s.lua arg=--root arg=x no-issues"},
+      {{"--trace", "t.json", "check", "m.bkd", "--format", "sarif", "--out", "o"},
+       "2 3 trace=t.json model=m.bkd format=sarif out=o"},
+      {{"demo", "--out", "d"}, "1 3 out=d"},
+      {{"--version"}, "4 3"},
+      {{"check", "m", "--fail-on-unused-exclusions"}, "2 3 model=m unused"},
+      // Help names the verb it was asked about, and check needs no model for it.
+      {{"--help"}, "3 3"},
+      {{"check", "--help"}, "3 2"},
+      {{"demo", "-h"}, "3 1"},
+      {{"--help", "check"}, "3 3"},
+      {{}, "refused: no script or verb given"},
+      {{"check"}, "refused: check needs a model file"},
+      {{"check", "--format", "text"}, "refused: check needs a model file"},
+      {{"--root"}, "refused: --root needs a value"},
+      {{"--bogus", "s.lua"}, "refused: unknown option --bogus"},
+      {{"check", "m", "--format", "pdf"}, "refused: --format takes text, sarif or html, not 'pdf'"},
+      {{"demo", "extra"}, "refused: unexpected argument extra"},
   };
-  EXPECT_EQ(reason({}), "no script or verb given");
-  EXPECT_EQ(reason({"check"}), "check needs a model file");
-  EXPECT_EQ(reason({"check", "--format", "text"}), "check needs a model file");
-  EXPECT_EQ(reason({"--root"}), "--root needs a value");
-  EXPECT_EQ(reason({"--bogus", "s.lua"}), "unknown option --bogus");
-  EXPECT_EQ(reason({"check", "m", "--format", "pdf"}), "--format takes text, sarif or html, not 'pdf'");
-  EXPECT_EQ(reason({"demo", "extra"}), "unexpected argument extra");
+  for (const auto& [args, expected] : cases) EXPECT_EQ(parsed(args), expected);
+  EXPECT_NE(usageText(Verb::Check).find("--unused-exclusions"), std::string::npos);
 }
 
 }  // namespace

@@ -4,8 +4,9 @@
 
 #include <cstdlib>
 #include <stdexcept>
-#include <string>
 
+#include "host/prefs/bkfeature.h"
+#include "host/prefs/bkfeatureregistry.h"
 #include "host/prefs/directories.h"
 
 namespace bk::bkedittimecheck::bkutils {
@@ -13,19 +14,16 @@ namespace {
 
 TEST(EditTimePreferencesTest, KeepsTheLastSettingsAndExclusionsPerDiagram) {
   EXPECT_TRUE(getShowEditTimeIssues());  // on until the user turns it off
-
   EXPECT_FALSE(EditTimePreferences::checkSelectionMap().has_value());
   // An empty map is a real answer, not "none".
   EditTimePreferences::setCheckSelectionMap({});
-  ASSERT_TRUE(EditTimePreferences::checkSelectionMap().has_value());
-  EXPECT_TRUE(EditTimePreferences::checkSelectionMap()->empty());
-
+  EXPECT_EQ(EditTimePreferences::checkSelectionMap(),
+            std::optional(EditTimePreferences::CheckSelectionMap{}));
   EditTimePreferences::setCEExclusions(L"m1", {{L"m1/Chart", {L"id1", L"id2"}}});
   EditTimePreferences::setCEExclusions(L"m1", {{L"m1/Other", {L"id3"}}});
   EXPECT_EQ(EditTimePreferences::ceExclusions(L"m1"),
             (EditTimePreferences::ExclusionMap{{L"m1/Other", {L"id3"}}}));  // replaced, not merged
   EXPECT_FALSE(EditTimePreferences::ceExclusions(L"M1").has_value());  // names are exact
-
   EditTimePreferences::clear();
   EXPECT_FALSE(EditTimePreferences::checkSelectionMap().has_value());
   EXPECT_FALSE(EditTimePreferences::ceExclusions(L"m1").has_value());
@@ -38,9 +36,45 @@ TEST(DirectoriesTest, DefaultsComeFromTheEnvironmentAndTheBuildAndEmptyOnesAreRe
   ::setenv("HOME", "/home/someone", 1);
   EXPECT_EQ(svGetPreferencesDirectory(1), "/home/someone/.config/blockara");
   EXPECT_EQ(svNumeriaRoot(), BKETC_RESOURCE_DIR);
-
   EXPECT_THROW(svSetPreferencesDirectory(""), std::invalid_argument);
   EXPECT_THROW(svSetNumeriaRoot(""), std::invalid_argument);
+}
+
+// Defined the way a module defines its flags: a static object and an exported pointer.
+BkFeature authoringFeature("BlockConstraintCheckAuthoring",
+                           "Block Constraint Check Authoring for Edit-time Checking",
+                           "src/edittimeengine", "BkCheck", 974268, 1, 0);
+BkFeature* BKFEAT_Test = &authoringFeature;
+
+TEST(BkFeatureTest, LevelDecidesAndEveryReadCounts) {
+  EXPECT_TRUE(static_cast<bool>(*BKFEAT_Test));  // the default level 1
+  for (const auto& [level, on] : {std::pair{0, false}, {2, true}, {-1, false}}) {
+    BKFEAT_Test->setLevel(level);
+    EXPECT_EQ(BKFEAT_Test->isOn(), on) << level;
+  }
+  EXPECT_EQ(BKFEAT_Test->peekLevel(), -1);
+  EXPECT_EQ(BKFEAT_Test->accessCount(), 4u);  // peekLevel does not count
+}
+
+TEST(BkFeatureTest, TheRegistryFindsLiveFlagsByNameAndRemembersEarlyLevels) {
+  EXPECT_EQ(BkFeatureRegistry::find("BlockConstraintCheckAuthoring"), BKFEAT_Test);
+  EXPECT_EQ(BkFeatureRegistry::find("NoSuchFeature"), nullptr);
+  EXPECT_TRUE(BkFeatureRegistry::setLevel("BlockConstraintCheckAuthoring", 0));
+  EXPECT_EQ(BkFeatureRegistry::level("BlockConstraintCheckAuthoring"), 0);
+  EXPECT_FALSE(BKFEAT_Test->isOn());
+  EXPECT_EQ(BKFEAT_Test->accessCount(), 1u);  // registry reads do not count
+  // A level set before the flag exists is given to it when it is made.
+  EXPECT_FALSE(BkFeatureRegistry::setLevel("LateFeature", 0));
+  EXPECT_EQ(BkFeatureRegistry::level("LateFeature"), std::nullopt);
+  {
+    BkFeature late("LateFeature", "", "", "", 1, 1, 0);
+    EXPECT_FALSE(late.isOn());
+    EXPECT_EQ(BkFeatureRegistry::names(),
+              (std::vector<std::string>{"BlockConstraintCheckAuthoring", "LateFeature"}));
+  }
+  // A flag that is gone leaves the registry.
+  EXPECT_EQ(BkFeatureRegistry::find("LateFeature"), nullptr);
+  EXPECT_THROW(BkFeatureRegistry::setLevel("", 1), std::invalid_argument);
 }
 
 }  // namespace

@@ -3,81 +3,69 @@
 #include <gtest/gtest.h>
 
 #include <boost/any.hpp>
-#include <cmath>
 #include <limits>
 #include <stdexcept>
-#include <string>
 #include <tuple>
-#include <vector>
 
 namespace diagram::style {
 namespace {
 
 const Glow red(Color(1.0, 0.0, 0.0, 1.0), 10, false, 1.0);
 const Glow orange(Color(0.9, 0.5, 0.0, 0.9), 10, false, 1.0);
+using Glows = std::vector<std::optional<Glow>>;
+using Classes = std::vector<std::wstring>;
 
-// A styler with a "Warn" rule and then an "Error" rule, the way a checker sets one up.
-Styler* makeTwoRuleStyler(const std::wstring& name) {
-  Styler* styler = createStyler(name, L"", 0.0);
-  Style warn;
-  warn.set("Glow", orange);
-  styler->addRule(ClassSelector(L"Warn", L""), warn);
-  Style error;
-  error.set("Glow", boost::any(red));  // a boost::any holding the value is understood too
-  styler->addRule(ClassSelector(L"Error", L""), error);
-  styler->activate();
+/// A styler with a rule per class giving its glow, in order; active when `active`.
+Styler* makeStyler(const std::wstring& name, double priority,
+                   std::vector<std::pair<std::wstring, std::any>> rules, bool active = true) {
+  Styler* styler = createStyler(name, L"", priority);
+  for (const auto& [cls, glow] : rules) {
+    Style style;
+    style.set("Glow", glow);
+    styler->addRule(ClassSelector(cls, L""), style);
+  }
+  if (active) styler->activate();
   return styler;
 }
 
 TEST(StylerTest, ClassesDecideTheGlowAndTheLaterRuleWins) {
-  Styler* styler = makeTwoRuleStyler(L"Checks");
-  styler->applyClass(1.5, L"Warn");
-  styler->applyClass(2.5, L"Error");
-  styler->applyClass(3.5, L"Warn");
-  styler->applyClass(3.5, L"Error");
-  styler->applyClass(4.5, L"Unruled");
-  EXPECT_EQ(styler->glowOf(1.5), orange);
-  EXPECT_EQ(styler->glowOf(2.5), red);
-  EXPECT_EQ(styler->glowOf(3.5), red);  // both classes: "Error" was added last
-  EXPECT_EQ(styler->glowOf(4.5), std::nullopt);
-  EXPECT_EQ(styler->glowOf(9.5), std::nullopt);
-  EXPECT_EQ(styler->classesOf(3.5), (std::vector<std::wstring>{L"Error", L"Warn"}));
-
+  // A boost::any holding the value is understood as well as the value.
+  Styler* styler = makeStyler(L"Checks", 0.0, {{L"Warn", orange}, {L"Error", boost::any(red)}});
+  for (const auto& [handle, cls] : {std::pair{1.5, L"Warn"}, {2.5, L"Error"}, {3.5, L"Warn"},
+                                    {3.5, L"Error"}, {4.5, L"Unruled"}})
+    styler->applyClass(handle, cls);
+  const auto glows = [&] {
+    Glows out;
+    for (double h : {1.5, 2.5, 3.5, 4.5, 9.5}) out.push_back(styler->glowOf(h));
+    return out;
+  };
+  // Both classes on 3.5: "Error" was added last.
+  EXPECT_EQ(glows(), (Glows{orange, red, red, std::nullopt, std::nullopt}));
+  EXPECT_EQ(styler->classesOf(3.5), (Classes{L"Error", L"Warn"}));
   styler->removeClass(3.5, L"Error");
   EXPECT_EQ(styler->glowOf(3.5), orange);
   styler->removeClass(3.5, L"Warn");
   EXPECT_TRUE(styler->classesOf(3.5).empty());
   EXPECT_EQ(styler->styledHandles(), (std::vector<double>{1.5, 2.5, 4.5}));
-  EXPECT_EQ(styler->applyCalls(), 5u);
-  EXPECT_EQ(styler->removeCalls(), 2u);
+  EXPECT_EQ(std::pair(styler->applyCalls(), styler->removeCalls()), std::pair(5ul, 2ul));
 }
 
 TEST(StylerTest, TheServiceKeepsOneStylerPerNameAndDrawsOnlyActiveOnes) {
   EXPECT_EQ(getStyler(L"Checks"), nullptr);
-  Styler* created = createStyler(L"Checks", L"about", 2.0);
+  Styler* created = makeStyler(L"Checks", 2.0, {{L"Error", red}}, false);
   EXPECT_EQ(getStyler(L"Checks"), created);
   EXPECT_EQ(createStyler(L"Checks", L"other", 5.0), created);
-
-  Style style;
-  style.set("Glow", red);
-  created->addRule(ClassSelector(L"Error", L""), style);
   created->applyClass(7.0, L"Error");
   EXPECT_EQ(created->glowOf(7.0), red);
   EXPECT_EQ(glowOf(7.0), std::nullopt);  // not activated yet
   created->activate();
   EXPECT_EQ(glowOf(7.0), red);
-
   // A second styler of lower priority marks the same block: the first still wins the glow,
   // and the classes of both are reported.
-  Styler* other = createStyler(L"Other", L"", 1.0);
-  Style glowing;
-  glowing.set("Glow", orange);
-  other->addRule(ClassSelector(L"Hint", L""), glowing);
-  other->activate();
-  other->applyClass(7.0, L"Hint");
+  makeStyler(L"Other", 1.0, {{L"Hint", orange}})->applyClass(7.0, L"Hint");
   EXPECT_EQ(glowOf(7.0), red);
-  EXPECT_EQ(classesOf(7.0), (std::vector<std::wstring>{L"Error", L"Hint"}));
-  EXPECT_EQ(stylerNames(), (std::vector<std::wstring>{L"Checks", L"Other"}));
+  EXPECT_EQ(classesOf(7.0), (Classes{L"Error", L"Hint"}));
+  EXPECT_EQ(stylerNames(), (Classes{L"Checks", L"Other"}));
 }
 
 TEST(StylerTest, ObserverSeesEveryCallAndNaNHandlesAreRefused) {
@@ -96,7 +84,7 @@ TEST(StylerTest, ObserverSeesEveryCallAndNaNHandlesAreRefused) {
   EXPECT_EQ(seen[0], std::make_tuple(1.0, std::wstring(L"Warn"), true));
   EXPECT_EQ(seen[1], std::make_tuple(1.0, std::wstring(L"Warn"), false));
   EXPECT_EQ(styler->styledHandles(), (std::vector<double>{2.0}));
-  EXPECT_EQ(styler->classesOf(2.0), (std::vector<std::wstring>{L"Warn"}));
+  EXPECT_EQ(styler->classesOf(2.0), (Classes{L"Warn"}));
 }
 
 }  // namespace
