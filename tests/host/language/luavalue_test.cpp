@@ -31,8 +31,7 @@ class LuaValueTest : public LuaFixture {
   }
   /// The Lua type an array takes when it is passed to Lua.
   std::string luaType(const nxArray& value) {
-    auto r = host->callFunction("testmods.Calls.kinds", 1, {value});
-    return r.at(0).charData();
+    return host->callFunction("testmods.Calls.kinds", 1, {value}).at(0).charData();
   }
   ncos::COSInterfacePtr widget;
 };
@@ -54,19 +53,15 @@ TEST_F(LuaValueTest, EveryArrayTakesItsPlainFormOnlyWhenThatFormConvertsBack) {
     const char* type;  // what Lua sees
   };
   const Case cases[] = {
-      {nxArray(), "nil"},
-      {nxArray::doubleScalar(-1.5e300), "number"},
+      {nxArray(), "nil"}, {nxArray::doubleScalar(-1.5e300), "number"},
       {nxArray::doubleScalar(9007199254740993.0), "number"},
       {nxArray::doubleMatrix(1, 0, {}), "userdata"},
-      {nxArray::doubleMatrix(1, 2, {1, 2}), "userdata"},
-      {nxArray::logicalScalar(false), "boolean"},
+      {nxArray::doubleMatrix(1, 2, {1, 2}), "userdata"}, {nxArray::logicalScalar(false), "boolean"},
       {nxArray::logicalMatrix(2, 2, {true, false, false, true}), "userdata"},
-      {nxArray::uint32Scalar(4294967295u), "userdata"},
-      {nxArray::charRow(""), "string"},
+      {nxArray::uint32Scalar(4294967295u), "userdata"}, {nxArray::charRow(""), "string"},
       {nxArray::charRow(u"Gr\u00fc\u00dfe \U0001F600"), "string"},
       {nxArray::charRow(std::string_view("nul\0byte", 8)), "string"},
-      {nxArray::charMatrix(3, 1, "abc"), "userdata"},
-      {nxArray::cellRow({}), "table"},
+      {nxArray::charMatrix(3, 1, "abc"), "userdata"}, {nxArray::cellRow({}), "table"},
       {nxArray::cellColumn({nxArray::doubleScalar(1), nxArray::doubleScalar(2)}), "userdata"},
       {nxArray::cellRow({nxArray::cellColumn({nxArray::charRow("deep")}),
                          nxArray::cellRow({nxArray::cellRow({nxArray::logicalScalar(true)})})}),
@@ -78,23 +73,17 @@ TEST_F(LuaValueTest, EveryArrayTakesItsPlainFormOnlyWhenThatFormConvertsBack) {
       // Empty fields would vanish from a Lua table; unsorted fields would come back sorted.
       {structOf({{"a", nxArray()}, {"b", nxArray::doubleScalar(1)}}), "userdata"},
       {structOf({{"b", nxArray::doubleScalar(1)}, {"a", nxArray::doubleScalar(2)}}), "userdata"},
-      {nxArray::structMatrix(1, 1, {}), "userdata"},
-      {twoElements, "userdata"},
+      {nxArray::structMatrix(1, 1, {}), "userdata"}, {twoElements, "userdata"},
       {structOf({{"obj", nxArray::objectScalar(widget)},
                  {"s", structOf({{"x", nxArray::charRow("")}})}}),
        "table"},
-      {nxArray::objectScalar(widget), "userdata"},
-      {nxArray::objectScalar(dead), "userdata"},
+      {nxArray::objectScalar(widget), "userdata"}, {nxArray::objectScalar(dead), "userdata"},
       {nxArray::objectMatrix(2, 1, {widget, widget}), "userdata"},
       {nxArray::cellRow({nxArray::objectScalar(widget), nxArray::uint32Scalar(3)}), "table"},
   };
   for (const Case& c : cases) {
-    std::string what = std::to_string(c.value.rows()) + "x" + std::to_string(c.value.cols()) + " " +
-                       c.value.className();
-    EXPECT_EQ(luaType(c.value), c.type) << what;
-    auto back = host->callFunction("testmods.Calls.echo", 1, {c.value});
-    ASSERT_EQ(back.size(), 1u);
-    EXPECT_EQ(back[0], c.value) << what;
+    EXPECT_EQ(luaType(c.value), c.type) << ::testing::PrintToString(c.value);
+    EXPECT_EQ(host->callFunction("testmods.Calls.echo", 1, {c.value}), std::vector{c.value});
   }
   EXPECT_EQ(lua_gettop(host->state()), 0);
 }
