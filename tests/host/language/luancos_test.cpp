@@ -29,8 +29,7 @@ TEST_F(LuaNcosTest, OverloadsAreTriedOwnClassFirstThenSuperclasses) {
   EXPECT_EQ(run(R"(
     local g = Test.pkg.Gadget()
     -- the gadget's logical form takes a double too, and is declared before the widget's forms
-    assert(g:describe(true) == "logical:true")
-    assert(g:describe(7) == "logical:true")
+    assert(g:describe(true) == "logical:true" and g:describe(7) == "logical:true")
     -- a char row only fits the widget's form
     assert(g:describe("s") == "char:s")
     -- inherited properties and methods, static-form methods taking the subclass
@@ -39,8 +38,7 @@ TEST_F(LuaNcosTest, OverloadsAreTriedOwnClassFirstThenSuperclasses) {
     Test.pkg.Widget.addTag(g, "t"); g:addTag("u")
     assert(#g.Tags == 2 and g.Tags[2] == "u")
     -- uint32 arguments: a double holding an integer in range, or the largest uint32
-    assert(g:greet("y", 1) == "hi y;")
-    assert(g:greet("z", 0) == "")
+    assert(g:greet("y", 1) == "hi y;" and g:greet("z", 0) == "")
     -- a custom property keeps the value uninterpreted, shape included
     local w = Test.pkg.Widget(); w.Value = nx.column({"x", "y"})
     local r, c = nx.size(w.Value); assert(r == 2 and c == 1)
@@ -54,14 +52,11 @@ TEST_F(LuaNcosTest, OverloadsAreTriedOwnClassFirstThenSuperclasses) {
 TEST_F(LuaNcosTest, ConstructorsAreChosenByArgumentsAndAnnounceTheirObjects) {
   auto before = ncos::BindingRegistry::instance().announcedCount();
   EXPECT_EQ(run(R"(
-    local plain = Test.pkg.Gadget()
-    assert(plain.Name == "")
-    local named = Test.pkg.Gadget("bolt")
-    assert(named.Name == "named:bolt")
-    assert(tostring(named) == "Test.pkg.Gadget object")
+    local plain, named = Test.pkg.Gadget(), Test.pkg.Gadget("bolt")
+    assert(plain.Name == "" and named.Name == "named:bolt")
+    assert(tostring(named) == "Test.pkg.Gadget object" and named ~= plain and named == named)
     assert(tostring(Test.pkg.Gadget) == "class Test.pkg.Gadget")
     assert(Test.pkg.Gadget.name == "Test.pkg.Gadget")
-    assert(named ~= plain and named == named)
   )"),
             "");
   EXPECT_EQ(ncos::BindingRegistry::instance().announcedCount(), before + 2);
@@ -78,18 +73,15 @@ TEST_F(LuaNcosTest, PropertiesOfEveryFormReadWriteAndRefuseWrongValues) {
     -- logical properties take a double scalar
     g.Enabled = 1; assert(g.Enabled == true)
     -- an object property gives a borrowed object that refers to the same native object
-    local w = Test.pkg.Widget(); w.Name = "parent"
-    g.Parent = w
+    local w = Test.pkg.Widget(); w.Name = "parent"; g.Parent = w
     assert(g.Parent == w and g.Parent.Name == "parent")
     -- a subclass object is a widget too
     g.Parent = g; assert(g.Parent.Name == g.Name)
     -- an object vector property: an object array, or empty
     local other = Test.pkg.Widget()
-    g.Children = nx.array("object", 1, 2, {w, other})
-    local c = g.Children
+    g.Children = nx.array("object", 1, 2, {w, other}); local c = g.Children
     assert(c:class() == "Test.pkg.Widget" and #c == 2 and c[1] == w and c[2] == other)
-    g.Children = nil
-    local r, n = nx.size(g.Children); assert(r == 0 and n == 0)
+    g.Children = nil; local r, n = nx.size(g.Children); assert(r == 0 and n == 0)
     -- a string vector property takes one char row as a vector of one
     g.Tags = "only"; assert(#g.Tags == 1 and g.Tags[1] == "only")
     g.Tags = nx.column({"a", "b"}); assert(#g.Tags == 2)
@@ -105,8 +97,7 @@ TEST_F(LuaNcosTest, StaticAndInstanceCallsAreKeptApart) {
   EXPECT_EQ(run(R"(
     local g, w = Test.pkg.Gadget(), Test.pkg.Widget()
     -- a static method taking an object vector: empty, one object, an object array
-    assert(Test.pkg.Gadget.liveCount(nil) == 0)
-    assert(Test.pkg.Gadget.liveCount(g) == 1)
+    assert(Test.pkg.Gadget.liveCount(nil) == 0 and Test.pkg.Gadget.liveCount(g) == 1)
     assert(Test.pkg.Gadget.liveCount(nx.array("object", 1, 2, {g, w})) == 2)
     -- in static form (object first) it can be called with ':' as well
     assert(g:liveCount() == 1)
@@ -188,8 +179,7 @@ TEST_F(LuaNcosTest, NativeFailuresBecomeLuaErrorsAndLuaErrorsStayInsideCallbacks
   // the outer call goes on.
   EXPECT_EQ(run(R"(
     local g = Test.pkg.Gadget()
-    assert(g:callBack("testmods.Calls.upper") == "FROM NATIVE")
-    assert(g:callBack("testmods.Calls.fail") == "failed:")
+    assert(g:callBack("testmods.Calls.upper") == "FROM NATIVE" and g:callBack("testmods.Calls.fail") == "failed:")
     assert(g:callBack("testmods.Calls.nothing") == "failed:blockara:nvm:UnknownFunction")
     -- the error of a nested call that has an identifier keeps it
     function raiseTagged() error("x:y:Z: tagged", 0) end

@@ -155,27 +155,23 @@ TEST_F(LuaValueTest, HelpersRefuseValuesTheyCannotHold) {
 
 TEST_F(LuaValueTest, ArrayValuesOfferClassSizeElementsAndEquality) {
   EXPECT_EQ(run(R"(
-    local m = nx.array("double", 2, 3, {1, 2, 3, 4, 5, 6})
-    assert(m:class() == "double" and #m == 6)
-    local r, c = m:size(); assert(r == 2 and c == 3)
+    local m = nx.array("double", 2, 3, {1, 2, 3, 4, 5, 6}); local r, c = m:size()
+    assert(m:class() == "double" and #m == 6 and r == 2 and c == 3)
     -- elements are column-major, out of range gives nil
     assert(m[1] == 1 and m[2] == 2 and m[3] == 3 and m[6] == 6)
     assert(m[0] == nil and m[7] == nil and m.nothing == nil)
-    assert(tostring(m) == "2x3 double")
-    local t = m:totable(); assert(#t == 6 and t[4] == 4)
+    local t = m:totable(); assert(#t == 6 and t[4] == 4 and tostring(m) == "2x3 double")
     assert(m == nx.array("double", 2, 3, {1, 2, 3, 4, 5, 6}))
     assert(m ~= nx.array("double", 3, 2, {1, 2, 3, 4, 5, 6}))
     -- elements take their plain forms
     local u = nx.array("uint32", 1, 2, {7, 4294967295})
     assert(math.type(u[1]) == "integer" and u[2] == 4294967295)
-    local ch = nx.array("char", 2, 1, "xy"); assert(ch[2] == "y")
+    assert(nx.array("char", 2, 1, "xy")[2] == "y")
     local cells = nx.column({"a", {1, 2}, nx.column({})})
-    assert(cells[1] == "a" and type(cells[2]) == "table" and cells[2][2] == 2)
-    assert(nx.class(cells[3]) == "cell")
+    assert(cells[1] == "a" and type(cells[2]) == "table" and cells[2][2] == 2 and nx.class(cells[3]) == "cell")
     local s = nx.array("struct", 2, 1, {{a = 1}, {a = 2, b = "x"}})
     assert(s[2].a == 2 and s[2].b == "x" and s[1].b == nil)
-    local w = Test.pkg.Widget(); w.Name = "inside"
-    local o = nx.array("object", 1, 2, {w, w})
+    local w = Test.pkg.Widget(); w.Name = "inside"; local o = nx.array("object", 1, 2, {w, w})
     assert(o[2].Name == "inside" and o:class() == "Test.pkg.Widget")
     -- comparing with a value of another kind is false, never an error
     assert(not (m == w) and not (w == m) and m ~= 1 and m ~= "x")
