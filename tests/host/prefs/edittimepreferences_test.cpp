@@ -1,5 +1,3 @@
-#include "host/prefs/edittimepreferences.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -11,23 +9,6 @@
 
 namespace bk::bkedittimecheck::bkutils {
 namespace {
-
-TEST(EditTimePreferencesTest, KeepsTheLastSettingsAndExclusionsPerDiagram) {
-  EXPECT_TRUE(getShowEditTimeIssues());  // on until the user turns it off
-  EXPECT_FALSE(EditTimePreferences::checkSelectionMap().has_value());
-  // An empty map is a real answer, not "none".
-  EditTimePreferences::setCheckSelectionMap({});
-  EXPECT_EQ(EditTimePreferences::checkSelectionMap(),
-            std::optional(EditTimePreferences::CheckSelectionMap{}));
-  EditTimePreferences::setCEExclusions(L"m1", {{L"m1/Chart", {L"id1", L"id2"}}});
-  EditTimePreferences::setCEExclusions(L"m1", {{L"m1/Other", {L"id3"}}});
-  EXPECT_EQ(EditTimePreferences::ceExclusions(L"m1"),
-            (EditTimePreferences::ExclusionMap{{L"m1/Other", {L"id3"}}}));  // replaced, not merged
-  EXPECT_FALSE(EditTimePreferences::ceExclusions(L"M1").has_value());  // names are exact
-  EditTimePreferences::clear();
-  EXPECT_FALSE(EditTimePreferences::checkSelectionMap().has_value());
-  EXPECT_FALSE(EditTimePreferences::ceExclusions(L"m1").has_value());
-}
 
 TEST(DirectoriesTest, DefaultsComeFromTheEnvironmentAndTheBuildAndEmptyOnesAreRefused) {
   ::setenv("XDG_CONFIG_HOME", "/tmp/xdg", 1);
