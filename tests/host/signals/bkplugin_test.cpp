@@ -27,10 +27,8 @@ TEST_F(SignalsTest, SignalsAreKeptPerDiagramAndEventInConnectionOrder) {
   bkplugin::addEditBdSignal(a, BKGE_DIAGRAM_CLOSING, [&](BKRootBD*) { log.push_back("a5"); });
   bkplugin::addEditBdSignal(b, BKGE_DIAGRAM_OPENED, [&](BKRootBD*) { log.push_back("b1"); });
   a->notifyOpened();
-  EXPECT_EQ(log, (std::vector<std::string>{"a1:a", "a1-second"}));
-  log.clear();
   b->notifyOpened();
-  EXPECT_EQ(log, (std::vector<std::string>{"b1"}));
+  EXPECT_EQ(log, (std::vector<std::string>{"a1:a", "a1-second", "b1"}));
 }
 
 TEST_F(SignalsTest, DisconnectAndCloseStopDeliveryAndSlotExceptionsReachTheRaiser) {
@@ -60,9 +58,7 @@ TEST_F(SignalsTest, DisconnectAndCloseStopDeliveryAndSlotExceptionsReachTheRaise
   bkplugin::addEditBdBatchSignal(a, BKGE_BLOCKS_CHANGED, [](BKRootBD*, const PluginChangeReport&) {
     throw std::runtime_error("slot failed");
   });
-  PluginChangeReport report;
-  report.changed.push_back(1.5);
-  EXPECT_THROW(bkplugin::raiseEditBdBatchSignal(a, BKGE_BLOCKS_CHANGED, report),
+  EXPECT_THROW(bkplugin::raiseEditBdBatchSignal(a, BKGE_BLOCKS_CHANGED, PluginChangeReport{}),
                std::runtime_error);
 }
 

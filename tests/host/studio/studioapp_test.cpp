@@ -37,16 +37,15 @@ class StudioTest : public ::testing::Test {
  protected:
   void SetUp() override {
     blockara::EventLoop::instance().adoptCurrentThread();
-    d = bkBlockDiagramSet::create(u"m");
     d->editing().addBlock(u"m", "SubSystem", u"s");
     d->editing().addBlock(u"m/s", "SubSystem", u"t");
   }
   void TearDown() override { bkBlockDiagramSet::closeAll(); }
-  BKRootBD* d = nullptr;
+  BKRootBD* d = bkBlockDiagramSet::create(u"m");
+  StudioApp* studio = StudioApp::open(d);
 };
 
 TEST_F(StudioTest, EditorsShowGraphsFocusRaisesTheEventOnChangeOnlyAndOffThreadEventsArePosted) {
-  StudioApp* studio = StudioApp::open(d);
   EXPECT_EQ(StudioApp::open(d), studio);
   ViewListener listener;
   listener.connectTo(d);
@@ -67,11 +66,10 @@ TEST_F(StudioTest, EditorsShowGraphsFocusRaisesTheEventOnChangeOnlyAndOffThreadE
 
   // Events raised off the main thread are posted to it.
   listener.seen.clear();
-  std::thread other([&] {
+  std::thread([&] {
     studio->activeEditorChangedEventService().raise(
         ActiveEditorChangedEvent{d->getHandle(), nullptr, studio->getActiveEditor()});
-  });
-  other.join();
+  }).join();
   EXPECT_TRUE(listener.seen.empty());
   EXPECT_EQ(blockara::EventLoop::instance().runPosted(), 1u);
   EXPECT_EQ(listener.seen, std::vector<bkGraph*>{inner});
@@ -79,7 +77,6 @@ TEST_F(StudioTest, EditorsShowGraphsFocusRaisesTheEventOnChangeOnlyAndOffThreadE
 }
 
 TEST_F(StudioTest, EditorOfADeletedSystemShowsNothingAndUndoBringsItBack) {
-  StudioApp* studio = StudioApp::open(d);
   Blockara::Editor* editor = studio->openEditor(u"m/s/t");
   bkGraph* graph = editor->getGraph();
   ASSERT_NE(graph, nullptr);
@@ -94,7 +91,6 @@ TEST_F(StudioTest, EditorOfADeletedSystemShowsNothingAndUndoBringsItBack) {
 }
 
 TEST_F(StudioTest, ConnectionsStopAtDisableListenerDeathAndDiagramClose) {
-  StudioApp* studio = StudioApp::open(d);
   auto listener = std::make_unique<ViewListener>();
   listener->connectTo(d);
   listener->connectTo(d);  // connected twice: delivered twice
@@ -107,14 +103,12 @@ TEST_F(StudioTest, ConnectionsStopAtDisableListenerDeathAndDiagramClose) {
   double handle = d->getHandle();
   bkBlockDiagramSet::close(d);
   EXPECT_TRUE(StudioApp::getAllStudioAppsFor(handle).empty());
-  d = nullptr;
 }
 
 // What an engine derives from the view (each editor's graph, shown and usable or not) holds
 // while the view revision stays: random edits, undos, renames and editor changes never alter it
 // without moving the count. Opening a set of editors at once raises one event.
 TEST_F(StudioTest, ViewRevisionMovesWheneverTheShownGraphsMayChange) {
-  StudioApp* studio = StudioApp::open(d);
   ViewListener listener;
   listener.connectTo(d);
   studio->openEditors({u"m", u"m/s", u"m/s/t"});
