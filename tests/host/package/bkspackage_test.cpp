@@ -9,6 +9,7 @@
 #include <cstring>
 #include <fstream>
 #include <random>
+#include <set>
 
 #include "host/model/bkrootbd.h"
 #include "host/package/bkblockdiagramloadsave.h"
@@ -74,7 +75,8 @@ TEST_F(PackageTest, BadPartNamesAreRefusedBeforeAnythingIsWritten) {
   fs::path file = dir / "m.bkdx";
   for (const char* name : {"", "/", "x", "x/y", "//a", "/a//b", "/a/", "/.", "/..", "/./a", "/a/..",
                            "/a/./b", "/a/../b"}) {
-    EXPECT_PRED2(startsWith, messageOf<PackageError>([&] { writePackage(file, {{"/fine", "x"}, {name, "y"}}); }),
+    EXPECT_PRED2(startsWith,
+                 messageOf<PackageError>([&] { writePackage(file, {{"/fine", "x"}, {name, "y"}}); }),
                  file.string() + ": invalid part name '" + name + "'");
     EXPECT_FALSE(fs::exists(file)) << name;
   }
@@ -95,7 +97,8 @@ TEST_F(PackageTest, EveryTruncationCorruptionOrMissingArchiveIsAnErrorNamingTheS
   fs::path cutFile = dir / "cut.bkdx";
   for (std::size_t cut = 0; cut < good.size(); cut += 5) {
     const std::string label = "cut at " + std::to_string(cut);
-    EXPECT_PRED2(startsWith, messageOf<PackageError>([&] { fromBuffer(good.substr(0, cut), label); }),
+    EXPECT_PRED2(startsWith,
+                 messageOf<PackageError>([&] { fromBuffer(good.substr(0, cut), label); }),
                  label + ": ");
     std::ofstream(cutFile, std::ios::binary | std::ios::trunc)
         .write(good.data(), static_cast<std::streamsize>(cut));
@@ -134,15 +137,22 @@ TEST_F(PackageTest, FolderEntriesAreSkippedAndOversizedPartsRefused) {
   EXPECT_NE(what.find("huge: part '/auditor/x.xml'"), std::string::npos) << what;
 }
 
-TEST_F(PackageTest, AFailedWriteLeavesTheOldPackageAndNoTemporaryFile) {
+TEST_F(PackageTest, AReplacedPackageKeepsItsPermissionsAndAFailedWriteLeavesTheOldOne) {
+  ::umask(022);
   fs::path file = dir / "m.bkdx";
+  writePackage(file, {{"/a", "1"}});
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0644));
+  fs::permissions(file, fs::perms(0640));
   PartMap old = {{"/diagram.xml", "<old/>"}};
   writePackage(file, old);
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0640));
   // Writes beyond 64 KiB fail in this process; the new package is larger than that.
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit limit{64 * 1024, 64 * 1024};
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-  EXPECT_PRED2(startsWith, messageOf<PackageError>([&] { writePackage(file, {{"/diagram.xml", binaryBytes(200000, 3)}}); }),
+  EXPECT_PRED2(startsWith, messageOf<PackageError>([&] {
+                 writePackage(file, {{"/diagram.xml", binaryBytes(200000, 3)}});
+               }),
                file.string() + ": ");
   EXPECT_EQ(readPackage(file), old);
   // A directory in the way of the package: it stays as it was.
@@ -150,21 +160,9 @@ TEST_F(PackageTest, AFailedWriteLeavesTheOldPackageAndNoTemporaryFile) {
   fs::create_directories(blocked / "inside");
   EXPECT_THROW(writePackage(blocked, old), PackageError);
   EXPECT_TRUE(fs::is_directory(blocked / "inside"));
-  std::vector<std::string> left;
-  for (const auto& e : fs::directory_iterator(dir)) left.push_back(e.path().filename().string());
-  std::sort(left.begin(), left.end());
-  EXPECT_EQ(left, (std::vector<std::string>{"blocked.bkdx", "m.bkdx"}));
-}
-
-TEST_F(PackageTest, APackageKeepsThePermissionsOfTheFileItReplaces) {
-  ::umask(022);
-  fs::path file = dir / "m.bkdx";
-  writePackage(file, {{"/a", "1"}});
-  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0644));
-  fs::permissions(file, fs::perms(0640));
-  writePackage(file, {{"/a", "2"}});
-  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0640));
-  EXPECT_EQ(readPackage(file), (PartMap{{"/a", "2"}}));
+  std::set<std::string> left;
+  for (const auto& e : fs::directory_iterator(dir)) left.insert(e.path().filename().string());
+  EXPECT_EQ(left, (std::set<std::string>{"blocked.bkdx", "m.bkdx"}));
 }
 
 TEST_F(PackageTest, APartCopiedToAFileReplacesItOrNamesTheFailure) {
