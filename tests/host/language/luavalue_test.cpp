@@ -19,15 +19,8 @@ class LuaValueTest : public LuaFixture {
     EXPECT_EQ(run("value = " + expr), "") << expr;
     lua_State* L = host->state();
     lua_getglobal(L, "value");
-    nxArray out;
-    try {
-      out = blockara::toNxArray(L, -1);
-    } catch (...) {
-      lua_pop(L, 1);
-      throw;
-    }
-    lua_pop(L, 1);
-    return out;
+    const std::unique_ptr<lua_State, void (*)(lua_State*)> pop(L, [](lua_State* s) { lua_pop(s, 1); });
+    return blockara::toNxArray(L, -1);
   }
   /// The Lua type an array takes when it is passed to Lua.
   std::string luaType(const nxArray& value) {
