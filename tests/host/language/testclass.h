@@ -98,14 +98,22 @@ class ValueProp : public ncos::COSPropInfo {
 };
 
 using ncos::factory::MethodAttributes;
-inline MethodAttributes methodAttributes() {
-  return MethodAttributes().remove(MethodAttributes::ForceMembership);
-}
 inline constexpr auto sig = &ncos::factory::impl::Invoker::createSignature;
 
-class CosWidget : public ncos::factory::NcosFactoryClassInfo {
+/// A class info whose `method` declares a method over a native function, with the attribute
+/// flags given (none: an instance method).
+class TestClassInfo : public ncos::factory::NcosFactoryClassInfo {
+ protected:
+  using NcosFactoryClassInfo::NcosFactoryClassInfo;
+  template <class F>
+  void method(const char* name, ncos::factory::Signature s, F fn, unsigned flags = 0) {
+    addMethod(name, MethodAttributes(flags), s, ncos::factory::makeMethodImpl(s, fn));
+  }
+};
+
+class CosWidget : public TestClassInfo {
  public:
-  CosWidget() : NcosFactoryClassInfo("Widget", "Test widget") {}
+  CosWidget() : TestClassInfo("Widget", "Test widget") {}
 
  protected:
   void populate() override {
@@ -113,41 +121,31 @@ class CosWidget : public ncos::factory::NcosFactoryClassInfo {
     detail::initStringDataTypes();
     addSuperclass(ncos::COSNameID("numeria.mixin.Heterogeneous"), 1, 0, 1);
     addConstructor(makeConstructor<Widget>("Test.pkg.Widget"));
-    addProperty(std::make_unique<PropertyImpl<Widget, std::string>>(
-        "Name", 0, ClassGetter<Widget, std::string>(&Widget::getName),
-        ClassSetter<Widget, std::string>(&Widget::setName)));
-    addProperty(std::make_unique<PropertyImpl<Widget, bool>>(
-        "Enabled", 2048, ClassGetter<Widget, bool>(&Widget::getEnabled),
-        ClassSetter<Widget, bool>(&Widget::setEnabled)));
+    addProperty(std::make_unique<PropertyImpl<Widget, std::string>>("Name", 0, &Widget::getName,
+                                                                    &Widget::setName));
+    addProperty(std::make_unique<PropertyImpl<Widget, bool>>("Enabled", 2048, &Widget::getEnabled,
+                                                             &Widget::setEnabled));
     addProperty(std::make_unique<PropertyImpl<Widget, std::vector<std::string>>>(
-        "Tags", 0x2000800, AdaptedClassGetter<Widget, std::vector<std::string>>(&tagsOf),
-        AdaptedClassSetter<Widget, std::vector<std::string>>(&setTagsOf)));
+        "Tags", 0x2000800, &tagsOf, &setTagsOf));
     addProperty(std::make_unique<ValueProp>());
-    const auto attrs = methodAttributes();
-    const auto statics = methodAttributes().add(MethodAttributes::Static);
-    Signature s1 = sig("char", "Test.pkg.Widget", {"char"});
-    addMethod("describe", attrs, s1,
-              makeMethodImpl(s1, static_cast<std::string (Widget::*)(std::string)>(&Widget::describe)));
-    Signature s2 = sig("char", "Test.pkg.Widget", {"double scalar"});
-    addMethod("describe", attrs, s2,
-              makeMethodImpl(s2, static_cast<std::string (Widget::*)(double)>(&Widget::describe)));
-    Signature s3 = sig("NcosFactoryString scalar", "Test.pkg.Widget",
-                       {"NcosFactoryString scalar", "uint32 scalar"});
-    addMethod("greet", attrs, s3, makeMethodImpl(s3, &Widget::greet));
-    Signature s4 = sig("void", "Test.pkg.Widget", {"char"});
-    addMethod("setOperator", attrs, s4, makeMethodImpl(s4, &Widget::setOperator));
-    Signature s5 = sig("Test.pkg.Widget", nullptr, {});
-    addMethod("getShared", statics, s5, makeMethodImpl(s5, &getShared));
-    addMethod("getTransient", statics, s5, makeMethodImpl(s5, &getTransient));
-    Signature s7 = sig("void", nullptr, {"Test.pkg.Widget", "char"});
-    addMethod("addTag", MethodAttributes(statics).add(MethodAttributes::Hidden), s7,
-              makeMethodImpl(s7, &addTag));
+    method("describe", sig("char", "Test.pkg.Widget", {"char"}),
+           static_cast<std::string (Widget::*)(std::string)>(&Widget::describe));
+    method("describe", sig("char", "Test.pkg.Widget", {"double scalar"}),
+           static_cast<std::string (Widget::*)(double)>(&Widget::describe));
+    method("greet", sig("NcosFactoryString scalar", "Test.pkg.Widget",
+                        {"NcosFactoryString scalar", "uint32 scalar"}), &Widget::greet);
+    method("setOperator", sig("void", "Test.pkg.Widget", {"char"}), &Widget::setOperator);
+    method("getShared", sig("Test.pkg.Widget", nullptr, {}), &getShared, MethodAttributes::Static);
+    method("getTransient", sig("Test.pkg.Widget", nullptr, {}), &getTransient,
+           MethodAttributes::Static);
+    method("addTag", sig("void", nullptr, {"Test.pkg.Widget", "char"}), &addTag,
+           MethodAttributes::Static | MethodAttributes::Hidden);
   }
 };
 
-class CosGadget : public ncos::factory::NcosFactoryClassInfo {
+class CosGadget : public TestClassInfo {
  public:
-  CosGadget() : NcosFactoryClassInfo("Gadget", "Test gadget") {}
+  CosGadget() : TestClassInfo("Gadget", "Test gadget") {}
 
  protected:
   void populate() override {
@@ -163,29 +161,21 @@ class CosGadget : public ncos::factory::NcosFactoryClassInfo {
     };
     named.wrapper = makeConstructor<Gadget>("Test.pkg.Gadget").wrapper;
     addConstructor(std::move(named));
-    addProperty(std::make_unique<PropertyImpl<Gadget, std::uint32_t>>(
-        "Count", 0, ClassGetter<Gadget, std::uint32_t>(&Gadget::getCount),
-        ClassSetter<Gadget, std::uint32_t>(&Gadget::setCount)));
-    addProperty(std::make_unique<PropertyImpl<Gadget, std::uint32_t>>(
-        "Serial", 0, ClassGetter<Gadget, std::uint32_t>(&Gadget::getSerial)));
+    addProperty(std::make_unique<PropertyImpl<Gadget, std::uint32_t>>("Count", 0, &Gadget::getCount,
+                                                                      &Gadget::setCount));
+    addProperty(
+        std::make_unique<PropertyImpl<Gadget, std::uint32_t>>("Serial", 0, &Gadget::getSerial));
     addProperty(std::make_unique<PropertyImpl<Gadget, Widget*>>(
-        "Parent", 0, ClassGetter<Gadget, Widget*>(&Gadget::getParent),
-        ClassSetter<Gadget, Widget*>(&Gadget::setParent), "Test.pkg.Widget"));
+        "Parent", 0, &Gadget::getParent, &Gadget::setParent, "Test.pkg.Widget"));
     addProperty(std::make_unique<PropertyImpl<Gadget, std::vector<Widget*>>>(
-        "Children", 0, ClassGetter<Gadget, std::vector<Widget*>>(&Gadget::getChildren),
-        ClassSetter<Gadget, std::vector<Widget*>>(&Gadget::setChildren), "Test.pkg.Widget vector"));
-    const auto attrs = methodAttributes();
+        "Children", 0, &Gadget::getChildren, &Gadget::setChildren, "Test.pkg.Widget vector"));
     // Declared here, so it is tried before the widget's own forms of "describe".
-    Signature d = sig("char", "Test.pkg.Gadget", {"logical scalar"});
-    addMethod("describe", attrs, d, makeMethodImpl(d, &Gadget::describeFlag));
-    Signature v = sig("void", "Test.pkg.Gadget", {});
-    addMethod("throwStd", attrs, v, makeMethodImpl(v, &Gadget::throwStd));
-    addMethod("throwOther", attrs, v, makeMethodImpl(v, &Gadget::throwOther));
-    Signature c = sig("char", "Test.pkg.Gadget", {"char"});
-    addMethod("callBack", attrs, c, makeMethodImpl(c, &Gadget::callBack));
-    Signature n = sig("double scalar", nullptr, {"Test.pkg.Widget vector"});
-    addMethod("liveCount", MethodAttributes(attrs).add(MethodAttributes::Static), n,
-              makeMethodImpl(n, &liveCount));
+    method("describe", sig("char", "Test.pkg.Gadget", {"logical scalar"}), &Gadget::describeFlag);
+    method("throwStd", sig("void", "Test.pkg.Gadget", {}), &Gadget::throwStd);
+    method("throwOther", sig("void", "Test.pkg.Gadget", {}), &Gadget::throwOther);
+    method("callBack", sig("char", "Test.pkg.Gadget", {"char"}), &Gadget::callBack);
+    method("liveCount", sig("double scalar", nullptr, {"Test.pkg.Widget vector"}), &liveCount,
+           MethodAttributes::Static);
   }
 };
 
