@@ -9,7 +9,6 @@
 #include "host/language/nvm.h"
 #include "luafixture.h"
 #include "nxarrayprint.h"
-#include "testclass.h"
 
 namespace {
 
@@ -162,7 +161,6 @@ TEST_F(EvaluationTest, FailedRequestsCompleteWithTheirErrorAndWriteItToTheErrorS
 }
 
 TEST_F(EvaluationTest, ObjectsCannotCrossThreadsAndMissingLanguageIsAnError) {
-  testclass::registerTestPackage();
   // An object made in Lua is a fine synchronous result but cannot be serialized for a request.
   Results results;
   ASSERT_EQ(host->runString("function makeWidget() return Test.pkg.Widget() end"), std::nullopt);

@@ -2,16 +2,11 @@
 
 #include "luafixture.h"
 #include "nxarrayprint.h"
-#include "testclass.h"
 
 namespace {
 
 class LuaNcosTest : public LuaFixture {
  protected:
-  void SetUp() override {
-    testclass::registerTestPackage();
-    LuaFixture::SetUp();
-  }
   /// The error object of `code` run under pcall, as Lua sees it ("<no error>" when none).
   std::string errorOf(const std::string& code) {
     std::string wrapped = "local ok, e = pcall(function() " + code +

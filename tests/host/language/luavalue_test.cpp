@@ -2,14 +2,12 @@
 
 #include "luafixture.h"
 #include "nxarrayprint.h"
-#include "testclass.h"
 
 namespace {
 
 class LuaValueTest : public LuaFixture {
  protected:
   void SetUp() override {
-    testclass::registerTestPackage();
     LuaFixture::SetUp();
     widget = ncos::COSInterface::makeOwned(ncos::COSPackage::findClass("Test.pkg.Widget"),
                                            std::make_shared<testclass::Widget>());
