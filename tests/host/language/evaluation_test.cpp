@@ -29,25 +29,28 @@ class EvaluationTest : public LuaFixture {
   static std::shared_ptr<const FEvalOpaqueData> args(Results a) {
     return std::make_shared<FEvalArrayData>(std::move(a));
   }
-  /// Submits `name(data)` with output to `out` and errors to `err` (the machine's own sinks when
-  /// null); the future of `extract`ed results.
-  template <class R = Results>
+  /// A request of `name(data)` with output to `out` and errors to `err` (the machine's own sinks
+  /// when null).
+  std::shared_ptr<CmdRequest> request(const std::string& name, int nlhs,
+                                      std::shared_ptr<const FEvalOpaqueData> data) {
+    auto vm = nvm::Factory::getCurrentLocalMVM();
+    return std::make_shared<CmdRequest>(3, out ? out : vm->getSink(0), err ? err : vm->getSink(1),
+                                        std::make_shared<FEvalIIP>(name, nlhs, data, 3));
+  }
+  /// Submits the request; the future of `extract`ed results.
+  template <class R = Results, class Extract = typename PromiseDelegateT<R>::Extractor>
   std::future<R> submit(const std::string& name, int nlhs,
                         std::shared_ptr<const FEvalOpaqueData> data,
-                        typename PromiseDelegateT<R>::Extractor extract = detail::completedResults) {
-    auto vm = nvm::Factory::getCurrentLocalMVM();
-    auto request = std::make_shared<CmdRequest>(3, out ? out : vm->getSink(0),
-                                                err ? err : vm->getSink(1),
-                                                std::make_shared<FEvalIIP>(name, nlhs, data, 3));
+                        Extract extract = detail::completedResults) {
     auto delegate = std::make_shared<PromiseDelegateT<R>>(extract);
     auto future = delegate->getFuture();
-    distributor().submitRequest(request, delegate);
+    distributor().submitRequest(request(name, nlhs, data), delegate);
     return future;
   }
   /// The same from another thread, the way the worker posts.
-  template <class R = Results>
+  template <class R = Results, class Extract = typename PromiseDelegateT<R>::Extractor>
   std::future<R> fromWorker(const std::string& name, int nlhs, Results a,
-                            typename PromiseDelegateT<R>::Extractor extract = detail::completedResults) {
+                            Extract extract = detail::completedResults) {
     std::future<R> future;
     std::thread([&] { future = submit<R>(name, nlhs, args(std::move(a)), extract); }).join();
     return future;
@@ -175,11 +178,8 @@ TEST_F(EvaluationTest, ObjectsCannotCrossThreadsAndMissingLanguageIsAnError) {
   // The future's request is tracked until the loop runs it; the wait callback may pump the loop.
   auto delegate = std::make_shared<PromiseDelegateT<Results>>(detail::completedResults);
   auto future = delegate->getFuture();
-  auto vm = nvm::Factory::getCurrentLocalMVM();
   auto id = distributor().submitRequest(
-      std::make_shared<CmdRequest>(3, vm->getSink(0), vm->getSink(1),
-                                   std::make_shared<FEvalIIP>("testmods.Calls.add", 2,
-                                       args({nxArray::doubleScalar(1), nxArray::doubleScalar(2)}), 3)),
+      request("testmods.Calls.add", 2, args({nxArray::doubleScalar(1), nxArray::doubleScalar(2)})),
       delegate);
   VariadicTaskReference reference(distributor(), id);
   EXPECT_FALSE(reference.isDone());
@@ -206,8 +206,9 @@ TEST_F(EvaluationTest, ObjectsCannotCrossThreadsAndMissingLanguageIsAnError) {
 
 TEST_F(EvaluationTest, NamesResolveToGlobalsAndModulesAndErrorsCarryATraceback) {
   ASSERT_EQ(host->runString("function twice(x) return x .. x end"), std::nullopt);
-  for (const auto& [name, expected] : {std::pair{"twice", "xx"}, {"lonefn", "lone:x"},
-                                       {"lonetable", "table:x"}, {"testmods.pkgfn.run", "init:x"}}) {
+  for (const auto& [name, expected] :
+       {std::pair{"twice", "xx"}, {"lonefn", "lone:x"}, {"lonetable", "table:x"},
+        {"testmods.pkgfn.run", "init:x"}}) {
     Results results;
     auto diagnostic = bksvFEVAL_NoThrow(1, results, name, {nxArray::charRow("x")});
     EXPECT_EQ(diagnostic, nullptr) << name << ": " << (diagnostic ? diagnostic->message : "");

@@ -139,7 +139,7 @@ TEST_F(LuaNcosTest, MisusesFailWithTheIdentifierOfTheirFault) {
   };
   for (const auto& [code, fault] : cases) {
     const std::string e = errorOf(code);
-    EXPECT_EQ(e.rfind("blockara:ncos:" + std::string(fault) + ": ", 0), 0u) << code << " gave " << e;
+    EXPECT_EQ(e.rfind("blockara:ncos:" + std::string(fault) + ": ", 0), 0u) << code << ": " << e;
   }
 }
 
@@ -174,7 +174,8 @@ TEST_F(LuaNcosTest, NativeFailuresBecomeLuaErrorsAndLuaErrorsStayInsideCallbacks
   // the outer call goes on.
   EXPECT_EQ(run(R"(
     local g = Test.pkg.Gadget()
-    assert(g:callBack("testmods.Calls.upper") == "FROM NATIVE" and g:callBack("testmods.Calls.fail") == "failed:")
+    assert(g:callBack("testmods.Calls.upper") == "FROM NATIVE")
+    assert(g:callBack("testmods.Calls.fail") == "failed:")
     assert(g:callBack("testmods.Calls.nothing") == "failed:blockara:nvm:UnknownFunction")
     -- the error of a nested call that has an identifier keeps it
     function raiseTagged() error("x:y:Z: tagged", 0) end

@@ -17,7 +17,9 @@ class LuaValueTest : public LuaFixture {
     EXPECT_EQ(run("value = " + expr), "") << expr;
     lua_State* L = host->state();
     lua_getglobal(L, "value");
-    const std::unique_ptr<lua_State, void (*)(lua_State*)> pop(L, [](lua_State* s) { lua_pop(s, 1); });
+    const std::unique_ptr<lua_State, void (*)(lua_State*)> pop(L, [](lua_State* s) {
+      lua_pop(s, 1);
+    });
     return blockara::toNxArray(L, -1);
   }
   /// The Lua type an array takes when it is passed to Lua.
@@ -159,7 +161,8 @@ TEST_F(LuaValueTest, ArrayValuesOfferClassSizeElementsAndEquality) {
     assert(math.type(u[1]) == "integer" and u[2] == 4294967295)
     assert(nx.array("char", 2, 1, "xy")[2] == "y")
     local cells = nx.column({"a", {1, 2}, nx.column({})})
-    assert(cells[1] == "a" and type(cells[2]) == "table" and cells[2][2] == 2 and nx.class(cells[3]) == "cell")
+    assert(cells[1] == "a" and type(cells[2]) == "table" and cells[2][2] == 2)
+    assert(nx.class(cells[3]) == "cell")
     local s = nx.array("struct", 2, 1, {{a = 1}, {a = 2, b = "x"}})
     assert(s[2].a == 2 and s[2].b == "x" and s[1].b == nil)
     local w = Test.pkg.Widget(); w.Name = "inside"; local o = nx.array("object", 1, 2, {w, w})

@@ -31,17 +31,18 @@ TEST_F(MessageCatalogTest, TheCatalogueCoversEveryIdentifierAndMessagesBeginWith
   EXPECT_EQ(std::string(e.what()).rfind(e.identifier() + ": ", 0), 0u);
   EXPECT_NE(e.text().find("Gain"), std::string::npos);
   EXPECT_NE(e.text().find("Sum"), std::string::npos);
-  EXPECT_STREQ(NotInCatalogue("a", "b").what(), "bkedittimecheck:edittimecheck:NotInCatalogue: a, b");
+  EXPECT_STREQ(NotInCatalogue("a", "b").what(),
+               "bkedittimecheck:edittimecheck:NotInCatalogue: a, b");
   // A text for every engine and binding identifier.
   for (const char* id :
-       {"edittimecheck:UnknownBuiltInBlock", "edittimecheck:InvalidBlockParameterName",
-        "edittimecheck:UnsupportedNumberOfConstraintValues", "edittimecheck:UnsupportedValueOperator",
-        "edittimecheck:InvalidParameterValueInput", "edittimecheck:UnsupportedParamValue",
-        "edittimecheck:InvalidParameterValueNonStruct", "edittimecheck:UnsupportedPreReqType"}) {
-    EXPECT_TRUE(catalog.contains(std::string("bkedittimecheck:") + id)) << id;
+       {"UnknownBuiltInBlock", "InvalidBlockParameterName", "UnsupportedNumberOfConstraintValues",
+        "UnsupportedValueOperator", "InvalidParameterValueInput", "UnsupportedParamValue",
+        "InvalidParameterValueNonStruct", "UnsupportedPreReqType"}) {
+    EXPECT_TRUE(catalog.contains(std::string("bkedittimecheck:edittimecheck:") + id)) << id;
   }
-  for (const char* id : {"InvalidObject", "UnknownMember", "ReadOnlyProperty", "NoMatchingSignature",
-                         "NotConstructible", "UnknownClass", "ConversionFailed"}) {
+  for (const char* id : {"InvalidObject", "UnknownMember", "ReadOnlyProperty",
+                         "NoMatchingSignature", "NotConstructible", "UnknownClass",
+                         "ConversionFailed"}) {
     EXPECT_TRUE(catalog.contains(std::string("blockara:ncos:") + id)) << id;
   }
 }

@@ -75,8 +75,9 @@ TEST_F(PackageTest, BadPartNamesAreRefusedBeforeAnythingIsWritten) {
   fs::path file = dir / "m.bkdx";
   for (const char* name : {"", "/", "x", "x/y", "//a", "/a//b", "/a/", "/.", "/..", "/./a", "/a/..",
                            "/a/./b", "/a/../b"}) {
-    EXPECT_PRED2(startsWith,
-                 messageOf<PackageError>([&] { writePackage(file, {{"/fine", "x"}, {name, "y"}}); }),
+    EXPECT_PRED2(startsWith, messageOf<PackageError>([&] {
+                   writePackage(file, {{"/fine", "x"}, {name, "y"}});
+                 }),
                  file.string() + ": invalid part name '" + name + "'");
     EXPECT_FALSE(fs::exists(file)) << name;
   }

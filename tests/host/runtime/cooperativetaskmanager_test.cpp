@@ -92,7 +92,7 @@ TEST(CooperativeTaskManagerTest, RemovedInvalidAndThrowingTasksDoNotStopTheOther
   EXPECT_TRUE(session->isFinished());
 }
 
-TEST(CooperativeTaskManagerTest, PostedItemsComeFirstInOrderFromAnyThreadAndTasksOnlyWhenRequested) {
+TEST(CooperativeTaskManagerTest, PostedItemsComeFirstAndInOrderAndTasksOnlyWhenRequested) {
   Log log;
   auto& loop = blockara::EventLoop::instance();
   loop.adoptCurrentThread();

@@ -82,7 +82,8 @@ TEST(TimerThreadTest, HostSettingsChooseTheModeAndBadArgumentsAreRejected) {
   EXPECT_EQ(timer.mode(), TimerThread::manual);
   EXPECT_EQ(timer.interval(), std::chrono::microseconds(3000));
 
-  for (auto [mode, period] : {std::pair{7, 1.0}, {TimerThread::periodic, 0.0}, {TimerThread::periodic, -1.0}})
+  for (auto [mode, period] :
+       {std::pair{7, 1.0}, {TimerThread::periodic, 0.0}, {TimerThread::periodic, -1.0}})
     EXPECT_THROW(RecordingTimer(mode, period), std::invalid_argument) << mode << " " << period;
   EXPECT_THROW(TimerThread::setPeriodUnit(std::chrono::nanoseconds(0)), std::invalid_argument);
   EXPECT_THROW(TimerThread::setDefaultMode(TimerThread::hostDefault), std::invalid_argument);

@@ -74,7 +74,8 @@ TEST_F(XmlReaderTest, SizeMissingFilesAndFlagsAreHandledAsDocumented) {
     }
   };
   EXPECT_EQ(refusal(dir / "big.xml"), "the text has 17 bytes, more than 16");
-  for (const auto& missing : {dir / "absent.xml", dir}) EXPECT_EQ(refusal(missing), "cannot open file");
+  for (const auto& missing : {dir / "absent.xml", dir})
+    EXPECT_EQ(refusal(missing), "cannot open file");
   setLimits({10, 100});
   EXPECT_EQ(readFile(dir / "ok.xml", pt::xml_parser::no_comments).get_child("a").size(), 1u);
   EXPECT_EQ(readFile(dir / "ok.xml").get_child("a").size(), 2u);
