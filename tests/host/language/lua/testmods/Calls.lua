@@ -2,11 +2,6 @@ local M = {}
 function M.add(a, b) return a + b end
 function M.fail(msg) error(msg, 0) end
 function M.echo(...) return ... end
-function M.flags(handles, name)
-  local out = {}
-  for i = 1, #handles do out[i] = handles[i] > 1 end
-  return nx.array("logical", 1, #handles, out)
-end
 -- The Lua type of each argument, so that tests see which form a value took.
 function M.kinds(...)
   local out = {}
