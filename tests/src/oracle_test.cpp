@@ -64,6 +64,9 @@ bool commented(const BKBlock* b) {
   return false;
 }
 
+bool isChart(const BKBlock* b) { return b && b->getTypeName() == u"Chart"; }
+bool inChart(const BKBlock* b) { return b->getGraph() && isChart(b->getGraph()->getOwner()); }
+
 class OracleTest : public RoadFixture {
  protected:
   void SetUp() override {
@@ -134,17 +137,48 @@ class OracleTest : public RoadFixture {
           if (commented(b) && b->getTypeName() == u"DataStoreMemory") {
             historyBound.insert("orvanta.blockara.DataStoreUsage");
           }
-          // Accessors of a deleted owner are told "NoOwner"; a fresh engine reads their owner
-          // parameter, which still names it.
-          if (b->getTypeName() == u"UnitDelay") {
+          // Accessors of a deleted owner (or one deleted with its system) are told "NoOwner"; a
+          // fresh engine reads their owner parameter, which still names it.
+          if (std::any_of(blocks.begin(), blocks.end(), [&](const BKBlock* o) {
+                const bksvString p = o->getFullPath(false);
+                return o->getTypeName() == u"UnitDelay" && (p == at || p.starts_with(at + u"/"));
+              })) {
             historyBound.insert("orvanta.blockara.StateAccessorPathViolation");
           }
           e.deleteBlock(at);
           break;
-        case 4: e.renameBlock(at, dice.pick(names)); break;
-        case 5: e.moveBlock(at, dice.pick(systems)); break;
-        case 6: e.setCommentState(at, static_cast<int>(dice.below(3))); break;
-        default: e.setProperties(at, randomProps(dice, ConvertUStringToStdString(b->getTypeName()), d)); break;
+        case 4:
+        case 5:
+          if (commented(b) && (b->getTypeName() == u"SubSystem" || b->getTypeName() == u"Chart")) {
+            commentedSystemMoved = true;
+          }
+          if (kind == 4) {
+            e.renameBlock(at, dice.pick(names));
+          } else {
+            const bksvString& into = dice.pick(systems);
+            // The ports of a subsystem that comes to stand in a chart, or leaves one, are not
+            // taken again; a fresh engine's scan takes them.
+            if (b->getTypeName() == u"SubSystem" && (inChart(b) || isChart(d->findBlock(into)))) {
+              historyBound.insert("orvanta.blockara.BlockaraStatePortMapping");
+            }
+            e.moveBlock(at, into);
+          }
+          break;
+        case 6:
+          // A pass takes the comment changes before the renames: a commented system renamed and
+          // then uncommented in one pass leaves its blocks commented under the new path.
+          if (commentedSystemMoved) {
+            historyBound.insert({"orvanta.blockara.GoToFromBlockMismatch", "orvanta.blockara.DataStoreUsage"});
+          }
+          e.setCommentState(at, static_cast<int>(dice.below(3)));
+          break;
+        default:
+          // The same for a subsystem in a chart that becomes chart-based, or stops being so.
+          if (b->getTypeName() == u"SubSystem" && inChart(b)) {
+            historyBound.insert("orvanta.blockara.BlockaraStatePortMapping");
+          }
+          e.setProperties(at, randomProps(dice, ConvertUStringToStdString(b->getTypeName()), d));
+          break;
       }
     } catch (const std::invalid_argument&) {
     }
@@ -171,6 +205,7 @@ class OracleTest : public RoadFixture {
   std::pair<Lines, Lines> run(unsigned long seed) {
     Dice dice(seed);
     historyBound.clear();
+    commentedSystemMoved = false;
     const std::u16string name = u"o" + i18n::to_u16string(std::to_string(seed));
     BKRootBD* d = openAuditor(name);
     for (std::size_t i = 0, n = 4 + dice.below(8); i < n; ++i) randomEdit(dice, d);  // the diagram
@@ -182,6 +217,7 @@ class OracleTest : public RoadFixture {
       }
       if (dice.chance(50)) {
         EXPECT_TRUE(settle());
+        commentedSystemMoved = false;
       }
     }
     EXPECT_TRUE(settle());
@@ -206,11 +242,13 @@ class OracleTest : public RoadFixture {
 
   // Checks whose records this sequence made depend on its history.
   std::set<std::string> historyBound;
+  // A commented system was renamed or moved since the last time the engine came to rest.
+  bool commentedSystemMoved = false;
 };
 
 // Seeds of sequences that once disagreed with a fresh engine.
 TEST_F(OracleTest, RegressionSeeds) {
-  for (unsigned long seed : std::vector<unsigned long>{21, 129, 522, 652, 1015, 1444, 1591, 4255}) {
+  for (unsigned long seed : std::vector<unsigned long>{21, 129, 522, 652, 1015, 1444, 1591, 4255, 4984, 7678, 8331}) {
     const auto [edited, fresh] = run(seed);
     EXPECT_EQ(edited, fresh) << "seed " << seed;
   }
