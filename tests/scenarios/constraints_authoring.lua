@@ -53,15 +53,23 @@ for _, kind in ipairs({ { A.PositiveBlockParameterConstraint, "SupportedParamete
   expect.eq(c:getPreRequisiteConstraintIDs()[1], "modelSetting", "prerequisite ID")
 end
 
+-- Values keep the shape their data type gives them; nxarray values are not kept.
+local shaped = A.PositiveBlockParameterConstraint()
+for _, t in ipairs({ { "struct", { x = "1", y = "2" }, "y", "2" }, { "array", { "e1", "e2" }, 2, "e2" },
+                     { "nxarray", { 1, 2 }, 1, nil } }) do
+  shaped.ParameterDataType = t[1]
+  shaped.SupportedParameterValues = { t[2] }
+  expect.eq((shaped.SupportedParameterValues or { {} })[1][t[3]], t[4], t[1] .. " values")
+end
+
 -- Block type constraints.
 for _, kind in ipairs({ { A.PositiveBlockTypeConstraint, "SupportedBlockTypes", "addSupportedBlockType", true },
                         { A.NegativeBlockTypeConstraint, "UnsupportedBlockTypes", "addUnsupportedBlockType", false } }) do
   local Class, list, add, positive = kind[1], kind[2], kind[3], kind[4]
   local c = Class()
-  c[list] = { { BlockType = "Gain", MaskType = "" }, { BlockType = "Sum", MaskType = "Adder" } }
+  c[list] = nx.column({ { BlockType = "Gain", MaskType = "" }, { BlockType = "Sum", MaskType = "Adder" } })
   c[add](c, "Constant")
-  local pairs = c[list]
-  expect.eq(#pairs, 3, "three pairs")
+  expect.eq(table.concat({ nx.size(c[list]) }, "x"), "3x1", "a column of pairs stays a column")
   refuses(function() c[list] = { { BlockType = "Gain", MaskType = "" }, "Sum" } end,
           "InvalidParameterValueNonStruct", "a pair that is no struct")
   expect.eq(#c[list], 1, "the pairs before the bad cell stay")
@@ -94,6 +102,8 @@ for _, kind in ipairs({ { I.PositiveModelParameterConstraint, "SupportedParamete
   c[values] = { "Fixed-step" }
   c:setCurrentValue("Fixed-step")
   expect.eq(c:check(), positive, "the model setting")
+  c:setCurrentValue({ a = "1" })
+  expect.eq(c.WasChecked, false, "a new value is stale")
 
   local dependent = A.PositiveBlockParameterConstraint()
   dependent:addPreRequisiteConstraintObject(c)

@@ -172,34 +172,16 @@ TEST_F(ExclusionTest, TheFirstSubsystemRuleOfEachExclusionIsPublished) {
   EXPECT_TRUE(Prefs::ceExclusions(L"m")->empty());
 }
 
+// Missing, malformed and deeply nested files are the scenario engine_exclusions's; here the
+// manager keeps the shared size limit, and a refused file leaves what was loaded.
 TEST_F(ExclusionTest, BadFilesThrowAndLeaveTheManagerAsDocumented) {
   load({{{"Block|off|ab"}, {".*"}}});
-  std::string deep;
-  for (int i = 0; i < 200000; ++i) deep += "<a>";
-  const std::wstring broken = write("<rsccat><SystemList>", "broken.xml");
-  const std::wstring nested = write(deep, "deep.xml");
   blockara::xml::setLimits({64, 1 << 20});
   const std::wstring big = write("<rsccat>" + std::string(2 << 20, ' ') + "</rsccat>", "big.xml");
-  for (const std::wstring& file :
-       {(dir / "missing.xml").wstring(), dir.wstring(), broken, nested, big}) {
-    const std::string name = std::filesystem::path(file).string();
-    try {
-      manager.loadExclusionsFromFile(d, file);
-      ADD_FAILURE() << "no exception for " << name;
-    } catch (const pt::xml_parser_error& e) {
-      EXPECT_EQ(e.filename(), name);
-      EXPECT_FALSE(e.message().empty());
-    }
-    EXPECT_EQ(manager.getExclusions().size(), 1u) << name;  // what was loaded stays
-    EXPECT_TRUE(excluded(u"m/ab")) << name;
-  }
+  EXPECT_THROW(manager.loadExclusionsFromFile(d, big), pt::xml_parser_error);
   blockara::xml::setLimits({});
-  // Comments, CDATA and self-closing elements do not count as levels.
-  std::string shallow = "<rsccat><!-- <a><a><a> --><SystemList><System><ExclusionList>";
-  for (int i = 0; i < 100; ++i) shallow += "<x/><![CDATA[<a><a>]]>";
-  manager.loadExclusionsFromFile(
-      d, write(shallow + "</ExclusionList></System></SystemList></rsccat>"));
-  EXPECT_TRUE(manager.getExclusions().empty());
+  EXPECT_EQ(manager.getExclusions().size(), 1u);
+  EXPECT_TRUE(excluded(u"m/ab"));
 
   // Without the list element: the exclusions are gone and nothing new is published.
   load({{{"Subsystem|off|a"}, {"c1"}}});

@@ -40,37 +40,34 @@ struct MatchCase {
 
 TEST(MatchesConstraintValues, EveryOperatorAndDataType) {
   const MatchCase cases[] = {
-      {"or: some element", std::string("b"), texts({"a", "b"}), "or", "string", true},
-      {"or: none", std::string("c"), texts({"a", "b"}), "or", "string", false},
-      {"or: an empty element never matches", std::string(""), texts({"a", ""}), "or", "string",
+      {"or: some element", "b", texts({"a", "b"}), "or", "string", true},
+      {"or: none", "c", texts({"a", "b"}), "or", "string", false},
+      {"or: an empty element never matches", "", texts({"a", ""}), "or", "string", false},
+      {"eq: bytes", "1", texts({"1"}), "eq", "double", true},
+      {"eq: no number reading", "1", texts({"1.0"}), "eq", "double", false},
+      {"regex: the whole string", "abc", texts({"a.c"}), "regex", "string", true},
+      {"regex: a middle part is no match", "abc", texts({"b"}), "regex", "string", false},
+      {"regex: case sensitive", "ABC", texts({"a.c"}), "regex", "string", false},
+      {"range: ends in either order, lower included", "0", texts({"10", "0"}), "range", "double",
+       true},
+      {"range: inside", "5", texts({"10", "0"}), "range", "double", true},
+      {"range: upper excluded", "10", texts({"10", "0"}), "range", "double", false},
+      {"range: one value answers false", "0", texts({"10"}), "range", "double", false},
+      {"gt: a word reads 0.0", "1", texts({"abc"}), "gt", "double", true},
+      {"gt: equal", "2", texts({"2"}), "gt", "double", false},
+      {"ge: equal", "2", texts({"2"}), "ge", "double", true},
+      {"lt: numeric prefix", " 3.5x", texts({"4"}), "lt", "double", true},
+      {"lt: equal", "4", texts({"4"}), "lt", "double", false},
+      {"le: equal", "4", texts({"4.0"}), "le", "double", true},
+      {"le: 'on' reads 0.0", "on", texts({"-1"}), "le", "logical", false},
+      {"unknown operator", "a", texts({"a"}), "ne", "string", false},
+      {"reserved Selected", "Selected", texts({"Selected"}), "or", "string", false},
+      {"reserved Unselected, any operator", "Unselected", texts({"Unselected"}), "eq", "string",
        false},
-      {"eq: bytes", std::string("1"), texts({"1"}), "eq", "double", true},
-      {"eq: no number reading", std::string("1"), texts({"1.0"}), "eq", "double", false},
-      {"regex: the whole string", std::string("abc"), texts({"a.c"}), "regex", "string", true},
-      {"regex: a middle part is no match", std::string("abc"), texts({"b"}), "regex", "string",
-       false},
-      {"regex: case sensitive", std::string("ABC"), texts({"a.c"}), "regex", "string", false},
-      {"range: ends in either order, lower included", std::string("0"), texts({"10", "0"}), "range",
-       "double", true},
-      {"range: inside", std::string("5"), texts({"10", "0"}), "range", "double", true},
-      {"range: upper excluded", std::string("10"), texts({"10", "0"}), "range", "double", false},
-      {"range: one value answers false", std::string("0"), texts({"10"}), "range", "double", false},
-      {"gt: a word reads 0.0", std::string("1"), texts({"abc"}), "gt", "double", true},
-      {"gt: equal", std::string("2"), texts({"2"}), "gt", "double", false},
-      {"ge: equal", std::string("2"), texts({"2"}), "ge", "double", true},
-      {"lt: numeric prefix", std::string(" 3.5x"), texts({"4"}), "lt", "double", true},
-      {"lt: equal", std::string("4"), texts({"4"}), "lt", "double", false},
-      {"le: equal", std::string("4"), texts({"4.0"}), "le", "double", true},
-      {"le: 'on' reads 0.0", std::string("on"), texts({"-1"}), "le", "logical", false},
-      {"unknown operator", std::string("a"), texts({"a"}), "ne", "string", false},
-      {"reserved Selected", std::string("Selected"), texts({"Selected"}), "or", "string", false},
-      {"reserved Unselected, any operator", std::string("Unselected"), texts({"Unselected"}), "eq",
-       "string", false},
-      {"reserved word only first", std::string("Selected"), texts({"x", "Selected"}), "or",
-       "string", true},
-      {"no values", std::string("a"), {}, "or", "string", false},
-      {"empty operator", std::string("a"), texts({"a"}), "", "string", false},
-      {"empty data type", std::string("a"), texts({"a"}), "or", "", false},
+      {"reserved word only first", "Selected", texts({"x", "Selected"}), "or", "string", true},
+      {"no values", "a", {}, "or", "string", false},
+      {"empty operator", "a", texts({"a"}), "", "string", false},
+      {"empty data type", "a", texts({"a"}), "or", "", false},
       {"struct: named fields equal", Map{{"a", "1"}, {"b", "2"}}, one(Map{{"a", "1"}}), "or",
        "struct", true},
       {"struct: a field differs", Map{{"a", "1"}}, one(Map{{"a", "2"}}), "or", "struct", false},
@@ -90,7 +87,7 @@ TEST(MatchesConstraintValues, EveryOperatorAndDataType) {
       {"array: an element missing", Vector{"a", "b"}, one(Vector{"a", "d"}), "or", "array", false},
       {"array: empty item", Vector{"a"}, one(Vector{}), "or", "array", true},
       {"array: only 'or'", Vector{"a"}, one(Vector{"a"}), "range", "array", false},
-      {"nxarray never matches", std::string("a"), texts({"a"}), "or", "nxarray", false},
+      {"nxarray never matches", "a", texts({"a"}), "or", "nxarray", false},
   };
   for (const MatchCase& c : cases) {
     EXPECT_EQ(matchesConstraintValues(c.current, c.values, c.op, c.dataType), c.matches) << c.what;
@@ -110,7 +107,7 @@ TEST(MatchesConstraintValues, MismatchesAndBadExpressionsThrow) {
   };
   const ThrowCase badCast[] = {
       {"a text item under struct", Map{{"a", "1"}}, texts({"x"}), "or", "struct"},
-      {"a map item under a text type", std::string("x"), one(Map{{"a", "1"}}), "or", "string"},
+      {"a map item under a text type", "x", one(Map{{"a", "1"}}), "or", "string"},
       {"a vector item under array after a miss",
        Vector{"a"},
        {ConstraintValue(Vector{"z"}), ConstraintValue("a")},
@@ -124,16 +121,15 @@ TEST(MatchesConstraintValues, MismatchesAndBadExpressionsThrow) {
   }
   const ThrowCase badGet[] = {
       {"a map value under a text type", Map{{"a", "1"}}, texts({"x"}), "or", "string"},
-      {"a text value under struct", std::string("x"), one(Map{{"a", "1"}}), "or", "struct"},
-      {"a text value under array", std::string("x"), {ConstraintValue(Vector{"a"})}, "or", "array"},
+      {"a text value under struct", "x", one(Map{{"a", "1"}}), "or", "struct"},
+      {"a text value under array", "x", {ConstraintValue(Vector{"a"})}, "or", "array"},
   };
   for (const ThrowCase& c : badGet) {
     EXPECT_THROW(matchesConstraintValues(c.current, c.values, c.op, c.dataType),
                  std::bad_variant_access)
         << c.what;
   }
-  EXPECT_THROW(matchesConstraintValues(std::string("a"), texts({"(a"}), "regex", "string"),
-               boost::regex_error);
+  EXPECT_THROW(matchesConstraintValues("a", texts({"(a"}), "regex", "string"), boost::regex_error);
 
   const auto start = std::chrono::steady_clock::now();
   try {

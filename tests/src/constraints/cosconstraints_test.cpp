@@ -1,5 +1,5 @@
-// The constraint classes as the host language sees them: hidden adding methods, values that keep
-// their row or column shape, and prerequisites given as host-language objects.
+// The constraint classes as the host language sees them: hidden adding methods and prerequisites
+// given as host-language objects. The scenario constraints_authoring sets and reads the rest.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -36,37 +36,6 @@ TEST_F(CosConstraintsTest, AddingMethodsAreHiddenAndStatic) {
   EXPECT_TRUE(add->isStatic() && add->isHidden());
   EXPECT_EQ(add->signature.args.at(0).className,
             "Auditor.authoring.PositiveBlockParameterConstraint");
-}
-
-TEST_F(CosConstraintsTest, ValuesComeBackInTheShapeTheyWereGiven) {
-  const char* script = R"(
-    local A = Auditor.authoring
-    local function same(a, b, what) if a ~= b then error(what .. ": " .. tostring(a) .. " vs " .. tostring(b)) end end
-    local p = A.PositiveBlockParameterConstraint()
-    p.ParameterDataType = "struct"
-    p.SupportedParameterValues = {{x = "1", y = "2"}}
-    same(p.SupportedParameterValues[1].y, "2", "struct fields")
-    p.ParameterDataType = "array"
-    p.SupportedParameterValues = {{"e1", "e2"}}
-    same(p.SupportedParameterValues[1][2], "e2", "array elements")
-    p.ParameterDataType = "nxarray"
-    p.SupportedParameterValues = {{1, 2}}
-    same(p.SupportedParameterValues, nil, "nxarray values are not kept")
-    local t = A.NegativeBlockTypeConstraint()
-    t.UnsupportedBlockTypes = nx.column({{BlockType = "Gain", MaskType = ""},
-                                         {BlockType = "Gain", MaskType = "M"}})
-    local r2, c2 = nx.size(t.UnsupportedBlockTypes)
-    same(r2 .. "x" .. c2, "2x1", "a column of pairs")
-    t:addUnsupportedBlockType("Sum")
-    same(select(1, nx.size(t.UnsupportedBlockTypes)), 3, "still a column")
-    local m = Auditor.authoring.internal.NegativeModelParameterConstraint()
-    m.UnsupportedParameterValues = {"fast"}
-    m:setCurrentValue("fast")
-    same(m:check(), false, "negative model constraint")
-    m:setCurrentValue({a = "1"})
-    same(m.WasChecked, false, "a new value is stale")
-  )";
-  EXPECT_EQ(run(script), "");
 }
 
 // A host-language object standing for a model parameter constraint of the host language's own
