@@ -34,27 +34,17 @@ class Logged : public Base {
 using Judgements = std::vector<std::string>;
 
 // A block parameter constraint that holds exactly when the current value is "yes".
-std::shared_ptr<BlockParameterConstraint> yesRule(const std::string& id, const std::string& current,
-                                                  bool negative = false) {
-  std::shared_ptr<BlockParameterConstraint> c;
-  if (negative) {
-    c = std::make_shared<Logged<NegativeBlockParameterConstraint>>();
-  } else {
-    c = std::make_shared<Logged<PositiveBlockParameterConstraint>>();
-  }
+template <class C = PositiveBlockParameterConstraint>
+std::shared_ptr<BlockParameterConstraint> yesRule(const std::string& id,
+                                                  const std::string& current) {
+  auto c = std::make_shared<Logged<C>>();
   c->setID(id);
   c->addToConstraintValueVector(ConstraintValue("yes"));
   c->setCurrentValue(ParameterValue(current));
   return c;
 }
 
-class ProtocolTest : public ConstraintFixture {
- protected:
-  void SetUp() override {
-    ConstraintFixture::SetUp();
-    judged.clear();
-  }
-};
+using ProtocolTest = ConstraintFixture;
 
 TEST_F(ProtocolTest, FailedPrerequisiteSkipsTheRestAndPasses) {
   struct Case {
@@ -73,7 +63,9 @@ TEST_F(ProtocolTest, FailedPrerequisiteSkipsTheRestAndPasses) {
   };
   for (const Case& c : cases) {
     judged.clear();
-    auto dependent = yesRule("d", c.dependentValue, c.negativeDependent);
+    auto dependent = c.negativeDependent
+                         ? yesRule<NegativeBlockParameterConstraint>("d", c.dependentValue)
+                         : yesRule("d", c.dependentValue);
     dependent->setStatus(true);
     dependent->addPreRequisiteConstraint(yesRule("p1", c.p1));
     dependent->addPreRequisiteConstraint(yesRule("p2", c.p2));
@@ -88,6 +80,7 @@ TEST_F(ProtocolTest, FailedPrerequisiteSkipsTheRestAndPasses) {
 }
 
 TEST_F(ProtocolTest, PrerequisiteListsAndNesting) {
+  judged.clear();
   // A prerequisite whose own prerequisite fails counts as holding: its dependent is judged.
   auto middle = yesRule("middle", "no");
   middle->addPreRequisiteConstraint(yesRule("inner", "no"));
@@ -124,6 +117,7 @@ TEST_F(ProtocolTest, PrerequisiteListsAndNesting) {
 // Block parameter and block type constraints are judged afresh for every block; a model
 // parameter constraint keeps its verdict until its value is read again.
 TEST_F(ProtocolTest, CachingDiffersBetweenSubjects) {
+  judged.clear();
   BKBlock* gain = add("Gain", u"g");
   const std::vector<std::shared_ptr<bkEditBlock>> blocks = {snapshot(gain), snapshot(gain),
                                                             snapshot(gain)};
@@ -134,9 +128,9 @@ TEST_F(ProtocolTest, CachingDiffersBetweenSubjects) {
   model->setID("m");
   model->addToConstraintValueVector(ConstraintValue("fast"));
   model->setCurrentValue(ParameterValue(std::string("fast")));
-  for (std::shared_ptr<Constraint> c : {std::shared_ptr<Constraint>(yesRule("bp", "yes")),
-                                        std::shared_ptr<Constraint>(blockType),
-                                        std::shared_ptr<Constraint>(model)}) {
+  for (std::shared_ptr<Constraint> c :
+       {std::shared_ptr<Constraint>(yesRule("bp", "yes")), std::shared_ptr<Constraint>(blockType),
+        std::shared_ptr<Constraint>(model)}) {
     for (const auto& block : blocks) EXPECT_TRUE(CompositeConstraint::checkConstraint(block, c));
   }
   EXPECT_EQ(judged, (Judgements{"bp", "bp", "bp", "bt", "bt", "bt", "m"}));

@@ -1,5 +1,5 @@
-// The constraint classes as the host language sees them: hidden adding methods and prerequisites
-// given as host-language objects. The scenario constraints_authoring sets and reads the rest.
+// Prerequisites given to a constraint as host-language objects, also of classes not this system's
+// own. The scenario constraints_authoring sets and reads everything else from a script.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -14,29 +14,6 @@
 
 namespace bkedittimecheck::testing {
 namespace {
-
-class CosConstraintsTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    mi::registerConstraintClasses();
-    lua = std::make_unique<blockara::LuaHost>(
-        blockara::LuaHostOptions{std::filesystem::path(BKETC_RESOURCE_DIR), {}, true});
-  }
-  /// Runs `code`; the Lua error, or "" when none.
-  std::string run(const std::string& code) { return lua->runString(code).value_or(""); }
-
-  std::unique_ptr<blockara::LuaHost> lua;
-};
-
-// Adding methods are hidden and take the object first, so that they stay off the class's list.
-TEST_F(CosConstraintsTest, AddingMethodsAreHiddenAndStatic) {
-  auto positive = ncos::COSPackage::findClass("Auditor.authoring.PositiveBlockParameterConstraint");
-  ASSERT_TRUE(positive);
-  const auto* add = positive->findMethods("addSupportedParameterValue").at(0);
-  EXPECT_TRUE(add->isStatic() && add->isHidden());
-  EXPECT_EQ(add->signature.args.at(0).className,
-            "Auditor.authoring.PositiveBlockParameterConstraint");
-}
 
 // A host-language object standing for a model parameter constraint of the host language's own
 // classes: its properties are what the prerequisite copy reads.
@@ -73,7 +50,9 @@ class ForeignClass : public ncos::factory::NcosFactoryClassInfo {
   }
 };
 
-TEST_F(CosConstraintsTest, PrerequisiteObjectsOfTheHostLanguage) {
+TEST(CosConstraints, PrerequisiteObjectsOfTheHostLanguage) {
+  mi::registerConstraintClasses();
+  blockara::LuaHost lua({std::filesystem::path(BKETC_RESOURCE_DIR), {}, true});
   ncos::omGetSubPackage(ncos::omGetGlobalPackage("Auditor"), "authoring")
       ->addClass(std::make_unique<ForeignClass>());
   auto foreign = std::make_shared<ForeignConstraint>();
@@ -81,8 +60,8 @@ TEST_F(CosConstraintsTest, PrerequisiteObjectsOfTheHostLanguage) {
                          {"ID", nxArray::charRow("fm")},
                          {"ParameterName", nxArray::charRow("InlineParams")},
                          {"ParameterDataType", nxArray::charRow("string")}};
-  ASSERT_EQ(run("function keepForeign(o) foreign = o end"), "");
-  lua->callFunction(
+  ASSERT_EQ(lua.runString("function keepForeign(o) foreign = o end"), std::nullopt);
+  lua.callFunction(
       "keepForeign", 0,
       {nxArray::objectScalar(ncos::COSInterface::makeOwned(
           ncos::COSPackage::findClass("Auditor.authoring.PositiveModelParameterConstraint"),
@@ -110,7 +89,7 @@ TEST_F(CosConstraintsTest, PrerequisiteObjectsOfTheHostLanguage) {
     collectgarbage()
     assert(p:getPreRequisiteConstraintObjects().ID == "own", "kept alive by the link")
   )";
-  EXPECT_EQ(run(script), "");
+  EXPECT_EQ(lua.runString(script), std::nullopt);
 }
 
 }  // namespace
