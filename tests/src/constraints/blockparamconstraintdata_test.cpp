@@ -196,9 +196,8 @@ TEST_F(CheckDataTest, VerdictsOfWholeChecks) {
        {true, false, true, false}},
       {"constraints without composite", gainRule, "fixed", {true, true, true, true}, false},
   };
-  BKBlock* blocks[] = {add("Gain", u"g5", {{"Gain", std::string("5")}}),
-                       add("Gain", u"g50", {{"Gain", std::string("50")}}), add("Constant", u"c"),
-                       add("Sum", u"s")};
+  BKBlock* blocks[] = {add("g5 Gain Gain=5"), add("g50 Gain Gain=50"), add("c Constant"),
+                       add("s Sum")};
   for (const Case& c : cases) {
     diagram->editing().setModelParam("SolverType", std::string(c.solver));
     auto check = readOne(c.blockConstraints);
@@ -227,8 +226,8 @@ std::shared_ptr<BlockParameterConstraint> wants(const std::string& parameter,
 
 TEST_F(CheckDataTest, CaptureByTypeCodeAndDataType) {
   const BlockRecordList states = {{{"name", "x"}, {"scope", "Local"}}, {{"name", "y"}}};
-  BKBlock* subsystem =
-      add("SubSystem", u"s", {{"StateData", states}, {"Variant", std::string("on")}});
+  BKBlock* subsystem = diagram->editing().addBlock(
+      u"cx", "SubSystem", u"s", {{"StateData", states}, {"Variant", std::string("on")}});
   struct Case {
     const char* what;
     std::shared_ptr<BlockParameterConstraint> constraint;

@@ -13,18 +13,24 @@
 #include "host/model/diagramediting.h"
 #include "src/constraints/bkeditblock.h"
 #include "src/constraints/blockparameterconstraint.h"
+#include "tests/src/blockline.h"
 
 namespace bkedittimecheck::testing {
+
+/// A snapshot that captured nothing, of no particular block.
+inline std::shared_ptr<bkEditBlock> bareSnapshot() {
+  return std::make_shared<bkEditBlock>(1.5, "b", 201, L"cx/b", false, false);
+}
 
 class ConstraintFixture : public ::testing::Test {
  protected:
   void SetUp() override { diagram = bkBlockDiagramSet::create(u"cx"); }
   void TearDown() override { bkBlockDiagramSet::close(diagram); }
 
-  /// Adds a block of `type` named `name` to the root system with `props`.
-  BKBlock* add(const std::string& type, const std::u16string& name,
-               const blockara::PropertyMap& props = {}) {
-    return diagram->editing().addBlock(u"cx", type, name, props);
+  /// Adds the block `line` describes ("NAME TYPE [KEY=VALUE ...]") to the root system.
+  BKBlock* add(const std::string& line) {
+    const BlockLine b(u"cx", line);
+    return diagram->editing().addBlock(b.system, b.type, b.name, b.props);
   }
 
   /// The rule-auditor snapshot of `block`, with the parameters `constraints` name captured.
@@ -33,11 +39,6 @@ class ConstraintFixture : public ::testing::Test {
     auto snap = std::make_shared<bkEditBlock>(block, true);
     snap->captureConstraintParameters(block, std::move(constraints));
     return snap;
-  }
-
-  /// A snapshot that captured nothing, of no particular block.
-  static std::shared_ptr<bkEditBlock> bareSnapshot() {
-    return std::make_shared<bkEditBlock>(1.5, "b", 201, L"cx/b", false, false);
   }
 
   BKRootBD* diagram = nullptr;
