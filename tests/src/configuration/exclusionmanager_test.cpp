@@ -59,19 +59,14 @@ class ExclusionTest : public ::testing::Test {
                "masked/sub SubSystem MaskType=Other", "masked/sub/y Gain",
                "lib SubSystem LinkStatus=resolved ReferenceBlock=mylib/sys",
                "lib/linked Gain LinkStatus=resolved ReferenceBlock=mylib/sys/g", "lib/plain Gain"});
-    dir = std::filesystem::temp_directory_path() /
-          ("bketc_excl_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
-           ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    std::filesystem::create_directories(dir);
   }
   void TearDown() override {
     bkBlockDiagramSet::closeAll();
-    std::error_code ignored;
-    std::filesystem::remove_all(dir, ignored);
+    std::filesystem::remove(file);
   }
 
-  std::wstring write(const std::string& text, const std::string& name = "ex.xml") {
-    const auto file = dir / name;
+  /// Writes `text` to this test's exclusions file; its path.
+  std::wstring write(const std::string& text) {
     std::ofstream(file, std::ios::binary) << text;
     return file.wstring();
   }
@@ -87,7 +82,10 @@ class ExclusionTest : public ::testing::Test {
 
   BKRootBD* d = nullptr;
   ExclusionManager manager;
-  std::filesystem::path dir;
+  const std::filesystem::path file =
+      std::filesystem::path(::testing::TempDir()) /
+      ("bketc_excl_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
+       ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".xml");
 };
 
 TEST_F(ExclusionTest, EachRuleKindDecidesByItsOwnTest) {
@@ -172,22 +170,27 @@ TEST_F(ExclusionTest, TheFirstSubsystemRuleOfEachExclusionIsPublished) {
   EXPECT_TRUE(Prefs::ceExclusions(L"m")->empty());
 }
 
-// Missing, malformed and deeply nested files are the scenario engine_exclusions's; here the
-// manager keeps the shared size limit, and a refused file leaves what was loaded.
+// Missing, malformed and very deeply nested files are the scenario engine_exclusions's; here
+// the manager's own, lower nesting limit and the shared size limit, and a refused file leaves
+// what was loaded.
 TEST_F(ExclusionTest, BadFilesThrowAndLeaveTheManagerAsDocumented) {
   load({{{"Block|off|ab"}, {".*"}}});
-  blockara::xml::setLimits({64, 1 << 20});
-  const std::wstring big = write("<rsccat>" + std::string(2 << 20, ' ') + "</rsccat>", "big.xml");
-  EXPECT_THROW(manager.loadExclusionsFromFile(d, big), pt::xml_parser_error);
+  std::string deep;
+  for (int i = 0; i <= ExclusionManager::maxNesting; ++i) deep = "<a>" + deep + "</a>";
+  blockara::xml::setLimits({4096, 1 << 20});
+  for (const std::string& text : {deep, "<rsccat>" + std::string(2 << 20, ' ') + "</rsccat>"}) {
+    EXPECT_THROW(manager.loadExclusionsFromFile(d, write(text)), pt::xml_parser_error);
+    EXPECT_EQ(manager.getExclusions().size(), 1u);
+  }
   blockara::xml::setLimits({});
-  EXPECT_EQ(manager.getExclusions().size(), 1u);
   EXPECT_TRUE(excluded(u"m/ab"));
 
   // Without the list element: the exclusions are gone and nothing new is published.
   load({{{"Subsystem|off|a"}, {"c1"}}});
   const auto before = Prefs::ceExclusions(L"m");
-  const std::wstring noList = write("<rsccat><SystemList><System/></SystemList></rsccat>", "n.xml");
-  EXPECT_THROW(manager.loadExclusionsFromFile(d, noList), pt::ptree_bad_path);
+  EXPECT_THROW(manager.loadExclusionsFromFile(
+                   d, write("<rsccat><SystemList><System/></SystemList></rsccat>")),
+               pt::ptree_bad_path);
   EXPECT_TRUE(manager.getExclusions().empty());
   EXPECT_EQ(Prefs::ceExclusions(L"m"), before);
 }
