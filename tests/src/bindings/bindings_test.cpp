@@ -32,9 +32,8 @@ class ControllerLuaTest : public EngineFixture {
   }
   /// Runs `code` with `c` bound to the controller; the Lua error, or "" when none.
   std::string run(const std::string& code) {
-    std::optional<std::string> error =
-        lua->runString("local c = bkedittimecheck.EditTimeController.getInstance()\n" + code);
-    return error.value_or("");
+    return lua->runString("local c = bkedittimecheck.EditTimeController.getInstance()\n" + code)
+        .value_or("");
   }
 
   std::unique_ptr<blockara::LuaHost> lua;
@@ -102,19 +101,15 @@ class ForeignConstraint : public ncos::Wrappable {
   std::map<std::string, nxArray> properties;
 };
 
-class ForeignProperty : public ncos::COSPropInfo {
- public:
+// Read-only: the copy only reads.
+struct ForeignProperty : ncos::COSPropInfo {
   explicit ForeignProperty(std::string name) : name(std::move(name)) {}
   const char* getName() const override { return name.c_str(); }
   unsigned getAttributes() const override { return 0; }
   nxArrayProxy getValue(const ncos::COSInterfacePtr& object) const override {
-    return nxArrayProxy(static_cast<ForeignConstraint*>(object->native())->properties[name]);
+    return nxArrayProxy(static_cast<ForeignConstraint*>(object->native())->properties.at(name));
   }
-  void setValue(const ncos::COSInterfacePtr& object, const nxArrayProxy& value) const override {
-    static_cast<ForeignConstraint*>(object->native())->properties[name] = value.array();
-  }
-
- private:
+  void setValue(const ncos::COSInterfacePtr&, const nxArrayProxy&) const override {}
   std::string name;
 };
 
