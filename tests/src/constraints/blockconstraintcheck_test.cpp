@@ -55,58 +55,61 @@ std::shared_ptr<BlockConstraintCheckData> readOne(const std::string& blockConstr
   return data.getCheckData("k");
 }
 
+/// The block parameter constraint of ID `id` in `check`.
+std::shared_ptr<BlockParameterConstraint> parameterConstraint(
+    const std::shared_ptr<BlockConstraintCheckData>& check, const std::string& id) {
+  return std::dynamic_pointer_cast<BlockParameterConstraint>(check->getConstraintsById().at(id));
+}
+
 std::vector<std::string> idsOf(const std::vector<std::shared_ptr<Constraint>>& constraints) {
   std::vector<std::string> ids;
   for (const auto& c : constraints) ids.push_back(c->getID());
   return ids;
 }
 
+// The check IDs read from `xml`, each marked "*" when its data has composites; or the
+// property tree's exception, which the reader passes through when it cannot do without a node.
+std::string checksIn(const std::string& xml) {
+  try {
+    BlockParamConstraintData data(parse(xml));
+    std::string out;
+    for (const std::string& id : data.getConstraintCheckIds()) {
+      out += id + (data.getCheckData(id)->hasCompositeConstraints() ? "* " : " ");
+    }
+    return out;
+  } catch (const boost::property_tree::ptree_bad_path&) {
+    return "bad path";
+  }
+}
+
 TEST(BlockParamConstraintData, OrderOfTheConfiguration) {
   const std::string body =
-      "<PositiveBlockTypeConstraint "
-      "id=\"t\"/><CompositeConstraint><ID>t</ID></CompositeConstraint>";
+      "<PositiveBlockTypeConstraint id=\"t\"/>"
+      "<CompositeConstraint><ID>t</ID></CompositeConstraint>";
+  const std::string id = "<ID checkType=\"BlockConstraintCheck\">k</ID>";
   const std::string dataFile =
       "<InputParameters><InputParameter Name=\"Data File\"><BlockConstraints>" + body +
       "</BlockConstraints></InputParameter></InputParameters>";
-  struct Case {
+  const auto check = [&](const std::string& parameter) {
+    return "<Check>" + id + "<InputParameters>" + parameter + "</InputParameters></Check>";
+  };
+  const struct {
     const char* what;
-    std::string checks;
-    std::vector<std::string> checkIds;
+    std::string checks, expected;
+  } cases[] = {
+      {"a constraint check", constraintCheck("k", body), "k* "},
+      {"no checkType", "<Check><ID>k</ID>" + dataFile + "</Check>", ""},
+      {"another checkType", "<Check><ID checkType=\"Other\">k</ID>" + dataFile + "</Check>", ""},
+      {"InputParameters before ID", "<Check>" + dataFile + id + "</Check>", ""},
+      {"other children of the list", "<Note/>" + constraintCheck("k", body), "k* "},
+      {"a repeated check ID: the first data stays",
+       constraintCheck("k", body) + constraintCheck("k", ""), "k* k* "},
+      {"a parameter of another name", check("<InputParameter Name=\"Other\"/>"), "k "},
+      {"a data file without constraints", check("<InputParameter Name=\"Data File\"/>"),
+       "bad path"},
   };
-  const Case cases[] = {
-      {"a constraint check", constraintCheck("k", body), {"k"}},
-      {"no checkType", "<Check><ID>k</ID>" + dataFile + "</Check>", {}},
-      {"another checkType", "<Check><ID checkType=\"Other\">k</ID>" + dataFile + "</Check>", {}},
-      {"InputParameters before ID",
-       "<Check>" + dataFile + "<ID checkType=\"BlockConstraintCheck\">k</ID></Check>",
-       {}},
-      {"other children of the list", "<Note/>" + constraintCheck("k", body), {"k"}},
-      {"a repeated check ID", constraintCheck("k", body) + constraintCheck("k", ""), {"k", "k"}},
-      {"a parameter of another name",
-       "<Check><ID checkType=\"BlockConstraintCheck\">k</ID><InputParameters>"
-       "<InputParameter Name=\"Other\"/></InputParameters></Check>",
-       {"k"}},
-  };
-  for (const Case& c : cases) {
-    BlockParamConstraintData data(parse(configuration(c.checks)));
-    EXPECT_EQ(data.getConstraintCheckIds(), c.checkIds) << c.what;
-    auto check = data.getCheckData("k");
-    EXPECT_EQ(check != nullptr, !c.checkIds.empty()) << c.what;
-    if (check && std::string(c.what) == "a repeated check ID") {
-      EXPECT_TRUE(check->hasCompositeConstraints()) << "the first data stays";
-    }
-  }
-  EXPECT_EQ(BlockParamConstraintData(parse(configuration(constraintCheck("k", body))))
-                .getCheckData("nope"),
-            nullptr);
-
-  // What the reader cannot do without passes the property tree's exception through.
-  EXPECT_THROW(BlockParamConstraintData(parse("<RAConfiguration/>")),
-               boost::property_tree::ptree_bad_path);
-  EXPECT_THROW(BlockParamConstraintData(parse(configuration(
-                   "<Check><ID checkType=\"BlockConstraintCheck\">k</ID><InputParameters>"
-                   "<InputParameter Name=\"Data File\"/></InputParameters></Check>"))),
-               boost::property_tree::ptree_bad_path);
+  for (const auto& c : cases) EXPECT_EQ(checksIn(configuration(c.checks)), c.expected) << c.what;
+  EXPECT_EQ(checksIn("<RAConfiguration/>"), "bad path");
 }
 
 TEST(BlockParamConstraintData, DuplicateUnknownAndDefaultedElements) {
@@ -124,9 +127,9 @@ TEST(BlockParamConstraintData, DuplicateUnknownAndDefaultedElements) {
   ASSERT_TRUE(check);
   const auto& byId = check->getConstraintsById();
   EXPECT_EQ(byId.size(), 4u) << "'', 'd', 'x', 't'";
-  auto empty = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at(""));
-  EXPECT_EQ(empty->getParameterName(), "Gain") << "the first constraint without id stays";
-  auto d = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at("d"));
+  EXPECT_EQ(parameterConstraint(check, "")->getParameterName(), "Gain")
+      << "the first constraint without id stays";
+  auto d = parameterConstraint(check, "d");
   EXPECT_EQ(d->getParameterName(), "First");
   EXPECT_EQ(d->getValueOperator(), "or") << "empty operator text";
   EXPECT_EQ(d->getPreRequisiteConstraintIDs(), (std::vector<std::string>{"nowhere", "x"}));
@@ -155,13 +158,11 @@ TEST(BlockParamConstraintData, ValueFormsFollowTheDataTypeKnownAtThatMoment) {
     <PositiveBlockParameterConstraint id="late" BlockType="Gain">
       <value>early</value><parameter type="struct">Gain</parameter></PositiveBlockParameterConstraint>)");
   ASSERT_TRUE(check);
-  const auto& byId = check->getConstraintsById();
-  auto s = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at("s"));
-  EXPECT_EQ(s->getConstraintValue().at(0).asMap(),
+  EXPECT_EQ(parameterConstraint(check, "s")->getConstraintValue().at(0).asMap(),
             (ConstraintValue::Map{{"name", "x"}, {"scope", "Local"}}));
-  auto a = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at("a"));
-  EXPECT_EQ(a->getConstraintValue().at(0).asVector(), (ConstraintValue::Vector{"a", "c"}));
-  auto late = std::dynamic_pointer_cast<BlockParameterConstraint>(byId.at("late"));
+  EXPECT_EQ(parameterConstraint(check, "a")->getConstraintValue().at(0).asVector(),
+            (ConstraintValue::Vector{"a", "c"}));
+  auto late = parameterConstraint(check, "late");
   EXPECT_EQ(late->getConstraintValue().at(0).asString(), "early");
   late->setCurrentValue(ParameterValue(ConstraintValue::Map{{"a", "1"}}));
   EXPECT_THROW(late->check(), boost::bad_any_cast) << "the run of the check ends here";
