@@ -1,8 +1,8 @@
 // The block constraint check: its data read from a customization file (the order rules,
-// duplicate and unknown IDs, value forms), the values read from the host, the evaluation
-// protocol (prerequisites, caching by subject, composites) and the verdicts of whole checks on
-// host blocks. The worked example of the user guide is judged end to end by the example
-// scenario.
+// duplicate and unknown IDs, value forms), the values read from the host and the evaluation
+// protocol (prerequisites, caching by subject, composites). Whole checks over host blocks are
+// judged end to end by the scenario constraints_modelparam and, for the worked example of the
+// user guide, by the example scenario.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -16,7 +16,6 @@
 #include <thread>
 #include <vector>
 
-#include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
 #include "host/model/diagramediting.h"
 #include "src/constraints/bkeditblock.h"
@@ -24,7 +23,6 @@
 #include "src/constraints/blocktypeconstraint.h"
 #include "src/constraints/compositeconstraint.h"
 #include "src/constraints/modelparameterconstraint.h"
-#include "src/hostinterface.h"
 #include "tests/src/blockline.h"
 
 namespace bkedittimecheck::testing {
@@ -380,50 +378,6 @@ TEST_F(ProtocolTest, CompositeOperatorsAndShortCircuits) {
 }
 
 using CheckDataTest = ConstraintFixture;
-
-// Whole checks over host blocks: which constraints concern a block, composites in file order.
-// A range behind a model setting that holds or not is the scenario constraints_modelparam's.
-TEST_F(CheckDataTest, VerdictsOfWholeChecks) {
-  const std::string g = R"(
-    <PositiveBlockParameterConstraint id="g" BlockType="Gain"><parameter type="double">Gain</parameter>
-      <operator>range</operator><value>0</value><value>10</value><dependson>m</dependson>
-    </PositiveBlockParameterConstraint>
-    <PositiveModelParameterConstraint id="m"><parameter>SolverType</parameter><value>fixed</value>
-    </PositiveModelParameterConstraint>)";
-  const std::string t = R"(<PositiveBlockTypeConstraint id="t">
-    <BlockType>Gain</BlockType><BlockType>Constant</BlockType></PositiveBlockTypeConstraint>)";
-  const auto all = [](const std::string& id) {
-    return "<CompositeConstraint><ID>" + id + "</ID><operator>and</operator></CompositeConstraint>";
-  };
-  struct Case {
-    const char* what;
-    std::string blockConstraints, solver;
-    std::string passes;  // the verdicts for Gain 5, Gain 50, Constant and Sum, '1' for a pass
-  };
-  const Case cases[] = {
-      {"a model constraint named directly is skipped", g + all("m"), "variable", "1111"},
-      {"a block type constraint concerns every block", t + all("t"), "fixed", "1110"},
-      {"two composites: a block must pass both", g + t + all("t") + all("g"), "fixed", "1010"},
-      {"constraints without composite", g, "fixed", "1111"},
-  };
-  BKBlock* blocks[] = {add("g5 Gain Gain=5"), add("g50 Gain Gain=50"), add("c Constant"),
-                       add("s Sum")};
-  for (const Case& c : cases) {
-    diagram->editing().setModelParam("SolverType", std::string(c.solver));
-    auto check = readOne(c.blockConstraints);
-    ASSERT_TRUE(check) << c.what;
-    EXPECT_EQ(check->hasCompositeConstraints(),
-              c.blockConstraints.find("Composite") != std::string::npos);
-    refreshModelParameterConstraints(diagram, check->getModelParameterConstraintsByName());
-    const auto wanted = check->getBlockParameterConstraintsByBlockType();
-    for (std::size_t i = 0; i < std::size(blocks); ++i) {
-      auto found = wanted.find(typeNameOf(blocks[i]));
-      auto snap =
-          snapshot(blocks[i], found == wanted.end() ? decltype(found->second){} : found->second);
-      EXPECT_EQ(check->checkBlock(snap), c.passes[i] == '1') << c.what << ", block " << i;
-    }
-  }
-}
 
 // How the values under judgement are read from the host: block parameters captured into a
 // snapshot by type code and data type, model parameters read from the active configuration set.
