@@ -44,8 +44,6 @@ for _, s in ipairs(signs) do
   expect.eq(c.Status, holds, "status kept")
 
   refuses(function() c:addPreRequisiteConstraintObject(42) end, "UnsupportedPreReqType", "a number as prerequisite")
-  c:addPreRequisiteConstraintID("modelSetting")
-  expect.eq(c:getPreRequisiteConstraintIDs()[1], "modelSetting", "prerequisite ID")
 end
 
 -- Values keep the shape their data type gives them; nxarray values are not kept.

@@ -94,33 +94,28 @@ TEST_F(ControllerLuaTest, ANewEngineReadsThePreferenceAfterTheSetupFunction) {
   EXPECT_TRUE(engine->getAlgorithmTable().showWarnings);
 }
 
-// A host-language object standing for a model parameter constraint of the host language's own
-// classes: its properties are what the prerequisite copy reads.
-class ForeignConstraint : public ncos::Wrappable {
- public:
-  std::map<std::string, nxArray> properties;
-};
-
-// Read-only: the copy only reads.
+// A model parameter constraint of the host language's own classes, whose properties the
+// prerequisite copy reads; each property answers one fixed value, whatever the object.
 struct ForeignProperty : ncos::COSPropInfo {
-  explicit ForeignProperty(std::string name) : name(std::move(name)) {}
+  ForeignProperty(std::string name, nxArray value) : name(std::move(name)), value(value) {}
   const char* getName() const override { return name.c_str(); }
   unsigned getAttributes() const override { return 0; }
-  nxArrayProxy getValue(const ncos::COSInterfacePtr& object) const override {
-    return nxArrayProxy(static_cast<ForeignConstraint*>(object->native())->properties.at(name));
-  }
+  nxArrayProxy getValue(const ncos::COSInterfacePtr&) const override { return nxArrayProxy(value); }
   void setValue(const ncos::COSInterfacePtr&, const nxArrayProxy&) const override {}
   std::string name;
+  nxArray value;
 };
 
-class ForeignClass : public ncos::factory::NcosFactoryClassInfo {
- public:
+struct ForeignClass : ncos::factory::NcosFactoryClassInfo {
   ForeignClass() : NcosFactoryClassInfo("PositiveModelParameterConstraint", "a foreign class") {}
-
- protected:
   void populate() override {
-    for (const char* p : {"SupportedParameterValues", "ID", "ParameterName", "ParameterDataType"}) {
-      addProperty(std::make_unique<ForeignProperty>(p));
+    const std::pair<const char*, nxArray> properties[] = {
+        {"SupportedParameterValues", nxArray::cellRow({nxArray::charRow("on")})},
+        {"ID", nxArray::charRow("fm")},
+        {"ParameterName", nxArray::charRow("InlineParams")},
+        {"ParameterDataType", nxArray::charRow("string")}};
+    for (const auto& [name, value] : properties) {
+      addProperty(std::make_unique<ForeignProperty>(name, value));
     }
   }
 };
@@ -130,17 +125,12 @@ class ForeignClass : public ncos::factory::NcosFactoryClassInfo {
 TEST_F(ControllerLuaTest, ConstraintPrerequisitesAsHostLanguageObjects) {
   ncos::omGetSubPackage(ncos::omGetGlobalPackage("Auditor"), "authoring")
       ->addClass(std::make_unique<ForeignClass>());
-  auto foreign = std::make_shared<ForeignConstraint>();
-  foreign->properties = {{"SupportedParameterValues", nxArray::cellRow({nxArray::charRow("on")})},
-                         {"ID", nxArray::charRow("fm")},
-                         {"ParameterName", nxArray::charRow("InlineParams")},
-                         {"ParameterDataType", nxArray::charRow("string")}};
   ASSERT_EQ(lua->runString("function keepForeign(o) foreign = o end"), std::nullopt);
   lua->callFunction(
       "keepForeign", 0,
       {nxArray::objectScalar(ncos::COSInterface::makeOwned(
           ncos::COSPackage::findClass("Auditor.authoring.PositiveModelParameterConstraint"),
-          foreign))});
+          std::make_shared<ncos::Wrappable>()))});
   const char* script = R"(
     local p = Auditor.authoring.PositiveBlockParameterConstraint()
     p:addPreRequisiteConstraintObject(foreign)

@@ -53,19 +53,20 @@ TEST_F(EditTimeStylerTest, StylingPassStepOrder) {
   store.add(record(4, 3, "ex"));  // exempted rule-auditor warning
   store.add(record(5, 0));        // edit-time warning and exempted auditor warning
   store.add(record(5, 3, "ex"));
-  store.add(record(6, 4, "ex"));       // exempted rule-auditor error
-  store.add(record(7, 4));             // rule-auditor error
-  store.add(record(8, 0, "c", true));  // commented edit-time warning
-  store.add(record(9, 5));             // severity 5 takes part in no step
-  store.add(record(10, 3));            // a block deleted since
+  store.add(record(6, 4, "ex"));        // exempted rule-auditor error
+  store.add(record(7, 4));              // rule-auditor error
+  store.add(record(8, 0, "c", true));   // commented edit-time warning
+  store.add(record(9, 5));              // severity 5 takes part in no step
+  store.add(record(10, 3));             // a block deleted since
   store.add(record(11, 3, "a", true));  // a live auditor warning behind a commented one
   store.add(record(11, 3, "b"));
   excluded = {"ex"};
   dead = {10};
   styling.applyStyling();
   // Block 5: step 3 takes back what step 2 gave.
-  const std::vector<Classes> expected = {{L"Warn"}, {L"Error"}, {L"Warn"}, {}, {},
-                                         {L"Error"}, {L"Error", L"Warn"}, {}, {}, {}, {L"Warn"}};
+  const std::vector<Classes> expected = {{L"Warn"},  {L"Error"},          {L"Warn"}, {}, {},
+                                         {L"Error"}, {L"Error", L"Warn"}, {},        {}, {},
+                                         {L"Warn"}};
   for (std::size_t h = 1; h <= expected.size(); ++h) {
     EXPECT_EQ(classes(static_cast<double>(h)), expected[h - 1]) << h;
   }
@@ -77,26 +78,21 @@ TEST_F(EditTimeStylerTest, StylingPassStepOrder) {
   EXPECT_TRUE(store.pendingClears().empty());
 }
 
+// The switches' own codes and their order are followed through the engine in the switch tests.
 TEST_F(EditTimeStylerTest, RemovalPassByCode) {
-  const auto fill = [this] {
-    store.add(record(1, 3));  // only a rule-auditor warning
+  for (const std::uint32_t code : {11u, 2u}) {
     store.add(record(2, 3));  // rule-auditor and edit-time warnings
     store.add(record(2, 0));
-    store.add(record(3, 1));  // two errors
+    store.add(record(3, 1));  // an edit-time and a rule-auditor error
     store.add(record(3, 4));
     styling.applyStyling();
-  };
-  // The switches' own codes are followed through the engine in the switch tests.
-  fill();
-  styling.removeStyling(11);
-  EXPECT_EQ(classes(3), Classes{L"Warn"});      // the rule-auditor error's "Warn" is not touched
-  EXPECT_EQ(store.violationsOf(3).size(), 1u);  // one error per call
-
-  fill();
-  styling.removeStyling(2);  // any other code: classes off, store unchanged
-  EXPECT_EQ(classes(2), Classes{});
-  EXPECT_EQ(classes(3), Classes{L"Warn"});
-  EXPECT_EQ(store.violationsOf(3).size(), 2u);
+    styling.removeStyling(code);
+    // Errors off takes one error a call and leaves the warnings; any other code takes the
+    // classes off and leaves the store. The rule-auditor error's "Warn" is never touched.
+    EXPECT_EQ(classes(2), code == 11 ? Classes{L"Warn"} : Classes{}) << code;
+    EXPECT_EQ(classes(3), Classes{L"Warn"}) << code;
+    EXPECT_EQ(store.violationsOf(3).size(), code == 11 ? 1u : 2u) << code;
+  }
 }
 
 // The pass that visits only touched blocks leaves every block with the classes the pass over
@@ -121,17 +117,36 @@ TEST_F(EditTimeStylerTest, TouchedBlocksOnlyMatchesTheWholeStorePass) {
       change(store, styler);
     };
     switch (random() % 10) {
-      case 0: case 1: case 2: both([&](auto& db, auto&) { db.add(r); }); break;
-      case 3: case 4: both([&](auto& db, auto&) { db.remove(r); }); break;
-      case 5: both([&](auto& db, auto&) { db.removeByCheck(h, r->checkId); }); break;
-      case 6: both([&](auto& db, auto&) { db.removeByType("b", "T"); }); break;
-      case 7: both([&](auto&, auto& st) { st.applyClass(h, foreignClass); }); break;
+      case 0:
+      case 1:
+      case 2:
+        both([&](auto& db, auto&) { db.add(r); });
+        break;
+      case 3:
+      case 4:
+        both([&](auto& db, auto&) { db.remove(r); });
+        break;
+      case 5:
+        both([&](auto& db, auto&) { db.removeByCheck(h, r->checkId); });
+        break;
+      case 6:
+        both([&](auto& db, auto&) { db.removeByType("b", "T"); });
+        break;
+      case 7:
+        both([&](auto&, auto& st) { st.applyClass(h, foreignClass); });
+        break;
       case 8:
-        if (dead.count(h)) dead.erase(h); else dead.insert(h);
+        if (dead.count(h))
+          dead.erase(h);
+        else
+          dead.insert(h);
         ++standing;
         break;
       default:
-        if (excluded.count("b")) excluded.erase("b"); else excluded.insert("b");
+        if (excluded.count("b"))
+          excluded.erase("b");
+        else
+          excluded.insert("b");
         ++standing;
     }
     if (random() % 3 == 0) {
