@@ -53,20 +53,19 @@ TEST_F(EditTimeStylerTest, StylingPassStepOrder) {
   store.add(record(4, 3, "ex"));  // exempted rule-auditor warning
   store.add(record(5, 0));        // edit-time warning and exempted auditor warning
   store.add(record(5, 3, "ex"));
-  store.add(record(6, 4, "ex"));        // exempted rule-auditor error
-  store.add(record(7, 4));              // rule-auditor error
-  store.add(record(8, 0, "c", true));   // commented edit-time warning
-  store.add(record(9, 5));              // severity 5 takes part in no step
-  store.add(record(10, 3));             // a block deleted since
+  store.add(record(6, 4, "ex"));       // exempted rule-auditor error
+  store.add(record(7, 4));             // rule-auditor error
+  store.add(record(8, 0, "c", true));  // commented edit-time warning
+  store.add(record(9, 5));             // severity 5 takes part in no step
+  store.add(record(10, 3));            // a block deleted since
   store.add(record(11, 3, "a", true));  // a live auditor warning behind a commented one
   store.add(record(11, 3, "b"));
   excluded = {"ex"};
   dead = {10};
   styling.applyStyling();
   // Block 5: step 3 takes back what step 2 gave.
-  const std::vector<Classes> expected = {{L"Warn"},  {L"Error"},          {L"Warn"}, {}, {},
-                                         {L"Error"}, {L"Error", L"Warn"}, {},        {}, {},
-                                         {L"Warn"}};
+  const std::vector<Classes> expected = {{L"Warn"}, {L"Error"}, {L"Warn"}, {}, {},
+                                         {L"Error"}, {L"Error", L"Warn"}, {}, {}, {}, {L"Warn"}};
   for (std::size_t h = 1; h <= expected.size(); ++h) {
     EXPECT_EQ(classes(static_cast<double>(h)), expected[h - 1]) << h;
   }
@@ -117,36 +116,17 @@ TEST_F(EditTimeStylerTest, TouchedBlocksOnlyMatchesTheWholeStorePass) {
       change(store, styler);
     };
     switch (random() % 10) {
-      case 0:
-      case 1:
-      case 2:
-        both([&](auto& db, auto&) { db.add(r); });
-        break;
-      case 3:
-      case 4:
-        both([&](auto& db, auto&) { db.remove(r); });
-        break;
-      case 5:
-        both([&](auto& db, auto&) { db.removeByCheck(h, r->checkId); });
-        break;
-      case 6:
-        both([&](auto& db, auto&) { db.removeByType("b", "T"); });
-        break;
-      case 7:
-        both([&](auto&, auto& st) { st.applyClass(h, foreignClass); });
-        break;
+      case 0: case 1: case 2: both([&](auto& db, auto&) { db.add(r); }); break;
+      case 3: case 4: both([&](auto& db, auto&) { db.remove(r); }); break;
+      case 5: both([&](auto& db, auto&) { db.removeByCheck(h, r->checkId); }); break;
+      case 6: both([&](auto& db, auto&) { db.removeByType("b", "T"); }); break;
+      case 7: both([&](auto&, auto& st) { st.applyClass(h, foreignClass); }); break;
       case 8:
-        if (dead.count(h))
-          dead.erase(h);
-        else
-          dead.insert(h);
+        if (dead.count(h)) dead.erase(h); else dead.insert(h);
         ++standing;
         break;
       default:
-        if (excluded.count("b"))
-          excluded.erase("b");
-        else
-          excluded.insert("b");
+        if (excluded.count("b")) excluded.erase("b"); else excluded.insert("b");
         ++standing;
     }
     if (random() % 3 == 0) {
