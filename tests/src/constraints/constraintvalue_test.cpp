@@ -17,15 +17,10 @@ namespace {
 using Map = ConstraintValue::Map;
 using Vector = ConstraintValue::Vector;
 
-template <class T>
-std::vector<ConstraintValue> one(T value) {
-  return {ConstraintValue(std::move(value))};
-}
-
-std::vector<ConstraintValue> texts(std::vector<std::string> values) {
-  std::vector<ConstraintValue> out;
-  for (auto& v : values) out.emplace_back(std::move(v));
-  return out;
+// The items of a constraint, each made from text, fields or elements.
+template <class... T>
+std::vector<ConstraintValue> items(T... values) {
+  return {ConstraintValue(std::move(values))...};
 }
 
 const std::string yes = "match", no = "no match";
@@ -55,70 +50,62 @@ std::string outcome(const MatchCase& c) {
 
 TEST(MatchesConstraintValues, EveryOperatorDataTypeAndFailure) {
   const MatchCase cases[] = {
-      {"or: some element", "b", texts({"a", "b"}), "or", "string", yes},
-      {"or: none", "c", texts({"a", "b"}), "or", "string", no},
-      {"or: an empty element never matches", "", texts({"a", ""}), "or", "string", no},
-      {"eq: bytes", "1", texts({"1"}), "eq", "double", yes},
-      {"eq: no number reading", "1", texts({"1.0"}), "eq", "double", no},
-      {"regex: the whole string", "abc", texts({"a.c"}), "regex", "string", yes},
-      {"regex: a middle part is no match", "abc", texts({"b"}), "regex", "string", no},
-      {"regex: case sensitive", "ABC", texts({"a.c"}), "regex", "string", no},
-      {"range: ends in either order, lower included", "0", texts({"10", "0"}), "range", "double",
+      {"or: some element", "b", items("a", "b"), "or", "string", yes},
+      {"or: none", "c", items("a", "b"), "or", "string", no},
+      {"or: an empty element never matches", "", items("a", ""), "or", "string", no},
+      {"eq: bytes", "1", items("1"), "eq", "double", yes},
+      {"eq: no number reading", "1", items("1.0"), "eq", "double", no},
+      {"regex: the whole string", "abc", items("a.c"), "regex", "string", yes},
+      {"regex: a middle part is no match", "abc", items("b"), "regex", "string", no},
+      {"regex: case sensitive", "ABC", items("a.c"), "regex", "string", no},
+      {"range: ends in either order, lower included", "0", items("10", "0"), "range", "double",
        yes},
-      {"range: inside", "5", texts({"10", "0"}), "range", "double", yes},
-      {"range: upper excluded", "10", texts({"10", "0"}), "range", "double", no},
-      {"range: one value answers false", "0", texts({"10"}), "range", "double", no},
-      {"gt: a word reads 0.0", "1", texts({"abc"}), "gt", "double", yes},
-      {"gt: equal", "2", texts({"2"}), "gt", "double", no},
-      {"ge: equal", "2", texts({"2"}), "ge", "double", yes},
-      {"lt: numeric prefix", " 3.5x", texts({"4"}), "lt", "double", yes},
-      {"lt: equal", "4", texts({"4"}), "lt", "double", no},
-      {"le: equal", "4", texts({"4.0"}), "le", "double", yes},
-      {"le: 'on' reads 0.0", "on", texts({"-1"}), "le", "logical", no},
-      {"unknown operator", "a", texts({"a"}), "ne", "string", no},
-      {"reserved Selected", "Selected", texts({"Selected"}), "or", "string", no},
-      {"reserved Unselected, any operator", "Unselected", texts({"Unselected"}), "eq", "string",
-       no},
-      {"reserved word only first", "Selected", texts({"x", "Selected"}), "or", "string", yes},
+      {"range: inside", "5", items("10", "0"), "range", "double", yes},
+      {"range: upper excluded", "10", items("10", "0"), "range", "double", no},
+      {"range: one value answers false", "0", items("10"), "range", "double", no},
+      {"gt: a word reads 0.0", "1", items("abc"), "gt", "double", yes},
+      {"gt: equal", "2", items("2"), "gt", "double", no},
+      {"ge: equal", "2", items("2"), "ge", "double", yes},
+      {"lt: numeric prefix", " 3.5x", items("4"), "lt", "double", yes},
+      {"lt: equal", "4", items("4"), "lt", "double", no},
+      {"le: equal", "4", items("4.0"), "le", "double", yes},
+      {"le: 'on' reads 0.0", "on", items("-1"), "le", "logical", no},
+      {"unknown operator", "a", items("a"), "ne", "string", no},
+      {"reserved Selected", "Selected", items("Selected"), "or", "string", no},
+      {"reserved Unselected, any operator", "Unselected", items("Unselected"), "eq", "string", no},
+      {"reserved word only first", "Selected", items("x", "Selected"), "or", "string", yes},
       {"no values", "a", {}, "or", "string", no},
-      {"empty operator", "a", texts({"a"}), "", "string", no},
-      {"empty data type", "a", texts({"a"}), "or", "", no},
-      {"struct: named fields equal", Map{{"a", "1"}, {"b", "2"}}, one(Map{{"a", "1"}}), "or",
+      {"empty operator", "a", items("a"), "", "string", no},
+      {"empty data type", "a", items("a"), "or", "", no},
+      {"struct: named fields equal", Map{{"a", "1"}, {"b", "2"}}, items(Map{{"a", "1"}}), "or",
        "struct", yes},
-      {"struct: a field differs", Map{{"a", "1"}}, one(Map{{"a", "2"}}), "or", "struct", no},
-      {"struct: an item without field", Map{{"a", "1"}}, one(Map{}), "or", "struct", no},
-      {"struct: a field the value lacks", Map{{"a", "1"}}, one(Map{{"c", "1"}}), "or", "struct",
+      {"struct: a field differs", Map{{"a", "1"}}, items(Map{{"a", "2"}}), "or", "struct", no},
+      {"struct: an item without field", Map{{"a", "1"}}, items(Map{}), "or", "struct", no},
+      {"struct: a field the value lacks", Map{{"a", "1"}}, items(Map{{"c", "1"}}), "or", "struct",
        no},
-      {"struct: second item",
-       Map{{"a", "1"}},
-       {ConstraintValue(Map{{"a", "0"}}), ConstraintValue(Map{{"a", "1"}})},
-       "or",
-       "struct",
+      {"struct: second item", Map{{"a", "1"}}, items(Map{{"a", "0"}}, Map{{"a", "1"}}), "or",
+       "struct", yes},
+      {"struct: only 'or'", Map{{"a", "1"}}, items(Map{{"a", "1"}}), "eq", "struct", no},
+      {"array: ascending subset", Vector{"a", "b", "c"}, items(Vector{"a", "c"}), "or", "array",
        yes},
-      {"struct: only 'or'", Map{{"a", "1"}}, one(Map{{"a", "1"}}), "eq", "struct", no},
-      {"array: ascending subset", Vector{"a", "b", "c"}, one(Vector{"a", "c"}), "or", "array", yes},
-      {"array: not ascending", Vector{"a", "b", "c"}, one(Vector{"c", "a"}), "or", "array", no},
-      {"array: an element missing", Vector{"a", "b"}, one(Vector{"a", "d"}), "or", "array", no},
-      {"array: empty item", Vector{"a"}, one(Vector{}), "or", "array", yes},
-      {"array: only 'or'", Vector{"a"}, one(Vector{"a"}), "range", "array", no},
-      {"nxarray never matches", "a", texts({"a"}), "or", "nxarray", no},
+      {"array: not ascending", Vector{"a", "b", "c"}, items(Vector{"c", "a"}), "or", "array", no},
+      {"array: an element missing", Vector{"a", "b"}, items(Vector{"a", "d"}), "or", "array", no},
+      {"array: empty item", Vector{"a"}, items(Vector{}), "or", "array", yes},
+      {"array: only 'or'", Vector{"a"}, items(Vector{"a"}), "range", "array", no},
+      {"nxarray never matches", "a", items("a"), "or", "nxarray", no},
       // A data type that disagrees with the items or the value, and the regular expression
       // library's errors, leave the comparison: they end the run of the check.
-      {"a text item under struct", Map{{"a", "1"}}, texts({"x"}), "or", "struct", "bad_any_cast"},
-      {"a map item under a text type", "x", one(Map{{"a", "1"}}), "or", "string", "bad_any_cast"},
-      {"a vector item under array after a miss",
-       Vector{"a"},
-       {ConstraintValue(Vector{"z"}), ConstraintValue("a")},
-       "or",
-       "array",
-       "bad_any_cast"},
-      {"a map value under a text type", Map{{"a", "1"}}, texts({"x"}), "or", "string",
+      {"a text item under struct", Map{{"a", "1"}}, items("x"), "or", "struct", "bad_any_cast"},
+      {"a map item under a text type", "x", items(Map{{"a", "1"}}), "or", "string", "bad_any_cast"},
+      {"a vector item under array after a miss", Vector{"a"}, items(Vector{"z"}, "a"), "or",
+       "array", "bad_any_cast"},
+      {"a map value under a text type", Map{{"a", "1"}}, items("x"), "or", "string",
        "bad_variant_access"},
-      {"a text value under struct", "x", one(Map{{"a", "1"}}), "or", "struct",
+      {"a text value under struct", "x", items(Map{{"a", "1"}}), "or", "struct",
        "bad_variant_access"},
-      {"a text value under array", "x", one(Vector{"a"}), "or", "array", "bad_variant_access"},
-      {"a malformed expression", "a", texts({"(a"}), "regex", "string", "regex_error"},
-      {"a pathological expression", std::string(20000, 'a') + "b", texts({"(a+)+$"}), "regex",
+      {"a text value under array", "x", items(Vector{"a"}), "or", "array", "bad_variant_access"},
+      {"a malformed expression", "a", items("(a"), "regex", "string", "regex_error"},
+      {"a pathological expression", std::string(20000, 'a') + "b", items("(a+)+$"), "regex",
        "string", "complexity"},
   };
   for (const MatchCase& c : cases) EXPECT_EQ(outcome(c), c.outcome) << c.what;
