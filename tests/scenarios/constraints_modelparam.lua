@@ -1,8 +1,8 @@
 -- Block constraint checks from a customization file, judged by the engine. Gain blocks must keep
 -- their gain in [0, 10), but only while the solver is not fixed-step: a change of the model
--- parameter switches that rule off and on again. Every block must also be a Gain or a Constant,
--- in a second composite; a composite that names the model constraint itself passes every block,
--- and a check without composites passes every block whatever its constraints say.
+-- parameter switches that rule off and on again. Every block must also be an unmasked Gain or a
+-- Constant, in a second composite; a composite that names the model constraint itself passes
+-- every block, and a check without composites passes every block whatever its constraints say.
 package.path = arg[0]:match("(.*/)") .. "?.lua;" .. package.path
 local expect = require("expect")
 
@@ -32,6 +32,7 @@ d:add("P", "Gain", "Ok", { Gain = "5" })
 d:add("P", "Gain", "Big", { Gain = "12" })
 d:add("P", "Constant", "C")
 d:add("P", "Sum", "S")
+d:add("P", "Gain", "Masked", { Gain = "5", MaskType = "Filter" })
 bkedittimecheck.EditTimeController.getInstance():switchConfiguration(file, "P")
 -- The constraint checks' findings as "PATH CHECK": the file configures no other check.
 local function settles(what, expected)
@@ -42,11 +43,11 @@ local function settles(what, expected)
   end
   expect.lines(out, expected, what)
 end
-local sum = "P/S orvanta.example.Gains"
-settles("variable-step solver", { "P/Big orvanta.example.Gains", sum })
+local big, others = "P/Big orvanta.example.Gains", { "P/Masked orvanta.example.Gains", "P/S orvanta.example.Gains" }
+settles("variable-step solver", { big, table.unpack(others) })
 d:setModelParam("SolverType", "Fixed-step")
-settles("the prerequisite fails: the range is off", { sum })
+settles("the prerequisite fails: the range is off", others)
 d:setModelParam("SolverType", "Variable-step")
-settles("the range is on again", { "P/Big orvanta.example.Gains", sum })
+settles("the range is on again", { big, table.unpack(others) })
 os.remove(file)
 d:close()

@@ -110,7 +110,7 @@ TEST(BlockParamConstraintData, OrderOfTheConfiguration) {
   EXPECT_EQ(checksIn("<RAConfiguration/>"), "bad path");
 }
 
-TEST(BlockParamConstraintData, DuplicateUnknownAndDefaultedElements) {
+TEST(BlockParamConstraintData, DuplicateUnknownAndDefaultedElementsAndValueForms) {
   auto check = readOne(R"(<!-- a comment among the constraints -->
     <PositiveBlockParameterConstraint BlockType="Gain"><parameter>Gain</parameter></PositiveBlockParameterConstraint>
     <NegativeBlockParameterConstraint BlockType="Gain"><parameter>Other</parameter></NegativeBlockParameterConstraint>
@@ -121,10 +121,16 @@ TEST(BlockParamConstraintData, DuplicateUnknownAndDefaultedElements) {
     <NegativeBlockTypeConstraint id="t"><BlockType/><BlockType MaskType="M">Gain</BlockType></NegativeBlockTypeConstraint>
     <Unknown id="u"/>
     <CompositeConstraint><ID>t</ID><ID>t</ID><ID>missing</ID><operator/></CompositeConstraint>
-    <CompositeConstraint><ID>d</ID></CompositeConstraint>)");
+    <CompositeConstraint><ID>d</ID></CompositeConstraint>
+    <PositiveBlockParameterConstraint id="s" BlockType="SubSystem"><parameter type="struct">StateData</parameter>
+      <value><name>x</name><scope>Local</scope></value></PositiveBlockParameterConstraint>
+    <PositiveBlockParameterConstraint id="a" BlockType="Sum"><parameter type="array">Inputs</parameter>
+      <value><element>a</element><skip>b</skip><element>c</element></value></PositiveBlockParameterConstraint>
+    <PositiveBlockParameterConstraint id="late" BlockType="Gain">
+      <value>early</value><parameter type="struct">Gain</parameter></PositiveBlockParameterConstraint>)");
   ASSERT_TRUE(check);
   const auto& byId = check->getConstraintsById();
-  EXPECT_EQ(byId.size(), 4u) << "'', 'd', 'x', 't'";
+  EXPECT_EQ(byId.size(), 7u) << "'', 'd', 'x', 't', 's', 'a', 'late'";
   EXPECT_EQ(parameterConstraint(check, "")->getParameterName(), "Gain")
       << "the first constraint without id stays";
   auto d = parameterConstraint(check, "d");
@@ -135,8 +141,9 @@ TEST(BlockParamConstraintData, DuplicateUnknownAndDefaultedElements) {
   EXPECT_FALSE(byId.at("x")->IsRootConstraint()) << "a prerequisite is no root";
   EXPECT_TRUE(d->IsRootConstraint());
   // The repeat is dropped from the ID map but stays in the per-type lists.
-  EXPECT_EQ(check->getBlockTypeNames(), (std::vector<std::string>{"Gain", "Gain", "Gain", "Sum"}));
-  EXPECT_EQ(check->getConstraintIdsByBlockType().at("Sum"), std::set<std::string>{"d"});
+  EXPECT_EQ(check->getBlockTypeNames(),
+            (std::vector<std::string>{"Gain", "Gain", "Gain", "Sum", "SubSystem", "Sum", "Gain"}));
+  EXPECT_EQ(check->getConstraintIdsByBlockType().at("Sum"), (std::set<std::string>{"a", "d"}));
   auto types = std::dynamic_pointer_cast<BlockTypeConstraint>(byId.at("t"));
   EXPECT_EQ(types->getNumBlockTypeMaskTypePairs(), 1u) << "an empty BlockType is passed over";
   EXPECT_EQ(types->getBlockTypeMaskTypeList().at("Gain"), std::vector<std::string>{"M"});
@@ -145,17 +152,7 @@ TEST(BlockParamConstraintData, DuplicateUnknownAndDefaultedElements) {
   EXPECT_EQ(composites[0]->getCompositeOperator(), "and") << "empty operator text";
   EXPECT_EQ(idsOf(composites[0]->getConstraints()), std::vector<std::string>{"t"});
   EXPECT_EQ(composites[1]->getCompositeOperator(), "") << "no operator: passes everything";
-}
-
-TEST(BlockParamConstraintData, ValueFormsFollowTheDataTypeKnownAtThatMoment) {
-  auto check = readOne(R"(
-    <PositiveBlockParameterConstraint id="s" BlockType="SubSystem"><parameter type="struct">StateData</parameter>
-      <value><name>x</name><scope>Local</scope></value></PositiveBlockParameterConstraint>
-    <PositiveBlockParameterConstraint id="a" BlockType="Sum"><parameter type="array">Inputs</parameter>
-      <value><element>a</element><skip>b</skip><element>c</element></value></PositiveBlockParameterConstraint>
-    <PositiveBlockParameterConstraint id="late" BlockType="Gain">
-      <value>early</value><parameter type="struct">Gain</parameter></PositiveBlockParameterConstraint>)");
-  ASSERT_TRUE(check);
+  // Values take the form of the data type known when they are read.
   EXPECT_EQ(parameterConstraint(check, "s")->getConstraintValue().at(0).asMap(),
             (ConstraintValue::Map{{"name", "x"}, {"scope", "Local"}}));
   EXPECT_EQ(parameterConstraint(check, "a")->getConstraintValue().at(0).asVector(),
@@ -316,16 +313,6 @@ TEST_F(ProtocolTest, BlockWithoutCapturedValueKeepsTheLastOne) {
   EXPECT_TRUE(judge(rule, snapshot(a, {rule})));
   EXPECT_TRUE(judge(rule, snapshot(b))) << "judged by a's value";
   EXPECT_FALSE(judge(rule, snapshot(b, {rule})));
-}
-
-// Listed and unlisted types, positive and negative, are the scenario constraints_authoring's.
-TEST_F(ProtocolTest, TheEmptyMaskTypeIsNoWildcard) {
-  auto positive = std::make_shared<PositiveBlockTypeConstraint>();
-  positive->addBlockMaskPairToList("Gain", "");
-  positive->addBlockMaskPairToList("Gain", "");
-  EXPECT_EQ(positive->getNumBlockTypeMaskTypePairs(), 2u);
-  EXPECT_TRUE(judge(positive, snapshot(add("plain Gain"))));
-  EXPECT_FALSE(judge(positive, snapshot(add("masked Gain MaskType=Filter"))));
 }
 
 TEST_F(ProtocolTest, CompositeOperatorsAndShortCircuits) {

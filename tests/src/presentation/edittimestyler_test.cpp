@@ -26,11 +26,7 @@ std::shared_ptr<EditTimeViolation> record(double handle, std::uint32_t severity,
 
 class EditTimeStylerTest : public ::testing::Test {
  protected:
-  EditTimeStylerTest()
-      : styler(*createEditTimeStyler()),
-        styling(
-            store, styler, [this](double h) { return dead.count(h) == 0; },
-            [this](double, const EditTimeViolation& v) { return excluded.count(v.checkId) > 0; }) {}
+  EditTimeStylerTest() : styler(*createEditTimeStyler()), styling(store, styler, alive, exempt) {}
 
   std::vector<std::wstring> classes(double handle) const { return styler.classesOf(handle); }
 
@@ -38,6 +34,10 @@ class EditTimeStylerTest : public ::testing::Test {
   ds::Styler& styler;
   std::set<double> dead;
   std::set<std::string> excluded;
+  const BlockAlive alive = [this](double h) { return dead.count(h) == 0; };
+  const ViolationExcluded exempt = [this](double, const EditTimeViolation& v) {
+    return excluded.count(v.checkId) > 0;
+  };
   EditTimeStyling styling;
 };
 
@@ -101,10 +101,7 @@ TEST_F(EditTimeStylerTest, TouchedBlocksOnlyMatchesTheWholeStorePass) {
   ViolationDatabase touchedStore;
   ds::Styler touchedStyler{L"s", L"", 0.0};
   std::uint64_t standing = 0;
-  EditTimeStyling touchedOnly(
-      touchedStore, touchedStyler, [this](double h) { return dead.count(h) == 0; },
-      [this](double, const EditTimeViolation& v) { return excluded.count(v.checkId) > 0; },
-      [&] { return standing; });
+  EditTimeStyling touchedOnly(touchedStore, touchedStyler, alive, exempt, [&] { return standing; });
   std::mt19937 random(11);
   const std::vector<std::string> checks{"a", "b", "ex"};
   for (int step = 0; step < 3000; ++step) {
