@@ -29,6 +29,7 @@ namespace {
 namespace fs = std::filesystem;
 namespace pt = boost::property_tree;
 using Prefs = bk::bkedittimecheck::bkutils::EditTimePreferences;
+using Selector = EditTimeCheckSelector;
 
 // A fresh folder of this test's own, with the preference and installation folders in it.
 class EditTimeCheckSelectorTest : public ::testing::Test {
@@ -84,7 +85,7 @@ TEST_F(EditTimeCheckSelectorTest, PreferenceFileWinsOverGivenPathWhichWinsOverIn
 
 TEST_F(EditTimeCheckSelectorTest, LoadingPublishesTheSelectionAndAnswersPerCheck) {
   EditTimeAlgorithms::setInputParametersChanged(false);
-  EditTimeCheckSelector::loadCheckSelection(
+  Selector::loadCheckSelection(
       write(base / "given.xml",
             "<Check><ID>a</ID><Selected>true</Selected><InputParameters><InputParameter Name=\"x\">"
             "<Value>1</Value></InputParameter></InputParameters></Check>"
@@ -100,31 +101,30 @@ TEST_F(EditTimeCheckSelectorTest, LoadingPublishesTheSelectionAndAnswersPerCheck
             (std::map<std::string, bool>{
                 {"", true}, {"a", true}, {"d", false}, {"e", false}, {"f", false}}));
   // For the checks' own entries every ID child counts, also one behind "Selected".
-  const pt::ptree entry = EditTimeCheckSelector::getCheckConfiguration("a");
+  const pt::ptree entry = Selector::getCheckConfiguration("a");
   EXPECT_EQ(entry.get<std::string>("InputParameters.InputParameter.Value"), "1");
-  EXPECT_EQ(EditTimeCheckSelector::getCheckConfiguration("late").get<std::string>("ID"), "late");
-  EXPECT_TRUE(EditTimeCheckSelector::getCheckConfiguration("missing").empty());
+  EXPECT_EQ(Selector::getCheckConfiguration("late").get<std::string>("ID"), "late");
+  EXPECT_TRUE(Selector::getCheckConfiguration("missing").empty());
 }
 
 TEST_F(EditTimeCheckSelectorTest, NoFileChangesNothingAndABadFileThrows) {
-  EditTimeCheckSelector::loadCheckSelection(
+  Selector::loadCheckSelection(
       write(base / "root.xml", "<Check><ID>kept</ID><Selected>true</Selected></Check>"));
-  EditTimeCheckSelector::loadCheckSelection(L"");  // nothing anywhere
-  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap().count("kept"), 1u);
+  Selector::loadCheckSelection(L"");  // nothing anywhere
+  EXPECT_EQ(Selector::getCheckSelectionMap().count("kept"), 1u);
 
   // The file goes through the guarded reader, which refuses nesting that would exhaust the stack.
   std::string deep = "<RAConfiguration>";
   for (int i = 0; i < 100000; ++i) deep += "<CheckCellArray>";
-  EXPECT_THROW(EditTimeCheckSelector::loadCheckSelection(writeFile(base / "deep.xml", deep)),
+  EXPECT_THROW(Selector::loadCheckSelection(writeFile(base / "deep.xml", deep)),
                pt::xml_parser_error);
   // A file that does not parse replaces nothing: the checks still find their old entries.
-  EXPECT_EQ(EditTimeCheckSelector::getCheckConfiguration("kept").get<std::string>("ID"), "kept");
-  EXPECT_THROW(EditTimeCheckSelector::loadCheckSelection(
-                   writeFile(base / "empty.xml", "<RAConfiguration/>")),
+  EXPECT_EQ(Selector::getCheckConfiguration("kept").get<std::string>("ID"), "kept");
+  EXPECT_THROW(Selector::loadCheckSelection(writeFile(base / "empty.xml", "<RAConfiguration/>")),
                pt::ptree_bad_path);
-  EXPECT_EQ(EditTimeCheckSelector::getCheckSelectionMap().count("kept"), 1u);
+  EXPECT_EQ(Selector::getCheckSelectionMap().count("kept"), 1u);
   // The tree is already the new one: the lookup of an entry now fails.
-  EXPECT_THROW(EditTimeCheckSelector::getCheckConfiguration("kept"), pt::ptree_bad_path);
+  EXPECT_THROW(Selector::getCheckConfiguration("kept"), pt::ptree_bad_path);
 }
 
 // One exclusion: rules (each "Type|SID|paramValue", SID "-" for none) and check IDs.
