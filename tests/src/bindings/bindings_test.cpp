@@ -39,7 +39,7 @@ class ControllerLuaTest : public EngineFixture {
   std::unique_ptr<blockara::LuaHost> lua;
 };
 
-TEST_F(ControllerLuaTest, EveryMethodAnswersAndActs) {
+TEST_F(ControllerLuaTest, EveryMethodAnswersAndActsAndUnknownNamesAreNoError) {
   BKRootBD* d = open(u"m");
   BKBlock* go = d->editing().addBlock(u"m", "Goto", u"go");
   auto engine = engineOf(u"m");
@@ -65,9 +65,7 @@ TEST_F(ControllerLuaTest, EveryMethodAnswersAndActs) {
   EXPECT_EQ(run("c:disableRA('m') c:off('m') c:on('m') c:postNameChange('m', 'm')"), "");
   EXPECT_FALSE(engine->getAlgorithmTable().auditorChecksEnabled);
   EXPECT_NE(engineOf(u"m"), engine);
-}
-
-TEST_F(ControllerLuaTest, UnknownNamesAreNoErrorAndOneArgumentGetViolationsPrintsTheName) {
+  // Unknown names are no error; a one-argument "getViolations" prints the name.
   EXPECT_EQ(run("c:on('nowhere') c:off('nowhere') c:applyStyle('nowhere', 1)"), "");
   EXPECT_NE(run("c:applyStyle('m')"), "");  // wrong arguments are a Lua error
   ::testing::internal::CaptureStdout();

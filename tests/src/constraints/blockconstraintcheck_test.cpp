@@ -23,7 +23,6 @@
 #include "src/constraints/blocktypeconstraint.h"
 #include "src/constraints/compositeconstraint.h"
 #include "src/constraints/modelparameterconstraint.h"
-#include "tests/src/blockline.h"
 
 namespace bkedittimecheck::testing {
 namespace {
@@ -175,12 +174,6 @@ class ConstraintTest : public ::testing::Test {
   void SetUp() override { diagram = bkBlockDiagramSet::create(u"cx"); }
   void TearDown() override { bkBlockDiagramSet::close(diagram); }
 
-  /// Adds the block `line` describes ("NAME TYPE [KEY=VALUE ...]") to the root system.
-  BKBlock* add(const std::string& line) {
-    const BlockLine b(u"cx", line);
-    return diagram->editing().addBlock(b.system, b.type, b.name, b.props);
-  }
-
   /// The rule-auditor snapshot of `block`, with the parameters `constraints` name captured.
   static std::shared_ptr<bkEditBlock> snapshot(
       BKBlock* block, std::vector<std::shared_ptr<BlockParameterConstraint>> constraints = {}) {
@@ -296,8 +289,8 @@ TEST_F(ConstraintTest, ModelValueChangesWhileTheWorkerJudges) {
 }
 
 TEST_F(ConstraintTest, BlockWithoutCapturedValueKeepsTheLastOne) {
-  BKBlock* a = add("a Gain Gain=yes");
-  BKBlock* b = add("b Gain Gain=no");
+  BKBlock* a = diagram->editing().addBlock(u"cx", "Gain", u"a", {{"Gain", std::string("yes")}});
+  BKBlock* b = diagram->editing().addBlock(u"cx", "Gain", u"b", {{"Gain", std::string("no")}});
   auto rule = yesRule("r", "");
   rule->setParameterName("Gain");
   EXPECT_TRUE(judge(rule, snapshot(a, {rule})));
@@ -397,8 +390,7 @@ TEST_F(ConstraintTest, ModelValuesFromTheActiveConfigurationSet) {
     auto constraint = wants<NegativeModelParameterConstraint>(c.parameter, c.dataType);
     constraint->setCurrentValue(ParameterValue(std::string("before")));
     constraint->setWasChecked(true);
-    ModelParameterConstraintsByName byName{{c.parameter, {constraint}}};
-    refreshModelParameterConstraints(diagram, byName);
+    refreshModelParameterConstraints(diagram, {{c.parameter, {constraint}}});
     EXPECT_EQ(constraint->getCurrentValue(), c.expected) << c.what;
     EXPECT_EQ(!constraint->WasChecked(), c.stale) << c.what;
   }
