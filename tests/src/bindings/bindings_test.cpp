@@ -48,12 +48,11 @@ TEST_F(ControllerLuaTest, EveryMethodAnswersAndActsAndUnknownNamesAreNoError) {
   const std::string handle = std::to_string(go->getHandle());
 
   // Every bound method answers from Lua; what each does is the switch and controller tests'.
+  // (getInstance, switchConfiguration, refreshExclusions and enableRA also answer in scenarios.)
   for (const std::string& call : std::vector<std::string>{
-           "assert(c == bkedittimecheck.EditTimeController.getInstance())",
-           "c:applyStyle('m', " + id + ")", "c:updateDiagnostic('m')", "c:refreshExclusions('m')",
+           "c:applyStyle('m', " + id + ")", "c:updateDiagnostic('m')",
            "c:refreshExclusionsWithPartFile('m', '/tmp/none.xml')",
-           "assert(#c:getViolations('m', " + handle + ") == 0)",
-           "c:switchConfiguration('/tmp/none.xml', 'm')", "c:loadDefaultConfiguration('m')",
+           "assert(#c:getViolations('m', " + handle + ") == 0)", "c:loadDefaultConfiguration('m')",
            "c:handleNewWindowOpen('m')", "c:refreshBlockaraStatePortChecks('m', " + handle + ")",
            "c:refreshWorkspaceChecks('m')", "c:turnOffErrorsAndWarnings('m')",
            "c:turnOnErrors('m')", "c:turnOnWarnings('m')", "c:turnOffErrors('m')",
@@ -107,14 +106,11 @@ struct ForeignProperty : ncos::COSPropInfo {
 struct ForeignClass : ncos::factory::NcosFactoryClassInfo {
   ForeignClass() : NcosFactoryClassInfo("PositiveModelParameterConstraint", "a foreign class") {}
   void populate() override {
-    const std::pair<const char*, nxArray> properties[] = {
-        {"SupportedParameterValues", nxArray::cellRow({nxArray::charRow("on")})},
-        {"ID", nxArray::charRow("fm")},
-        {"ParameterName", nxArray::charRow("InlineParams")},
-        {"ParameterDataType", nxArray::charRow("string")}};
-    for (const auto& [name, value] : properties) {
-      addProperty(std::make_unique<ForeignProperty>(name, value));
-    }
+    addProperty(std::make_unique<ForeignProperty>("ID", nxArray::charRow("fm")));
+    addProperty(std::make_unique<ForeignProperty>("ParameterName", nxArray::charRow("Inline")));
+    addProperty(std::make_unique<ForeignProperty>("ParameterDataType", nxArray::charRow("string")));
+    addProperty(std::make_unique<ForeignProperty>("SupportedParameterValues",
+                                                  nxArray::cellRow({nxArray::charRow("on")})));
   }
 };
 
