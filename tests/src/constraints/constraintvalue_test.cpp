@@ -29,8 +29,7 @@ struct MatchCase {
   const char* what;
   ParameterValue current;
   std::vector<ConstraintValue> values;
-  std::string op;
-  std::string dataType;
+  std::string op, dataType;
   std::string outcome;  // yes, no, or the exception that ends the check's run
 };
 
