@@ -11,13 +11,13 @@
 #include <memory>
 #include <optional>
 #include <set>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "host/model/bkrootbd.h"
 #include "host/model/diagramediting.h"
+#include "host/xml/xmlreader.h"
 #include "src/constraints/bkeditblock.h"
 #include "src/constraints/blockparamconstraintdata.h"
 #include "src/constraints/blocktypeconstraint.h"
@@ -29,12 +29,7 @@ namespace {
 
 using boost::property_tree::ptree;
 
-ptree parse(const std::string& xml) {
-  std::istringstream in(xml);
-  ptree tree;
-  boost::property_tree::read_xml(in, tree);
-  return tree;
-}
+ptree parse(const std::string& xml) { return blockara::xml::readString(xml, "constraints.xml"); }
 
 // A configuration with one check of each given (ID element, body) in CheckCellArray.
 std::string configuration(const std::string& checks) {
