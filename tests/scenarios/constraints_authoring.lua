@@ -4,10 +4,9 @@ package.path = arg[0]:match("(.*/)") .. "?.lua;" .. package.path
 local expect = require("expect")
 local A = Auditor.authoring
 local I = Auditor.authoring.internal
-local ID = "bkedittimecheck:edittimecheck:"
 
 local function refuses(fn, mnemonic, what)
-  expect.fails(fn, ID .. mnemonic .. ":", what)
+  expect.fails(fn, "bkedittimecheck:edittimecheck:" .. mnemonic .. ":", what)
 end
 -- Each class comes as a positive and a negative one: its prefix, the prefix of its values
 -- property and adding method, and whether a listed value holds.

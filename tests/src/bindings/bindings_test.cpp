@@ -82,10 +82,9 @@ TEST_F(ControllerLuaTest, ANewEngineReadsThePreferenceAfterTheSetupFunction) {
     bk::bkedittimecheck::bkutils::setShowEditTimeIssues(true);
     return 0;
   });
-  EXPECT_EQ(run("require('edittime.EditTimeCheckingSetup').setup = function() "
-                "testing.showIssues() end"),
+  EXPECT_EQ(run("require('edittime.EditTimeCheckingSetup').setup = testing.showIssues\n"
+                "c:turnOnErrors('m')"),
             "");
-  EXPECT_EQ(run("c:turnOnErrors('m')"), "");
   auto engine = engineOf(u"m");
   ASSERT_TRUE(engine);
   EXPECT_TRUE(engine->getAlgorithmTable().showWarnings);
