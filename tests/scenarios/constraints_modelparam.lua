@@ -9,9 +9,7 @@ local expect = require("expect")
 local file = os.tmpname()
 local f = assert(io.open(file, "w"))
 local function check(id, constraints)
-  return '<Check><ID checkType="BlockConstraintCheck">' .. id .. '</ID><Selected>true</Selected>' ..
-         '<InputParameters><InputParameter Name="Data File"><BlockConstraints>' .. constraints ..
-         '</BlockConstraints></InputParameter></InputParameters></Check>'
+  return '<Check><ID checkType="BlockConstraintCheck">' .. id .. '</ID><Selected>true</Selected><InputParameters><InputParameter Name="Data File"><BlockConstraints>' .. constraints .. '</BlockConstraints></InputParameter></InputParameters></Check>'
 end
 local gainOrConstant = [[<PositiveBlockTypeConstraint id="t"><BlockType>Gain</BlockType>
   <BlockType>Constant</BlockType></PositiveBlockTypeConstraint>]]

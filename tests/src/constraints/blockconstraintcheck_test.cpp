@@ -133,7 +133,6 @@ TEST(BlockParamConstraintData, DuplicateUnknownAndDefaultedElementsAndValueForms
   EXPECT_EQ(d->getPreRequisiteConstraintIDs(), (std::vector<std::string>{"nowhere", "x"}));
   EXPECT_EQ(idsOf(d->getPreRequisiteConstraints()), std::vector<std::string>{"x"});
   EXPECT_FALSE(byId.at("x")->IsRootConstraint()) << "a prerequisite is no root";
-  EXPECT_TRUE(d->IsRootConstraint());
   // The repeat is dropped from the ID map but stays in the per-type lists.
   EXPECT_EQ(check->getBlockTypeNames(),
             (std::vector<std::string>{"Gain", "Gain", "Gain", "Sum", "SubSystem", "Sum", "Gain"}));
@@ -357,8 +356,6 @@ TEST_F(ConstraintTest, CaptureByTypeCodeAndDataType) {
     EXPECT_EQ(found == values.end() ? std::nullopt : std::optional(found->second), c.value)
         << c.what;
   }
-  EXPECT_TRUE(snapshot(subsystem)->getCapturedParameterValues().empty())
-      << "a block whose type no constraint names captures nothing";
 }
 
 TEST_F(ConstraintTest, ModelValuesFromTheActiveConfigurationSet) {
@@ -372,7 +369,6 @@ TEST_F(ConstraintTest, ModelValuesFromTheActiveConfigurationSet) {
     bool stale;
   };
   const Case cases[] = {
-      {"text", "SolverType", "string", false, "Fixed-step", true},
       {"records as struct", "Variants", "struct", false, ConstraintValue::Map{{"name", "v1"}},
        true},
       {"records as text: unreadable both ways, empty", "Variants", "string", false, "", true},
