@@ -4,22 +4,17 @@ package.path = arg[0]:match("(.*/)") .. "?.lua;" .. package.path
 local expect = require("expect")
 local A = Auditor.authoring
 local I = Auditor.authoring.internal
-local ID = "bkedittimecheck:edittimecheck:"
 
 local function refuses(fn, mnemonic, what)
-  expect.fails(fn, ID .. mnemonic .. ":", what)
+  expect.fails(fn, "bkedittimecheck:edittimecheck:" .. mnemonic .. ":", what)
 end
+-- Each class comes as a positive and a negative one: its prefix, the prefix of its values
+-- property and adding method, and whether a listed value holds.
+local signs = { { "Positive", "Supported", true }, { "Negative", "Unsupported", false } }
 
 -- Block parameter constraints, positive and negative.
-for _, kind in ipairs({ { A.PositiveBlockParameterConstraint, "SupportedParameterValues", "addSupportedParameterValue", true },
-                        { A.NegativeBlockParameterConstraint, "UnsupportedParameterValues", "addUnsupportedParameterValue", false } }) do
-  local Class, values, add, positive = kind[1], kind[2], kind[3], kind[4]
-  local c = Class()
-  c.ID = "gainRange"
-  expect.eq(c.ValueOperator, "or", "default operator")
-  expect.eq(c.ParameterDataType, "string", "default data type")
-  expect.eq(c.IsRootConstraint, true, "a new constraint is a root")
-
+for _, s in ipairs(signs) do
+  local c, values, add, positive = A[s[1] .. "BlockParameterConstraint"](), s[2] .. "ParameterValues", "add" .. s[2] .. "ParameterValue", s[3]
   c.BlockType = "Gain"
   c.ParameterName = "Gain"
   refuses(function() c.BlockType = "NoSuchBlock" end, "UnknownBuiltInBlock", "unknown block type")
@@ -40,30 +35,27 @@ for _, kind in ipairs({ { A.PositiveBlockParameterConstraint, "SupportedParamete
   refuses(function() c[values] = { "0", 10 } end, "UnsupportedParamValue", "a number as text value")
   refuses(function() c[add](c, 10) end, "UnsupportedParamValue", "adding a number")
   c[values] = { "0", "10" }
-  expect.eq(c[values][2], "10", "values read back")
 
   c.CurrentValue = "5"
-  local holds = c:check()
-  expect.eq(holds, positive, "5 in [0, 10)")
-  expect.eq(c.WasChecked, true, "checked")
-  expect.eq(c.Status, holds, "status kept")
+  expect.eq(c:check(), positive, "5 in [0, 10)")
+  expect.eq(c.Status, positive, "status kept")
+end
 
-  refuses(function() c:addPreRequisiteConstraintObject(42) end, "UnsupportedPreReqType", "a number as prerequisite")
-  c:addPreRequisiteConstraintID("modelSetting")
-  expect.eq(c:getPreRequisiteConstraintIDs()[1], "modelSetting", "prerequisite ID")
+-- Values keep the shape their data type gives them; nxarray values are not kept.
+local shaped = A.PositiveBlockParameterConstraint()
+for _, t in ipairs({ { "struct", { x = "1", y = "2" }, "y", "2" }, { "array", { "e1", "e2" }, 2, "e2" }, { "nxarray", { 1, 2 }, 1, nil } }) do
+  shaped.ParameterDataType = t[1]
+  shaped.SupportedParameterValues = { t[2] }
+  expect.eq((shaped.SupportedParameterValues or { {} })[1][t[3]], t[4], t[1] .. " values")
 end
 
 -- Block type constraints.
-for _, kind in ipairs({ { A.PositiveBlockTypeConstraint, "SupportedBlockTypes", "addSupportedBlockType", true },
-                        { A.NegativeBlockTypeConstraint, "UnsupportedBlockTypes", "addUnsupportedBlockType", false } }) do
-  local Class, list, add, positive = kind[1], kind[2], kind[3], kind[4]
-  local c = Class()
-  c[list] = { { BlockType = "Gain", MaskType = "" }, { BlockType = "Sum", MaskType = "Adder" } }
+for _, s in ipairs(signs) do
+  local c, list, add, positive = A[s[1] .. "BlockTypeConstraint"](), s[2] .. "BlockTypes", "add" .. s[2] .. "BlockType", s[3]
+  c[list] = nx.column({ { BlockType = "Gain", MaskType = "" }, { BlockType = "Sum", MaskType = "Adder" } })
   c[add](c, "Constant")
-  local pairs = c[list]
-  expect.eq(#pairs, 3, "three pairs")
-  refuses(function() c[list] = { { BlockType = "Gain", MaskType = "" }, "Sum" } end,
-          "InvalidParameterValueNonStruct", "a pair that is no struct")
+  expect.eq(table.concat({ nx.size(c[list]) }, "x"), "3x1", "a column of pairs stays a column")
+  refuses(function() c[list] = { { BlockType = "Gain", MaskType = "" }, "Sum" } end, "InvalidParameterValueNonStruct", "a pair that is no struct")
   expect.eq(#c[list], 1, "the pairs before the bad cell stay")
   refuses(function() c[list] = 7 end, "InvalidParameterValueInput", "a list that is no cell")
   c[list] = { { BlockType = "Gain", MaskType = "" } }
@@ -74,16 +66,13 @@ for _, kind in ipairs({ { A.PositiveBlockTypeConstraint, "SupportedBlockTypes", 
 end
 
 -- Model parameter constraints.
-for _, kind in ipairs({ { I.PositiveModelParameterConstraint, "SupportedParameterValues", "addSupportedParameterValue", true },
-                        { I.NegativeModelParameterConstraint, "UnsupportedParameterValues", "addUnsupportedParameterValue", false } }) do
-  local Class, values, add, positive = kind[1], kind[2], kind[3], kind[4]
-  local c = Class()
+for _, s in ipairs(signs) do
+  local c, values, add, positive = I[s[1] .. "ModelParameterConstraint"](), s[2] .. "ParameterValues", "add" .. s[2] .. "ParameterValue", s[3]
   c.ID = "solver"
   c.ParameterName = "SolverType"
   c.ValueOperator = "anything"  -- not validated for model parameters
   c.ValueOperator = "eq"
-  refuses(function() c[values] = { "Fixed-step", "Variable-step" } end,
-          "UnsupportedNumberOfConstraintValues", "eq with two values")
+  refuses(function() c[values] = { "Fixed-step", "Variable-step" } end, "UnsupportedNumberOfConstraintValues", "eq with two values")
   c.ValueOperator = "or"
   c[values] = nx.column({ "Fixed-step", "Variable-step" })
   expect.eq(table.concat({ nx.size(c[values]) }, "x"), "2x1", "a column stays a column")
@@ -94,6 +83,8 @@ for _, kind in ipairs({ { I.PositiveModelParameterConstraint, "SupportedParamete
   c[values] = { "Fixed-step" }
   c:setCurrentValue("Fixed-step")
   expect.eq(c:check(), positive, "the model setting")
+  c:setCurrentValue({ a = "1" })
+  expect.eq(c.WasChecked, false, "a new value is stale")
 
   local dependent = A.PositiveBlockParameterConstraint()
   dependent:addPreRequisiteConstraintObject(c)

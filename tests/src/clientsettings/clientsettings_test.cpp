@@ -8,22 +8,17 @@ namespace bk_observer {
 namespace {
 
 TEST(ClientSettingsTest, TimeResolutionNeedsAPositiveWidthAndAnIncreasingTimeRange) {
-  ClientSettings settings;
-  settings.setTMin(1.0);
-  settings.setTMax(5.0);
-  settings.setWidth(8.0);
-  EXPECT_DOUBLE_EQ(settings.calcTimeRes(), 0.5);
-
-  settings.setWidth(0.0);
-  EXPECT_EQ(settings.calcTimeRes(), 0.0);
-  settings.setWidth(-2.0);
-  EXPECT_EQ(settings.calcTimeRes(), 0.0);
-
-  settings.setWidth(8.0);
-  settings.setTMax(1.0);  // equal to TMin
-  EXPECT_EQ(settings.calcTimeRes(), 0.0);
-  settings.setTMax(std::numeric_limits<double>::quiet_NaN());
-  EXPECT_EQ(settings.calcTimeRes(), 0.0);
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const struct {
+    double tMin, tMax, width, expected;
+  } cases[] = {{1, 5, 8, 0.5}, {1, 5, 0, 0}, {1, 5, -2, 0}, {1, 1, 8, 0}, {1, nan, 8, 0}};
+  for (const auto& c : cases) {
+    ClientSettings settings;
+    settings.setTMin(c.tMin);
+    settings.setTMax(c.tMax);
+    settings.setWidth(c.width);
+    EXPECT_DOUBLE_EQ(settings.calcTimeRes(), c.expected) << c.tMax << " " << c.width;
+  }
 }
 
 }  // namespace

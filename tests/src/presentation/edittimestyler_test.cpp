@@ -26,11 +26,7 @@ std::shared_ptr<EditTimeViolation> record(double handle, std::uint32_t severity,
 
 class EditTimeStylerTest : public ::testing::Test {
  protected:
-  EditTimeStylerTest()
-      : styler(*createEditTimeStyler()),
-        styling(
-            store, styler, [this](double h) { return dead.count(h) == 0; },
-            [this](double, const EditTimeViolation& v) { return excluded.count(v.checkId) > 0; }) {}
+  EditTimeStylerTest() : styler(*createEditTimeStyler()), styling(store, styler, alive, exempt) {}
 
   std::vector<std::wstring> classes(double handle) const { return styler.classesOf(handle); }
 
@@ -38,6 +34,10 @@ class EditTimeStylerTest : public ::testing::Test {
   ds::Styler& styler;
   std::set<double> dead;
   std::set<std::string> excluded;
+  const BlockAlive alive = [this](double h) { return dead.count(h) == 0; };
+  const ViolationExcluded exempt = [this](double, const EditTimeViolation& v) {
+    return excluded.count(v.checkId) > 0;
+  };
   EditTimeStyling styling;
 };
 
@@ -77,62 +77,47 @@ TEST_F(EditTimeStylerTest, StylingPassStepOrder) {
   EXPECT_TRUE(store.pendingClears().empty());
 }
 
+// The switches' own codes and their order are followed through the engine in the switch tests.
 TEST_F(EditTimeStylerTest, RemovalPassByCode) {
-  const auto fill = [this] {
-    store.add(record(1, 3));  // only a rule-auditor warning
+  for (const std::uint32_t code : {11u, 2u}) {
     store.add(record(2, 3));  // rule-auditor and edit-time warnings
     store.add(record(2, 0));
-    store.add(record(3, 1));  // two errors
+    store.add(record(3, 1));  // an edit-time and a rule-auditor error
     store.add(record(3, 4));
     styling.applyStyling();
-  };
-  // The switches' own codes are followed through the engine in the switch tests.
-  fill();
-  styling.removeStyling(11);
-  EXPECT_EQ(classes(3), Classes{L"Warn"});      // the rule-auditor error's "Warn" is not touched
-  EXPECT_EQ(store.violationsOf(3).size(), 1u);  // one error per call
-
-  fill();
-  styling.removeStyling(2);  // any other code: classes off, store unchanged
-  EXPECT_EQ(classes(2), Classes{});
-  EXPECT_EQ(classes(3), Classes{L"Warn"});
-  EXPECT_EQ(store.violationsOf(3).size(), 2u);
+    styling.removeStyling(code);
+    // Errors off takes one error a call and leaves the warnings; any other code takes the
+    // classes off and leaves the store. The rule-auditor error's "Warn" is never touched.
+    EXPECT_EQ(classes(2), code == 11 ? Classes{L"Warn"} : Classes{}) << code;
+    EXPECT_EQ(classes(3), Classes{L"Warn"}) << code;
+    EXPECT_EQ(store.violationsOf(3).size(), code == 11 ? 1u : 2u) << code;
+  }
 }
 
 // The pass that visits only touched blocks leaves every block with the classes the pass over
 // the whole store gives, over random store changes, foreign class changes, deaths and
 // exemptions (the last two announced by the standing revision, as the engine does).
-TEST(EditTimeStylingEquality, TouchedBlocksOnlyMatchesTheWholeStorePass) {
-  struct Side {
-    ViolationDatabase store;
-    ds::Styler styler{L"s", L"", 0.0};
-  };
-  Side fast, plain;
-  std::set<double> dead;
-  std::set<std::string> excluded;
+TEST_F(EditTimeStylerTest, TouchedBlocksOnlyMatchesTheWholeStorePass) {
+  ViolationDatabase touchedStore;
+  ds::Styler touchedStyler{L"s", L"", 0.0};
   std::uint64_t standing = 0;
-  const BlockAlive alive = [&](double h) { return dead.count(h) == 0; };
-  const ViolationExcluded exempt = [&](double, const EditTimeViolation& v) {
-    return excluded.count(v.checkId) > 0;
-  };
-  EditTimeStyling touchedOnly(fast.store, fast.styler, alive, exempt, [&] { return standing; });
-  EditTimeStyling wholeStore(plain.store, plain.styler, alive, exempt);
+  EditTimeStyling touchedOnly(touchedStore, touchedStyler, alive, exempt, [&] { return standing; });
   std::mt19937 random(11);
   const std::vector<std::string> checks{"a", "b", "ex"};
   for (int step = 0; step < 3000; ++step) {
     const double h = 1 + random() % 12;
     const auto r = record(h, random() % 6, checks[random() % 3], random() % 4 == 0);
     const wchar_t* const foreignClass = random() % 2 ? L"Warn" : L"Error";
-    auto both = [&](auto change) {
-      change(fast);
-      change(plain);
+    const auto both = [&](auto change) {
+      change(touchedStore, touchedStyler);
+      change(store, styler);
     };
     switch (random() % 10) {
-      case 0: case 1: case 2: both([&](Side& s) { s.store.add(r); }); break;
-      case 3: case 4: both([&](Side& s) { s.store.remove(r); }); break;
-      case 5: both([&](Side& s) { s.store.removeByCheck(h, r->checkId); }); break;
-      case 6: both([&](Side& s) { s.store.removeByType("b", "T"); }); break;
-      case 7: both([&](Side& s) { s.styler.applyClass(h, foreignClass); }); break;
+      case 0: case 1: case 2: both([&](auto& db, auto&) { db.add(r); }); break;
+      case 3: case 4: both([&](auto& db, auto&) { db.remove(r); }); break;
+      case 5: both([&](auto& db, auto&) { db.removeByCheck(h, r->checkId); }); break;
+      case 6: both([&](auto& db, auto&) { db.removeByType("b", "T"); }); break;
+      case 7: both([&](auto&, auto& st) { st.applyClass(h, foreignClass); }); break;
       case 8:
         if (dead.count(h)) dead.erase(h); else dead.insert(h);
         ++standing;
@@ -143,10 +128,9 @@ TEST(EditTimeStylingEquality, TouchedBlocksOnlyMatchesTheWholeStorePass) {
     }
     if (random() % 3 == 0) {
       touchedOnly.applyStyling();
-      wholeStore.applyStylingToAll();
+      styling.applyStylingToAll();
       for (double k = 1; k <= 12; ++k) {
-        ASSERT_EQ(fast.styler.classesOf(k), plain.styler.classesOf(k))
-            << "block " << k << " step " << step;
+        ASSERT_EQ(touchedStyler.classesOf(k), classes(k)) << "block " << k << " step " << step;
       }
     }
   }

@@ -1,19 +1,24 @@
-// The exclusions of a diagram: every rule kind, the file format and its failures, the published
-// map, and where the file comes from.
-#include "src/configuration/exclusionmanager.h"
-
+// The configuration of the checks: where the customization file is found, the check selection
+// read from it, the entries the checks ask for and files that cannot be read; and a diagram's
+// exclusions: every rule kind, the file format and its failures, and the published map.
 #include <gtest/gtest.h>
 
 #include <boost/property_tree/exceptions.hpp>
 #include <boost/property_tree/xml_parser.hpp>
 #include <filesystem>
 #include <fstream>
+#include <string>
 
 #include "host/model/bkblock.h"
 #include "host/model/bkrootbd.h"
 #include "host/model/diagramediting.h"
+#include "host/prefs/directories.h"
 #include "host/prefs/edittimepreferences.h"
 #include "host/xml/xmlreader.h"
+#include "src/algorithms/edittimealgorithms.h"
+#include "src/configuration/customizationfile.h"
+#include "src/configuration/edittimecheckselector.h"
+#include "src/configuration/exclusionmanager.h"
 #include "src/edittimeviolation.h"
 #include "src/hostinterface.h"
 #include "tests/src/blockline.h"
@@ -21,8 +26,106 @@
 namespace bkedittimecheck::testing {
 namespace {
 
+namespace fs = std::filesystem;
 namespace pt = boost::property_tree;
 using Prefs = bk::bkedittimecheck::bkutils::EditTimePreferences;
+using Selector = EditTimeCheckSelector;
+
+// A fresh folder of this test's own, with the preference and installation folders in it.
+class EditTimeCheckSelectorTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    base = fs::temp_directory_path() /
+           ("bketc_config_" +
+            std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+    fs::remove_all(base);
+    fs::create_directories(base / "prefs");
+    fs::create_directories(base / "root");
+    svSetPreferencesDirectory((base / "prefs").string());
+    svSetNumeriaRoot((base / "root").string());
+  }
+  void TearDown() override { fs::remove_all(base); }
+
+  /// Writes `text` to `file`; its path.
+  static std::wstring writeFile(const fs::path& file, const std::string& text) {
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << text;
+    return file.wstring();
+  }
+  /// Writes a customization file with `cells` in its check list; its path.
+  static std::wstring write(const fs::path& file, const std::string& cells) {
+    return writeFile(
+        file, "<RAConfiguration><CheckCellArray>" + cells + "</CheckCellArray></RAConfiguration>");
+  }
+
+  fs::path base;
+};
+
+TEST_F(EditTimeCheckSelectorTest, PreferenceFileWinsOverGivenPathWhichWinsOverInstalledFile) {
+  const fs::path preference = base / "prefs" / "edittimecheckcustomization.xml";
+  const fs::path given = base / "given.xml";
+  const fs::path installed = installedCustomizationFile((base / "root").wstring());
+  const auto choose = [&](const fs::path& givenPath) {
+    return chooseCustomizationFile((base / "prefs").wstring(), givenPath.wstring(),
+                                   (base / "root").wstring());
+  };
+  EXPECT_EQ(choose(given), L"");  // nothing anywhere
+  write(installed, "");
+  EXPECT_EQ(choose(given), installed.wstring());  // the given path does not exist
+  EXPECT_EQ(choose(fs::path()), installed.wstring());
+  write(given, "");
+  EXPECT_EQ(choose(given), given.wstring());
+  write(preference, "");
+  EXPECT_EQ(choose(given), preference.wstring());  // overrides an explicit path too
+  // A directory of the preference file's name is no customization file.
+  fs::remove(preference);
+  fs::create_directories(preference);
+  EXPECT_EQ(chooseCustomizationFile((base / "prefs").wstring(), L"", L""), L"");
+}
+
+TEST_F(EditTimeCheckSelectorTest, LoadingPublishesTheSelectionAndAnswersPerCheck) {
+  EditTimeAlgorithms::setInputParametersChanged(false);
+  Selector::loadCheckSelection(
+      write(base / "given.xml",
+            "<Check><ID>a</ID><Selected>true</Selected><InputParameters><InputParameter Name=\"x\">"
+            "<Value>1</Value></InputParameter></InputParameters></Check>"
+            "<Check><ID>a</ID><Selected>false</Selected><Extra>second</Extra></Check>"
+            "<Check><Selected>true</Selected><ID>late</ID></Check>"
+            "<Other><ID>x</ID><Selected>true</Selected></Other><Check><ID>d</ID></Check>"
+            "<Check><ID>e</ID><Selected>True</Selected></Check>"
+            "<Check><ID>f</ID><Selected> true</Selected></Check>"));
+  EXPECT_TRUE(EditTimeAlgorithms::inputParametersChanged());
+  // The first entry of an ID stands; an ID behind "Selected" is not seen, other children of the
+  // list are passed over, and only the exact text "true" selects.
+  EXPECT_EQ(Prefs::checkSelectionMap(),
+            (std::map<std::string, bool>{
+                {"", true}, {"a", true}, {"d", false}, {"e", false}, {"f", false}}));
+  // For the checks' own entries every ID child counts, also one behind "Selected".
+  const pt::ptree entry = Selector::getCheckConfiguration("a");
+  EXPECT_EQ(entry.get<std::string>("InputParameters.InputParameter.Value"), "1");
+  EXPECT_EQ(Selector::getCheckConfiguration("late").get<std::string>("ID"), "late");
+  EXPECT_TRUE(Selector::getCheckConfiguration("missing").empty());
+}
+
+TEST_F(EditTimeCheckSelectorTest, NoFileChangesNothingAndABadFileThrows) {
+  Selector::loadCheckSelection(
+      write(base / "root.xml", "<Check><ID>kept</ID><Selected>true</Selected></Check>"));
+  Selector::loadCheckSelection(L"");  // nothing anywhere
+  EXPECT_EQ(Selector::getCheckSelectionMap().count("kept"), 1u);
+
+  // The file goes through the guarded reader, which refuses nesting that would exhaust the stack.
+  std::string deep = "<RAConfiguration>";
+  for (int i = 0; i < 100000; ++i) deep += "<CheckCellArray>";
+  EXPECT_THROW(Selector::loadCheckSelection(writeFile(base / "deep.xml", deep)),
+               pt::xml_parser_error);
+  // A file that does not parse replaces nothing: the checks still find their old entries.
+  EXPECT_EQ(Selector::getCheckConfiguration("kept").get<std::string>("ID"), "kept");
+  EXPECT_THROW(Selector::loadCheckSelection(writeFile(base / "empty.xml", "<RAConfiguration/>")),
+               pt::ptree_bad_path);
+  EXPECT_EQ(Selector::getCheckSelectionMap().count("kept"), 1u);
+  // The tree is already the new one: the lookup of an entry now fails.
+  EXPECT_THROW(Selector::getCheckConfiguration("kept"), pt::ptree_bad_path);
+}
 
 // One exclusion: rules (each "Type|SID|paramValue", SID "-" for none) and check IDs.
 struct Entry {
@@ -49,9 +152,11 @@ std::string exclusionsXml(const std::vector<Entry>& entries) {
   return xml + "</ExclusionList></System></SystemList></rsccat>";
 }
 
-class ExclusionTest : public ::testing::Test {
+// The exclusions of one diagram, read from files in the test's folder.
+class ExclusionTest : public EditTimeCheckSelectorTest {
  protected:
   void SetUp() override {
+    EditTimeCheckSelectorTest::SetUp();
     d = bkBlockDiagramSet::create(u"m");
     addBlocks(d,
               {"a SubSystem", "a/b Gain", "a/inner SubSystem", "a/inner/deep Gain", "ab Gain",
@@ -59,22 +164,13 @@ class ExclusionTest : public ::testing::Test {
                "masked/sub SubSystem MaskType=Other", "masked/sub/y Gain",
                "lib SubSystem LinkStatus=resolved ReferenceBlock=mylib/sys",
                "lib/linked Gain LinkStatus=resolved ReferenceBlock=mylib/sys/g", "lib/plain Gain"});
-    dir = std::filesystem::temp_directory_path() /
-          ("bketc_excl_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
-           ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    std::filesystem::create_directories(dir);
   }
   void TearDown() override {
     bkBlockDiagramSet::closeAll();
-    std::error_code ignored;
-    std::filesystem::remove_all(dir, ignored);
+    EditTimeCheckSelectorTest::TearDown();
   }
 
-  std::wstring write(const std::string& text, const std::string& name = "ex.xml") {
-    const auto file = dir / name;
-    std::ofstream(file, std::ios::binary) << text;
-    return file.wstring();
-  }
+  std::wstring write(const std::string& text) { return writeFile(base / "ex.xml", text); }
   void load(const std::vector<Entry>& entries) {
     manager.loadExclusionsFromFile(d, write(exclusionsXml(entries)));
   }
@@ -87,7 +183,6 @@ class ExclusionTest : public ::testing::Test {
 
   BKRootBD* d = nullptr;
   ExclusionManager manager;
-  std::filesystem::path dir;
 };
 
 TEST_F(ExclusionTest, EachRuleKindDecidesByItsOwnTest) {
@@ -161,51 +256,36 @@ TEST_F(ExclusionTest, TheFirstSubsystemRuleOfEachExclusionIsPublished) {
   // Both subsystem rules of the first exclusion act...
   EXPECT_TRUE(excluded(u"m/masked/x"));
   // ...but only the first is published, and the first entry of a path stands.
-  const auto published = Prefs::ceExclusions(L"m");
-  ASSERT_TRUE(published);
-  EXPECT_EQ(*published, (Prefs::ExclusionMap{{L"m/a", {L"c1", L"c2"}}, {L"m/lib", {}}}));
+  EXPECT_EQ(Prefs::ceExclusions(L"m"),
+            (Prefs::ExclusionMap{{L"m/a", {L"c1", L"c2"}}, {L"m/lib", {}}}));
 
   // An empty list takes every exemption away and publishes an empty map.
   load({});
-  EXPECT_TRUE(manager.getExclusions().empty());
   EXPECT_FALSE(excluded(u"m/a"));
   EXPECT_TRUE(Prefs::ceExclusions(L"m")->empty());
 }
 
+// Missing, malformed and very deeply nested files are the scenario engine_exclusions's; here
+// the manager's own, lower nesting limit and the shared size limit, and a refused file leaves
+// what was loaded.
 TEST_F(ExclusionTest, BadFilesThrowAndLeaveTheManagerAsDocumented) {
   load({{{"Block|off|ab"}, {".*"}}});
   std::string deep;
-  for (int i = 0; i < 200000; ++i) deep += "<a>";
-  const std::wstring broken = write("<rsccat><SystemList>", "broken.xml");
-  const std::wstring nested = write(deep, "deep.xml");
-  blockara::xml::setLimits({64, 1 << 20});
-  const std::wstring big = write("<rsccat>" + std::string(2 << 20, ' ') + "</rsccat>", "big.xml");
-  for (const std::wstring& file :
-       {(dir / "missing.xml").wstring(), dir.wstring(), broken, nested, big}) {
-    const std::string name = std::filesystem::path(file).string();
-    try {
-      manager.loadExclusionsFromFile(d, file);
-      ADD_FAILURE() << "no exception for " << name;
-    } catch (const pt::xml_parser_error& e) {
-      EXPECT_EQ(e.filename(), name);
-      EXPECT_FALSE(e.message().empty());
-    }
-    EXPECT_EQ(manager.getExclusions().size(), 1u) << name;  // what was loaded stays
-    EXPECT_TRUE(excluded(u"m/ab")) << name;
+  for (int i = 0; i <= ExclusionManager::maxNesting; ++i) deep = "<a>" + deep + "</a>";
+  blockara::xml::setLimits({4096, 1 << 20});
+  for (const std::string& text : {deep, "<rsccat>" + std::string(2 << 20, ' ') + "</rsccat>"}) {
+    EXPECT_THROW(manager.loadExclusionsFromFile(d, write(text)), pt::xml_parser_error);
+    EXPECT_EQ(manager.getExclusions().size(), 1u);
   }
   blockara::xml::setLimits({});
-  // Comments, CDATA and self-closing elements do not count as levels.
-  std::string shallow = "<rsccat><!-- <a><a><a> --><SystemList><System><ExclusionList>";
-  for (int i = 0; i < 100; ++i) shallow += "<x/><![CDATA[<a><a>]]>";
-  manager.loadExclusionsFromFile(
-      d, write(shallow + "</ExclusionList></System></SystemList></rsccat>"));
-  EXPECT_TRUE(manager.getExclusions().empty());
+  EXPECT_TRUE(excluded(u"m/ab"));
 
   // Without the list element: the exclusions are gone and nothing new is published.
   load({{{"Subsystem|off|a"}, {"c1"}}});
   const auto before = Prefs::ceExclusions(L"m");
-  const std::wstring noList = write("<rsccat><SystemList><System/></SystemList></rsccat>", "n.xml");
-  EXPECT_THROW(manager.loadExclusionsFromFile(d, noList), pt::ptree_bad_path);
+  EXPECT_THROW(manager.loadExclusionsFromFile(
+                   d, write("<rsccat><SystemList><System/></SystemList></rsccat>")),
+               pt::ptree_bad_path);
   EXPECT_TRUE(manager.getExclusions().empty());
   EXPECT_EQ(Prefs::ceExclusions(L"m"), before);
 }
