@@ -55,12 +55,12 @@ TEST_F(ScanTest, OneGraphPerSliceAndTheNextOnlyAfterStyling) {
 
     ASSERT_TRUE(CooperativeTaskManager::processNext());  // the rule-auditor slice
     EXPECT_EQ(takeChanged(*data), Names{"in_" + s}) << s;
-    EXPECT_EQ(takeEvents(), (std::vector<Event>{{1, false}}));
+    EXPECT_EQ(takeEvents(), (Events{{1, false}}));
     EXPECT_EQ(bkEditBDProbe(*data).auditorPathsDone().count(L"m/" + fromNarrow(s)), 1u);
 
     ASSERT_TRUE(CooperativeTaskManager::processNext());  // the interactive slice
     EXPECT_EQ(takeChanged(*data), Names{"in_" + s}) << s;
-    EXPECT_EQ(takeEvents(), (std::vector<Event>{{1, false}}));
+    EXPECT_EQ(takeEvents(), (Events{{1, false}}));
 
     // Until the pass of the slices is styled the chain waits here, whatever the worker does.
     EXPECT_FALSE(CooperativeTaskManager::hasPendingWork());
@@ -106,7 +106,7 @@ TEST_F(ScanTest, ATwiceShownSubsystemIsWalkedOnceAndAChartNever) {
   styled();
   blockara::EventLoop::instance().runUntilIdle();
   EXPECT_TRUE(takeChanged(*data).empty());
-  EXPECT_EQ(takeEvents(), (std::vector<Event>{{1, false}}));
+  EXPECT_EQ(takeEvents(), (Events{{1, false}}));
 }
 
 TEST_F(ScanTest, AGraphLeavingTheViewLeavesTheDoneListAndANewOneIsScannedInTurn) {

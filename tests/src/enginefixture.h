@@ -33,6 +33,7 @@ class EngineFixture : public ::testing::Test {
     bool hasVariants;
     bool operator==(const Event&) const = default;
   };
+  using Events = std::vector<Event>;
 
   void SetUp() override {
     blockara::EventLoop::instance().adoptCurrentThread();
@@ -70,7 +71,7 @@ class EngineFixture : public ::testing::Test {
     return controller().findEngine(toWide(name));
   }
 
-  std::vector<Event> takeEvents() { return std::exchange(events, {}); }
+  Events takeEvents() { return std::exchange(events, {}); }
 
   /// The styling that ends a pass, as the worker posts it: counts a pass first when none is in
   /// flight, since a styling without a pass leaves the engine busy for good.
@@ -103,7 +104,7 @@ class EngineFixture : public ::testing::Test {
     return out;
   }
 
-  std::vector<Event> events;
+  Events events;
 };
 
 }  // namespace bkedittimecheck::testing

@@ -31,7 +31,8 @@ TEST_F(ChartStateTest, PortsAgainstTheDeclaredDataAndAcrossPasses) {
   EXPECT_EQ(all(),
             (Lines{"ch/st/c|BlockaraStateMismappedPort|1", "ch/st/e|BlockaraStateMismappedPort|1",
                    "ch/st/u|BlockaraStateUnmappedPort|1"}));
-  EXPECT_EQ(glows().size(), 3u);
+  EXPECT_EQ(glows(), (std::map<std::string, std::string>{
+                        {"ch/st/c", "Error"}, {"ch/st/e", "Error"}, {"ch/st/u", "Error"}}));
   // Ports renamed in a later pass meet the state's table, which the prune kept.
   d->editing().renameBlock(u"m/ch/st/u", u"x");
   d->editing().renameBlock(u"m/ch/st/e", u"a2");
@@ -82,7 +83,7 @@ TEST_F(ChartStateTest, OnlyPortsOfAChartStateAreAlwaysTakenAndARefreshWalksTheSt
   takeEvents();
   controller().refreshBlockaraStatePortChecks(L"m", port->getHandle());
   EXPECT_EQ(takeChanged(data), (Lines{"st", "st2"}));
-  EXPECT_EQ(takeEvents(), (std::vector<Event>{{EditTimeEvent::kChartRefresh, false}}));
+  EXPECT_EQ(takeEvents(), (Events{{EditTimeEvent::kChartRefresh, false}}));
   ASSERT_TRUE(settle());
 }
 
