@@ -66,17 +66,14 @@ class RoadFixture : public EngineFixture {
   /// parameters in the given order.
   static std::string check(
       const std::string& id,
-      const std::vector<std::pair<std::string, std::vector<std::string>>>& parameters = {},
-      const std::string& selected = "true") {
-    std::ostringstream out;
-    out << "<Check><ID>" << id << "</ID><Selected>" << selected << "</Selected><InputParameters>";
+      const std::vector<std::pair<std::string, std::vector<std::string>>>& parameters = {}) {
+    std::string out = "<Check><ID>" + id + "</ID><Selected>true</Selected><InputParameters>";
     for (const auto& [name, values] : parameters) {
-      out << "<InputParameter Name=\"" << name << "\">";
-      for (const auto& value : values) out << "<Value>" << value << "</Value>";
-      out << "</InputParameter>";
+      out += "<InputParameter Name=\"" + name + "\">";
+      for (const auto& value : values) out += "<Value>" + value + "</Value>";
+      out += "</InputParameter>";
     }
-    out << "</InputParameters></Check>";
-    return out.str();
+    return out + "</InputParameters></Check>";
   }
 
   /// Writes the customization file of the preferences directory with these `Check` elements.
