@@ -24,7 +24,6 @@ struct bkEditBDProbe {
   bool initialScanDone() const { return d.initialScanDone; }
   bool tooManyRoutingBlocks() const { return d.tooManyRoutingBlocks.load(); }
   std::uint32_t variantSubsystemCount() const { return d.variantSubsystemCount; }
-  bool hasStateAccessBlocks() const { return d.hasStateAccessBlocks; }
 
   bkEditBD& d;
 };

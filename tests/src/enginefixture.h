@@ -54,17 +54,11 @@ class EngineFixture : public ::testing::Test {
     RegisterExecPlugins(d->getExecBD());
     Blockara::StudioApp::open(d)->openEditor(name);
     d->notifyOpened();
-    observe(name);
-    return d;
-  }
-
-  /// Records the events of the engine now registered under `name`, if any.
-  void observe(const std::u16string& name) {
     if (auto e = engineOf(name)) {
-      e->getAlgorithmTable().setEventObserver([this](int code, bool variants, std::size_t) {
-        events.push_back({code, variants});
-      });
+      e->getAlgorithmTable().setEventObserver(
+          [this](int code, bool variants, std::size_t) { events.push_back({code, variants}); });
     }
+    return d;
   }
 
   static std::shared_ptr<EditTimeEngine> engineOf(const std::u16string& name) {
