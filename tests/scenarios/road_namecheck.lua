@@ -10,14 +10,10 @@ local prefs = os.tmpname()
 os.remove(prefs)
 os.execute('mkdir -p "' .. prefs .. '"')
 local f = assert(io.open(prefs .. "/edittimecheckcustomization.xml", "w"))
-f:write([[<?xml version="1.0"?>
-<RAConfiguration><CheckCellArray>
-  <Check><ID>orvanta.kabe.kb_0402</ID><Selected>true</Selected><InputParameters>
-    <InputParameter Name="Regular expression for prohibited names:"><Value>[ !]</Value></InputParameter>
-  </InputParameters></Check>
-  <Check><ID>orvanta.kabe.kb_0401</ID><Selected>false</Selected></Check>
-</CheckCellArray></RAConfiguration>
-]])
+f:write([[<RAConfiguration><CheckCellArray><Check><ID>orvanta.kabe.kb_0402</ID>
+<Selected>true</Selected><InputParameters><InputParameter Name="Regular expression for prohibited names:">
+<Value>[ !]</Value></InputParameter></InputParameters></Check>
+<Check><ID>orvanta.kabe.kb_0401</ID><Selected>false</Selected></Check></CheckCellArray></RAConfiguration>]])
 f:close()
 blockara.setPreferencesDirectory(prefs)
 

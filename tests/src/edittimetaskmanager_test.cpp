@@ -122,7 +122,6 @@ TEST_F(ScanTest, TheTaskLeftBehindAtCloseDoesNoHarm) {
   build(true, {u"m/s1", u"m/s2"});
   styleAsWorker(L"m", *engine);
   auto session = engine->getTaskSession();
-  ASSERT_TRUE(session);
   ASSERT_EQ(session->size(), 2u);
   std::weak_ptr<EditTimeTaskManagerWorkspace> workspace = engine->getWorkspaceTask();
   controller().closeEngine(L"m");

@@ -15,21 +15,19 @@ namespace {
 
 namespace pt = boost::property_tree;
 
-// A "Check" entry with the given input parameters, each "name=value[=value...]".
-pt::ptree entry(const std::vector<std::string>& parameters) {
-  std::string xml = "<Check><ID>x</ID><InputParameters>";
-  for (const std::string& p : parameters) {
-    std::istringstream in(p);
-    std::string name, value;
-    std::getline(in, name, '=');
-    xml += "<InputParameter Name=\"" + name + "\">";
-    while (std::getline(in, value, '=')) xml += "<Value>" + value + "</Value>";
-    xml += "</InputParameter>";
-  }
-  std::istringstream stream(xml + "</InputParameters></Check>");
+pt::ptree entry(const std::string& parameters) {
+  std::istringstream stream("<Check><ID>x</ID><InputParameters>" + parameters +
+                            "</InputParameters></Check>");
   pt::ptree tree;
   pt::read_xml(stream, tree, pt::xml_parser::no_comments);
   return tree.get_child("Check");
+}
+
+// An input parameter of a check entry: `name`, with `values` as its "Value" elements.
+std::string parameter(const std::string& name, std::initializer_list<std::string> values) {
+  std::string out = "<InputParameter Name=\"" + name + "\">";
+  for (const std::string& value : values) out += "<Value>" + value + "</Value>";
+  return out + "</InputParameter>";
 }
 
 TEST(CheckFrameTest, ScopeParametersTheirDefaultsAndTheirSharingPerCheckId) {
@@ -37,22 +35,22 @@ TEST(CheckFrameTest, ScopeParametersTheirDefaultsAndTheirSharingPerCheckId) {
   EXPECT_EQ(check.currentScope().lookUnderMasks, 0);  // no reader yet: an all-zero pair
   EXPECT_EQ(check.currentScope().skipLinkedBlocks, 0);
   const struct {
-    std::vector<std::string> parameters;
+    std::string parameters;
     int skip;
     int look;
   } cases[] = {
-      {{}, 0, 2},
-      {{"Follow links=off"}, 1, 2},
-      {{"Follow links=on "}, 1, 2},  // text is not trimmed
-      {{"Look under masks=all"}, 0, 0},
-      {{"Look under masks=functional"}, 0, 3},
-      {{"Look under masks=none"}, 0, 1},
-      {{"Look under masks=whatever"}, 0, 1},
-      {{"Look under masks=all=functional"}, 0, 3},
-      {{"look under masks=all"}, 0, 2},  // names are case-sensitive
+      {"", 0, 2},
+      {parameter("Follow links", {"off"}), 1, 2},
+      {parameter("Follow links", {"on "}), 1, 2},  // text is not trimmed
+      {parameter("Look under masks", {"all"}), 0, 0},
+      {parameter("Look under masks", {"functional"}), 0, 3},
+      {parameter("Look under masks", {"none"}), 0, 1},
+      {parameter("Look under masks", {"whatever"}), 0, 1},
+      {parameter("Look under masks", {"all", "functional"}), 0, 3},
+      {parameter("look under masks", {"all"}), 0, 2},  // names are case-sensitive
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.parameters.empty() ? "" : c.parameters[0]);
+    SCOPED_TRACE(c.parameters);
     check.readInputParameters(entry(c.parameters));
     EXPECT_EQ(check.currentScope().skipLinkedBlocks, c.skip);
     EXPECT_EQ(check.currentScope().lookUnderMasks, c.look);
@@ -64,10 +62,10 @@ TEST(CheckFrameTest, ScopeParametersTheirDefaultsAndTheirSharingPerCheckId) {
   EditTimeAlgorithms first("shared", L"one", 3);
   EditTimeAlgorithms second("shared", L"two", 3);
   EditTimeAlgorithms other("other", L"one", 3);
-  first.readInputParameters(entry({"Look under masks=all"}));
+  first.readInputParameters(entry(parameter("Look under masks", {"all"})));
   EXPECT_EQ(second.currentScope().lookUnderMasks, 0);
   EXPECT_EQ(other.currentScope().lookUnderMasks, 0);  // all-zero: never read
-  other.readInputParameters(entry({}));
+  other.readInputParameters(entry(""));
   EXPECT_EQ(other.currentScope().lookUnderMasks, 2);
   EXPECT_EQ(first.currentScope().lookUnderMasks, 0);
 }
