@@ -23,6 +23,11 @@ struct bkEditBDProbe {
   auto& handleToSubsystem() { return d.handleToSubsystem; }
   bool initialScanDone() const { return d.initialScanDone; }
   bool tooManyRoutingBlocks() const { return d.tooManyRoutingBlocks.load(); }
+  // Forgets the routing blocks counted so far, so that the Goto/From check runs again.
+  void resetRoutingCount() {
+    d.routingBlockCount = 0;
+    d.tooManyRoutingBlocks = false;
+  }
   std::uint32_t variantSubsystemCount() const { return d.variantSubsystemCount; }
 
   bkEditBD& d;
