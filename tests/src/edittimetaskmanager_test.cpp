@@ -135,8 +135,7 @@ TEST_F(ScanTest, TheTaskLeftBehindAtCloseDoesNoHarm) {
   idle();
   EXPECT_TRUE(workspace.expired() || !workspace.lock()->owner());  // it ran and left
   EXPECT_EQ(done(), before);
-  EXPECT_TRUE(takeChanged(*data).empty());
-  EXPECT_TRUE(takeEvents().empty());
+  EXPECT_TRUE(takeChanged(*data).empty() && takeEvents().empty());
   EXPECT_FALSE(engineOf(u"m"));
   // A task of a name that has no engine is valid and finishes in one slice.
   EditTimeTaskManager stale(L"gone");

@@ -55,8 +55,9 @@ class EngineFixture : public ::testing::Test {
     Blockara::StudioApp::open(d)->openEditor(name);
     d->notifyOpened();
     if (auto e = engineOf(name)) {
-      e->getAlgorithmTable().setEventObserver(
-          [this](int code, bool variants, std::size_t) { events.push_back({code, variants}); });
+      e->getAlgorithmTable().setEventObserver([this](int code, bool variants, std::size_t) {
+        events.push_back({code, variants});
+      });
     }
     return d;
   }

@@ -13,6 +13,7 @@ namespace bkedittimecheck::testing {
 namespace {
 
 using Trace = std::vector<std::string>;
+using Entry = void (EditTimeController::*)(const std::wstring&);
 
 class EngineSwitchTest : public EngineFixture {
  protected:
@@ -69,6 +70,10 @@ class EngineSwitchTest : public EngineFixture {
   }
 
   Trace take() { return std::exchange(trace, {}); }
+  /// Calls the controller's `entries` for "m" in order.
+  static void call(std::initializer_list<Entry> entries) {
+    for (Entry entry : entries) (controller().*entry)(L"m");
+  }
 
   BKRootBD* d = nullptr;
   std::shared_ptr<EditTimeEngine> engine;
@@ -103,11 +108,9 @@ TEST_F(EngineSwitchTest, SwitchesOnRunTheirTablesAfterSettingTheFlags) {
   engine->errorsOff();
   engine->warningsOff();
   EXPECT_EQ(take(), Trace{});  // off switches run no table
-  controller().turnOnErrors(L"m");
-  controller().turnOnWarnings(L"m");
-  controller().turnOffErrorsAndWarnings(L"m");
-  controller().turnOnErrorsAndWarnings(L"m");
-  controller().on(L"m");
+  call({&EditTimeController::turnOnErrors, &EditTimeController::turnOnWarnings,
+        &EditTimeController::turnOffErrorsAndWarnings, &EditTimeController::turnOnErrorsAndWarnings,
+        &EditTimeController::on});
   EXPECT_EQ(take(), (Trace{"run 1 E1 W0 RA0 scanned=1", "run 1 E1 W1 RA0 scanned=1",
                            "run 15 E1 W1 RA0 scanned=1", "run 1 E1 W1 RA0 scanned=1"}));
 }
@@ -116,17 +119,14 @@ TEST_F(EngineSwitchTest, ASuspendedDiagramIgnoresTheSwitchesButStillLosesItsGlow
   engine->getAlgorithmTable().auditorChecksEnabled = true;
   styledWith({{g, "err", 1}, {h, "warn", 0}, {h, "ra", 3}});
   d->setSuspended(true);
-  controller().on(L"m");
-  controller().turnOnErrors(L"m");
-  controller().turnOnWarnings(L"m");
-  controller().turnOnErrorsAndWarnings(L"m");
-  controller().enableRA(L"m");
+  call({&EditTimeController::on, &EditTimeController::turnOnErrors,
+        &EditTimeController::turnOnWarnings, &EditTimeController::turnOnErrorsAndWarnings,
+        &EditTimeController::enableRA});
   EXPECT_EQ(take(), Trace{});
   // The removal passes sit outside the gate; the switches themselves stay as they were. h loses
   // "Warn" twice: once with its edit-time warning, once with its rule-auditor finding.
-  controller().turnOffErrors(L"m");
-  controller().turnOffWarnings(L"m");
-  controller().disableRA(L"m");
+  call({&EditTimeController::turnOffErrors, &EditTimeController::turnOffWarnings,
+        &EditTimeController::disableRA});
   EXPECT_EQ(take(), (Trace{"-Error g E1 W1 RA1", "-Warn h E1 W1 RA1", "-Warn h E1 W1 RA1"}));
   EXPECT_EQ(flags(), " E1 W1 RA1");
   EXPECT_EQ(store(), Trace{});
@@ -188,9 +188,8 @@ TEST_F(EngineSwitchTest, AuditorSwitchesAndConfigurations) {
   EXPECT_EQ(take(), (Trace{"run 7 E1 W1 RA1 scanned=1"}));
   EXPECT_EQ(probe.auditorGraphsDone().size(), 1u);
   // Masks are queued again for every known subsystem.
-  bool sawMask = false;
-  for (const MaskedBlock& m : takeAll(probe.maskedBlocks())) sawMask |= m.path == L"m/s";
-  EXPECT_TRUE(sawMask);
+  const auto masks = takeAll(probe.maskedBlocks());
+  EXPECT_TRUE(std::any_of(masks.begin(), masks.end(), [](auto& m) { return m.path == L"m/s"; }));
 
   styledWith({{g, "ra", 3}});
   controller().switchConfiguration(L"/no/such/config.xml", L"m");
@@ -203,8 +202,7 @@ TEST_F(EngineSwitchTest, AuditorSwitchesAndConfigurations) {
 
   controller().disableRA(L"m");
   EXPECT_EQ(flags(), " E1 W1 RA0");
-  EXPECT_TRUE(probe.auditorGraphsDone().empty());
-  EXPECT_TRUE(probe.auditorPathsDone().empty());
+  EXPECT_TRUE(probe.auditorGraphsDone().empty() && probe.auditorPathsDone().empty());
   EXPECT_EQ(take(), Trace{});
   // Checks on under the rule auditor bring the configuration back before the table runs.
   controller().on(L"m");

@@ -57,8 +57,8 @@ TEST(ViolationDatabase, RemovalsFeedPendingClears) {
   EXPECT_EQ(db.blockCount(), 0u);
   db.clearPendingClears();
 
-  for (const auto& [h, check, type] : {std::tuple{1, "a", "t"}, {1, "b", "t"}, {2, "a", "t"},
-                                       {3, "a", "u"}})
+  for (const auto& [h, check, type] :
+       {std::tuple{1, "a", "t"}, {1, "b", "t"}, {2, "a", "t"}, {3, "a", "u"}})
     db.add(rec(h, check, type, 3));
   db.removeByType("a", "t");
   EXPECT_EQ(db.pendingClears(), Handles{2});  // only the block left empty

@@ -77,7 +77,6 @@ class CheckBench : public ::testing::Test {
     data->setUniqueDataStoreMsg(setting);
     DataStoreUsage(L"m", severity).evaluate(*data, *db);
   }
-  void stateAccessor() { StateAccessorPathViolation(L"m", 1).evaluate(*data, *db); }
 
   BKRootBD* d = nullptr;
   std::unique_ptr<bkEditBD> data;
@@ -230,7 +229,7 @@ TEST_F(CheckBench, StateAccessorPlacementAgainstTheOwner) {
            with({"r StateReader StateOwnerBlock=m/it"}),
            {"r|StateAccessorAndStateOwnerInSameSystem|1", "r|StateAccessorInImplicitIterator|1"}},
       },
-      [this] { stateAccessor(); });
+      [this] { StateAccessorPathViolation(L"m", 1).evaluate(*data, *db); });
   // The iterator walks put back what they took from the queue.
   EXPECT_EQ(probe().subsysProperties().unsafe_size(), 2u);
 }
