@@ -76,7 +76,7 @@ TEST_F(BlockChecksTest, PortSubsystemAndCodegenNameChecksTakeTheirOwnBlocks) {
 
 TEST_F(BlockChecksTest, MasksDecideTheScopeByTheirKind) {
   // m<n>/sub holds a block "x"; the subsystem's mask kind and "Look under masks" decide.
-  const auto under = [](const std::string& masks, blockara::PropertyMap mask) -> Case {
+  const auto under = [](const std::string& masks, blockara::PropertyMap mask, bool hit) -> Case {
     return {masks,
             check("orvanta.kabe.kb_0402",
                   {{kPattern, {"x"}}, {"Look under masks", {"graphical", masks}}}),
@@ -87,26 +87,18 @@ TEST_F(BlockChecksTest, MasksDecideTheScopeByTheirKind) {
               d->editing().addBlock(root + u"/sub", "Gain", u"x");
               d->editing().setProperties(root + u"/sub/x", {{"Gain", std::string("2")}});
             },
-            {}};
+            hit ? Lines{"/sub/x|orvanta.kabe.kb_0402|BlockNameViolation|3"} : Lines{}};
   };
-  const blockara::PropertyMap graphicalMask{{"MaskType", std::string("M")},
-                                            {"MaskParameters", 1.0}};
-  const blockara::PropertyMap emptyMask{{"MaskType", std::string("M")}};
-  const blockara::PropertyMap functionalMask{{"MaskType", std::string("M")},
-                                             {"MaskInitialization", std::string("k=1")}};
-  std::vector<Case> cases{under("all", functionalMask),
-                          under("none", graphicalMask),
-                          under("graphical", emptyMask),
-                          under("graphical", graphicalMask),
-                          under("functional", emptyMask),
-                          under("functional", functionalMask),
-                          under("bogus", {})};
-  const char* const hit = "/sub/x|orvanta.kabe.kb_0402|BlockNameViolation|3";
-  cases[0].expected = {hit};  // all: masks are not consulted
-  cases[3].expected = {hit};  // graphical: a mask with parameters is looked under
-  cases[4].expected = {hit};  // functional: only an initialized mask hides
-  cases[6].expected = {hit};  // no mask above: an unknown word hides nothing
-  runCases(cases);
+  const blockara::PropertyMap graphical{{"MaskType", std::string("M")}, {"MaskParameters", 1.0}};
+  const blockara::PropertyMap empty{{"MaskType", std::string("M")}};
+  const blockara::PropertyMap functional{{"MaskType", std::string("M")},
+                                         {"MaskInitialization", std::string("k=1")}};
+  runCases({under("all", functional, true),  // all: masks are not consulted
+            under("none", graphical, false), under("graphical", empty, false),
+            under("graphical", graphical, true),  // a mask with parameters is looked under
+            under("functional", empty, true),     // functional: only an initialized mask hides
+            under("functional", functional, false),
+            under("bogus", {}, true)});  // no mask above: an unknown word hides nothing
 }
 
 TEST_F(BlockChecksTest, LayoutChecksLookAtNameSideOrientationAndPortIcons) {
