@@ -16,51 +16,6 @@ function expect.fails(fn, pattern, what)
   end
 end
 
--- Every block as path -> {type, props...} for the given property names.
-function expect.snapshot(d, props)
-  local out = {}
-  for _, b in ipairs(d:blocks()) do
-    local rec = { type = b.type, sid = b.sid }
-    for _, p in ipairs(props) do
-      local ok, v = pcall(b.get, b, p)
-      if ok then
-        if type(v) == "table" then
-          local parts = {}
-          for _, x in ipairs(v) do
-            if type(x) == "table" then
-              local keys = {}
-              for k, val in pairs(x) do keys[#keys + 1] = k .. "=" .. tostring(val) end
-              table.sort(keys)
-              parts[#parts + 1] = "{" .. table.concat(keys, ",") .. "}"
-            else
-              parts[#parts + 1] = tostring(x)
-            end
-          end
-          v = "[" .. table.concat(parts, ",") .. "]"
-        end
-        rec[p] = tostring(v)
-      end
-    end
-    out[b.path] = rec
-  end
-  return out
-end
-
-function expect.sameSnapshot(a, b)
-  for path, rec in pairs(a) do
-    local other = b[path]
-    if not other then error("block missing after reload: " .. path, 2) end
-    for k, v in pairs(rec) do
-      if other[k] ~= v then
-        error(string.format("%s.%s: %s before, %s after", path, k, v, tostring(other[k])), 2)
-      end
-    end
-  end
-  for path in pairs(b) do
-    if not a[path] then error("unexpected block after reload: " .. path, 2) end
-  end
-end
-
 -- Every finding of a diagram as "PATH TYPE CATEGORY" lines, in d:violations() order.
 function expect.findings(d)
   local out = {}

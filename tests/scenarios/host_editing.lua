@@ -1,68 +1,81 @@
--- A diagram of a few hundred blocks in nested subsystems, edited through the scripting API:
--- the host's state after each kind of edit, and after undo and redo.
+-- A diagram edited through the scripting API: the host's state after each kind of edit and after
+-- undo and redo, and exactly which host signals each edit raises, with the blocks of each change
+-- report.
 package.path = arg[0]:match("(.*/)") .. "?.lua;" .. package.path
 local expect = require("expect")
 
-local d = blockara.new("Plant")
-expect.eq(d.name, "Plant", "name")
+local d = blockara.new("P")
+local function raised(expected, what)
+  expect.eq(table.concat(d:signals(), "\n"), table.concat(expected, "\n"), what)
+end
+raised({ "edit 1" }, "opening")
 d:batch(function(d)
-  d:add("Plant", "SubSystem", "Ctrl")
-  d:add("Plant/Ctrl", "SubSystem", "Inner")
-  for i = 1, 100 do
-    d:add("Plant/Ctrl/Inner", "Gain", "G" .. i, { Gain = tostring(i), Position = { i * 40, 20, 30, 30 } })
-    d:add("Plant/Ctrl", "Constant", "C" .. i, { Value = "1" })
-    d:add("Plant", "Sum", "S" .. i, { Orientation = "down" })
-  end
+  d:add("P", "SubSystem", "S")
+  d:add("P/S", "Gain", "G", { Gain = "7" })
+  d:add("P", "Gain", "H")
 end)
-expect.eq(#d:blocks(), 302, "blocks after the batch")
-expect.eq(d:block("Plant/Ctrl/Inner/G7"):get("Gain"), "7", "Gain of G7")
-expect.eq(d:block("Plant/S3"):get("Orientation"), "down", "orientation")
+raised({ "batch 26: P/S, P/S/G, P/H" }, "one report for a batch of additions")
+expect.eq(d:block("P/S/G"):get("Gain"), "7", "Gain of G")
 
--- A "/" inside a name is written "//" in paths.
-local g1 = d:block("Plant/Ctrl/Inner/G1")
-d:rename("Plant/Ctrl/Inner/G1", "Gain/One")
-expect.eq(g1.path, "Plant/Ctrl/Inner/Gain//One", "escaped path")
-expect.eq(g1.name, "Gain/One", "name")
-assert(d:block("Plant/Ctrl/Inner/Gain//One") == g1, "lookup by escaped path")
-
--- Moving keeps the block's identity.
-local s1 = d:block("Plant/S1")
-d:move("Plant/S1", "Plant/Ctrl")
-expect.eq(s1.path, "Plant/Ctrl/S1", "moved path")
-expect.eq(d:block("Plant/S1"), nil, "old path")
-
-d:comment("Plant/Ctrl/C1", "out")
-d:set("Plant/Ctrl/C2", { Value = "42", ShowName = "off" })
-expect.eq(d:block("Plant/Ctrl/C2"):get("Value"), "42", "set value")
+-- A "/" inside a name is written "//" in paths; moving keeps the block's identity.
+local g, h = d:block("P/S/G"), d:block("P/H")
+d:rename("P/S/G", "a/b")
+d:move("P/H", "P/S")
+expect.eq(g.path, "P/S/a//b", "escaped path")
+assert(d:block("P/S/a//b") == g, "lookup by escaped path")
+expect.eq(h.path, "P/S/H", "moved path")
+expect.eq(d:block("P/H"), nil, "old path")
+d:comment("P/S/H", "out")
+d:set("P/S", { Orientation = "down" })
+d:setModelParam("StopTime", "5")
+d:compileBegin(); d:compileEnd(); d:simulateBegin(); d:simulateEnd()
+d:workspaceChanged(); d:variablesChanged()
+raised({ "batch 33: P/S/a//b", "batch 33: P/S/H", "comment 22: P/S/H", "batch 27: P/S",
+         "param 41: StopTime", "compile 1", "compile 35", "exec 2", "exec 5", "compile 33",
+         "compile 34" }, "single edits and the compile and execution sides")
 
 -- Deleting a subsystem takes its contents; undo brings back the same blocks (same handles).
-local handle = d:block("Plant/Ctrl/Inner/G50").handle
-d:delete("Plant/Ctrl/Inner")
-expect.eq(#d:blocks(), 201, "blocks after delete")
-expect.eq(d:block("Plant/Ctrl/Inner/G50"), nil, "deleted block")
+local handle = g.handle
+d:delete("P/S")
+raised({ "batch 28: P/S, P/S/a//b, P/S/H" }, "a subsystem is deleted before its contents")
+expect.eq(#d:blocks(), 0, "blocks after delete")
 assert(d:undo(), "undo")
-expect.eq(#d:blocks(), 302, "blocks after undo")
-expect.eq(d:block("Plant/Ctrl/Inner/G50").handle, handle, "handle kept by undo")
+raised({ "batch 26: P/S, P/S/a//b, P/S/H" }, "undo of a deletion adds the same blocks back")
+expect.eq(d:block("P/S/a//b").handle, handle, "handle kept by undo")
 assert(d:redo(), "redo")
-expect.eq(#d:blocks(), 201, "blocks after redo")
-expect.fails(function() return g1.path end, "no longer exists", "dead block")
+expect.eq(#d:blocks(), 0, "blocks after redo")
+expect.fails(function() return g.path end, "no longer exists", "dead block")
 assert(d:undo())
+d:signals()
 
--- Undo of the comment and the parameter change, in reverse order.
+-- Within one batch the report holds the net effect: a block added and then changed is only
+-- added; several kinds make one report each, in the order added, changed, deleted, renamed.
+d:batch(function(d)
+  d:add("P", "Gain", "X")
+  d:set("P/X", { Gain = "2" })
+  d:set("P/S", { Orientation = "up" })
+  d:delete("P/S/a//b")
+  d:rename("P/S/H", "H2")
+  d:comment("P/S/H2", "through")
+end)
+raised({ "batch 26: P/X", "batch 27: P/S", "batch 28: P/S/a//b", "batch 33: P/S/H2",
+         "comment 23: P/S/H2" }, "a mixed batch")
+-- Undo of a batch takes it back whole.
 assert(d:undo())
-expect.eq(d:block("Plant/Ctrl/C2"):get("Value"), "1", "value after undo")
+expect.eq(d:block("P/X"), nil, "added block after undo")
+expect.eq(d:block("P/S/a//b").path, "P/S/a//b", "deleted block after undo")
 
 -- Bad edits fail with the path in the message and change nothing.
-expect.fails(function() d:add("Plant/Nowhere", "Gain", "X") end, "Plant/Nowhere", "bad system")
-expect.fails(function() d:add("Plant", "NoSuchType", "X") end, "NoSuchType", "bad type")
-expect.fails(function() d:rename("Plant/Ctrl/C3", "C4") end, nil, "name taken")
-expect.eq(#d:blocks(), 302, "blocks after failed edits")
+expect.fails(function() d:add("P/Nowhere", "Gain", "X") end, "P/Nowhere", "bad system")
+expect.fails(function() d:add("P", "NoSuchType", "X") end, "NoSuchType", "bad type")
+expect.fails(function() d:rename("P/S/H", "a/b") end, nil, "name taken")
+expect.eq(#d:blocks(), 3, "blocks after failed edits")
 
 -- Diagrams by name, rename and close.
-assert(blockara.diagram("Plant") == d)
-d:renameDiagram("Plant2")
-expect.eq(d:block("Plant2/Ctrl/C3").path, "Plant2/Ctrl/C3", "path after diagram rename")
+assert(blockara.diagram("P") == d)
+d:renameDiagram("P2")
+expect.eq(d:block("P2/S/H").path, "P2/S/H", "path after diagram rename")
 d:close()
-expect.eq(blockara.diagram("Plant2"), nil, "closed diagram")
+expect.eq(blockara.diagram("P2"), nil, "closed diagram")
 expect.fails(function() d:blocks() end, "closed", "closed diagram")
 print("host_editing: ok")

@@ -29,7 +29,6 @@ struct bkEditBDProbe {
     d.tooManyRoutingBlocks = false;
   }
   std::uint32_t variantSubsystemCount() const { return d.variantSubsystemCount; }
-  bool hasStateAccessBlocks() const { return d.hasStateAccessBlocks; }
 
   bkEditBD& d;
 };

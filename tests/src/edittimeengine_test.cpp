@@ -26,6 +26,7 @@ class EngineBatchTest : public EngineFixture {
     takeEvents();
   }
   blockara::DiagramEditing& e() { return d->editing(); }
+  bkEditBDProbe probe() { return bkEditBDProbe(*data); }
 
   BKRootBD* d = nullptr;
   std::shared_ptr<EditTimeEngine> engine;
@@ -43,7 +44,7 @@ TEST_F(EngineBatchTest, AddedBlocksOnlyRoutingBlocksAreTakenAndDeletionsRunFirst
   }
   EXPECT_EQ(takeChanged(*data), (Names{"go", "ds"}));
   EXPECT_TRUE(takeDeleted(*data).empty());
-  EXPECT_EQ(takeEvents(), (std::vector<Event>{{19, false}, {18, false}}));
+  EXPECT_EQ(takeEvents(), (Events{{19, false}, {18, false}}));
 }
 
 TEST_F(EngineBatchTest, ChangedBlocksAreTakenWhenRoutingOrOnView) {
@@ -56,8 +57,7 @@ TEST_F(EngineBatchTest, ChangedBlocksAreTakenWhenRoutingOrOnView) {
     e().setProperties(u"m/hidden/from", {{"GotoTag", std::string("B")}});
   }
   EXPECT_EQ(takeChanged(*data), (Names{"onView", "from"}));
-  EXPECT_EQ(takeEvents(), (std::vector<Event>{{21, false}}));
-
+  EXPECT_EQ(takeEvents(), (Events{{21, false}}));
   // Opening an editor on the subsystem brings its blocks on view.
   Blockara::StudioApp::open(d)->openEditor(u"m/hidden");
   blockara::EventLoop::instance().runUntilIdle();
@@ -75,102 +75,85 @@ TEST_F(EngineBatchTest, RoutingBlocksAreAlwaysTakenUpToTheThousandth) {
   const Names taken = takeChanged(*data);
   ASSERT_EQ(taken.size(), 1000u);
   EXPECT_EQ(taken.back(), "g999");
-  EXPECT_TRUE(bkEditBDProbe(*data).tooManyRoutingBlocks());
+  EXPECT_TRUE(probe().tooManyRoutingBlocks());
   // Past the limit a Goto is an ordinary block: taken on a change only when on view.
   e().setProperties(u"m/g1000", {{"GotoTag", std::string("Z")}});
   EXPECT_EQ(takeChanged(*data), (Names{"g1000"}));
 }
 
 TEST_F(EngineBatchTest, DeletedBlocksAndVariantSubsystems) {
-  BKBlock* gain = e().addBlock(u"m", "Gain", u"g");
-  const double gainHandle = gain->getHandle();
+  const double gain = e().addBlock(u"m", "Gain", u"g")->getHandle();
   e().addBlock(u"m", "SubSystem", u"v", {{"Variant", std::string("on")}});
-  EXPECT_EQ(bkEditBDProbe(*data).variantSubsystemCount(), 1u);
+  EXPECT_EQ(probe().variantSubsystemCount(), 1u);
   EXPECT_EQ(takeEvents().back(), (Event{18, true}));
-
   // A change of a variant subsystem counts it again: only additions and deletions are balanced
   // by the host, changes are not.
   e().setProperties(u"m/v", {{"Variant", std::string("on")}});
-  EXPECT_EQ(bkEditBDProbe(*data).variantSubsystemCount(), 2u);
+  EXPECT_EQ(probe().variantSubsystemCount(), 2u);
   e().setProperties(u"m/v", {{"Variant", std::string("off")}});
   clear();
-
   e().deleteBlock(u"m/g");  // kept as an undo object: its handle still resolves
-  EXPECT_EQ(takeDeleted(*data), (std::vector<double>{gainHandle}));
-  EXPECT_EQ(takeEvents(), (std::vector<Event>{{19, true}}));
-
+  EXPECT_EQ(takeDeleted(*data), (std::vector<double>{gain}));
+  EXPECT_EQ(takeEvents(), (Events{{19, true}}));
   e().setProperties(u"m/v", {{"Variant", std::string("on")}});
-  const unsigned before = bkEditBDProbe(*data).variantSubsystemCount();
   e().deleteBlock(u"m/v");
-  EXPECT_EQ(bkEditBDProbe(*data).variantSubsystemCount(), before - 1);
+  EXPECT_EQ(probe().variantSubsystemCount(), 2u);  // three counted, one deleted
 
   // Without undo history the deleted block is gone at once: its handle is queued, the count
   // stays as it was.
   e().addBlock(u"m", "SubSystem", u"w", {{"Variant", std::string("on")}});
-  const unsigned withW = bkEditBDProbe(*data).variantSubsystemCount();
   e().setUndoDepth(0);
   takeDeleted(*data);
   e().deleteBlock(u"m/w");
   EXPECT_EQ(takeDeleted(*data).size(), 1u);
-  EXPECT_EQ(bkEditBDProbe(*data).variantSubsystemCount(), withW);
+  EXPECT_EQ(probe().variantSubsystemCount(), 3u);
 }
 
-TEST_F(EngineBatchTest, CommentChangesRouteByKind) {
-  addBlocks(d, {"go Goto", "g Gain", "s SubSystem"});
+TEST_F(EngineBatchTest, CommentChangesRouteByKindAndRenamedSubsystemsQueueTheirPathChange) {
+  addBlocks(d, {"go Goto", "g Gain", "s SubSystem", "s/go Goto"});
   clear();
-
   e().setCommentState(u"m/g", 1);  // not routing, not a subsystem: nothing to check
-  EXPECT_TRUE(takeChanged(*data).empty());
-  EXPECT_TRUE(takeEvents().empty());
-
+  EXPECT_TRUE(takeChanged(*data).empty() && takeEvents().empty());
   e().setCommentState(u"m/go", 1);
   EXPECT_EQ(takeChanged(*data), (Names{"go"}));
-  EXPECT_EQ(takeEvents(), (std::vector<Event>{{3, false}}));
+  EXPECT_EQ(takeEvents(), (Events{{3, false}}));
 
   e().setCommentState(u"m/s", 2);
-  auto added = takeAll(bkEditBDProbe(*data).blkProperties());
-  ASSERT_EQ(added.size(), 1u);
-  EXPECT_TRUE(added[0].isAdded);
-  EXPECT_EQ(added[0].pathWithSlash, L"m/s/");
-  EXPECT_EQ(added[0].handle, d->findBlock(u"m/s")->getHandle());
-
   e().setCommentState(u"m/s", 0);
-  auto removed = takeAll(bkEditBDProbe(*data).blkProperties());
-  ASSERT_EQ(removed.size(), 1u);
-  EXPECT_FALSE(removed[0].isAdded);
+  const auto queued = takeAll(probe().blkProperties());
+  ASSERT_EQ(queued.size(), 2u);
+  EXPECT_TRUE(queued[0].isAdded);
+  EXPECT_EQ(queued[0].pathWithSlash, L"m/s/");
+  EXPECT_EQ(queued[0].handle, d->findBlock(u"m/s")->getHandle());
+  EXPECT_FALSE(queued[1].isAdded);
   EXPECT_EQ(takeEvents().back(), (Event{3, false}));
-}
 
-TEST_F(EngineBatchTest, RenamedSubsystemsQueueTheirPathChange) {
-  addBlocks(d, {"s SubSystem", "s/go Goto"});
   clear();
-  takeAll(bkEditBDProbe(*data).subsysNameChanges());
+  takeAll(probe().subsysNameChanges());
   e().renameBlock(u"m/s", u"t");
-  auto changes = takeAll(bkEditBDProbe(*data).subsysNameChanges());
+  const auto changes = takeAll(probe().subsysNameChanges());
   ASSERT_EQ(changes.size(), 1u);
-  EXPECT_EQ(changes[0].oldPath, L"m/s");
-  EXPECT_EQ(changes[0].newPath, L"m/t");
-  EXPECT_EQ(takeEvents(), (std::vector<Event>{{20, false}}));
+  EXPECT_EQ(changes[0].oldPath + L">" + changes[0].newPath, L"m/s>m/t");
+  EXPECT_EQ(takeEvents(), (Events{{20, false}}));
 }
 
 TEST_F(EngineBatchTest, StateAccessorSnapshotsResolveTheirOwnerAsTheHostDoes) {
   // The accessor sits in a system whose name holds a "/", written "//" in paths: one "../"
   // climbs that whole system, not half of its name.
   e().addBlock(u"m", "SubSystem", u"a/b");
-  BKBlock* owner = e().addBlock(u"m", "Gain", u"owner");
+  const int owner = e().addBlock(u"m", "Gain", u"owner")->getBlockId();
   e().addBlock(u"m/a//b", "Gain", u"owner");  // a decoy where a wrong climb would land
   takeChanged(*data);
   e().addBlock(u"m/a//b", "StateReader", u"r", {{"StateOwnerBlock", std::string("../owner")}});
-  e().addBlock(u"m", "StateWriter", u"w", {{"StateOwnerBlock", std::string("m/gone")}});
-  const auto taken = takeAll(bkEditBDProbe(*data).changedBlocks());
-  ASSERT_EQ(taken.size(), 2u);
-  ASSERT_TRUE(taken[0]->getDefaultEditBlock());
-  EXPECT_EQ(taken[0]->getDefaultEditBlock()->stringParam0, "m/owner");
-  EXPECT_EQ(taken[0]->getDefaultEditBlock()->ownerBlockId, owner->getBlockId());
   // An owner that does not resolve keeps the path as written and the id as it was.
-  ASSERT_TRUE(taken[1]->getDefaultEditBlock());
-  EXPECT_EQ(taken[1]->getDefaultEditBlock()->stringParam0, "m/gone");
-  EXPECT_EQ(taken[1]->getDefaultEditBlock()->ownerBlockId, 0);
+  e().addBlock(u"m", "StateWriter", u"w", {{"StateOwnerBlock", std::string("m/gone")}});
+  std::vector<std::string> snapshots;
+  for (const auto& block : takeAll(probe().changedBlocks())) {
+    ASSERT_TRUE(block->getDefaultEditBlock());
+    const auto& s = *block->getDefaultEditBlock();
+    snapshots.push_back(s.stringParam0 + " " + std::to_string(s.ownerBlockId));
+  }
+  EXPECT_EQ(snapshots, (Names{"m/owner " + std::to_string(owner), "m/gone 0"}));
 }
 
 }  // namespace

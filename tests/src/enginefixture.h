@@ -33,6 +33,7 @@ class EngineFixture : public ::testing::Test {
     bool hasVariants;
     bool operator==(const Event&) const = default;
   };
+  using Events = std::vector<Event>;
 
   void SetUp() override {
     blockara::EventLoop::instance().adoptCurrentThread();
@@ -53,24 +54,19 @@ class EngineFixture : public ::testing::Test {
     RegisterExecPlugins(d->getExecBD());
     Blockara::StudioApp::open(d)->openEditor(name);
     d->notifyOpened();
-    observe(name);
-    return d;
-  }
-
-  /// Records the events of the engine now registered under `name`, if any.
-  void observe(const std::u16string& name) {
     if (auto e = engineOf(name)) {
       e->getAlgorithmTable().setEventObserver([this](int code, bool variants, std::size_t) {
         events.push_back({code, variants});
       });
     }
+    return d;
   }
 
   static std::shared_ptr<EditTimeEngine> engineOf(const std::u16string& name) {
     return controller().findEngine(toWide(name));
   }
 
-  std::vector<Event> takeEvents() { return std::exchange(events, {}); }
+  Events takeEvents() { return std::exchange(events, {}); }
 
   /// The styling that ends a pass, as the worker posts it: counts a pass first when none is in
   /// flight, since a styling without a pass leaves the engine busy for good.
@@ -103,7 +99,7 @@ class EngineFixture : public ::testing::Test {
     return out;
   }
 
-  std::vector<Event> events;
+  Events events;
 };
 
 }  // namespace bkedittimecheck::testing

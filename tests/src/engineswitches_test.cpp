@@ -13,6 +13,7 @@ namespace bkedittimecheck::testing {
 namespace {
 
 using Trace = std::vector<std::string>;
+using Entry = void (EditTimeController::*)(const std::wstring&);
 
 class EngineSwitchTest : public EngineFixture {
  protected:
@@ -22,10 +23,18 @@ class EngineSwitchTest : public EngineFixture {
     addBlocks(d, {"g Gain", "h Gain", "s SubSystem", "s/hiddenGoto Goto"});
     engine = engineOf(u"m");
     ASSERT_TRUE(engine);
-    watch(*engine);
+    data = engine->getData().get();
     g = d->findBlock(u"m/g")->getHandle();
     h = d->findBlock(u"m/h")->getHandle();
-    takeChanged(*engine->getData());  // the routing block taken when it was added
+    takeChanged(*data);  // the routing block taken when it was added
+    // Every table run and every class change, with the switches as they stand then.
+    engine->getAlgorithmTable().setEventObserver([this](int code, bool, std::size_t) {
+      trace.push_back("run " + std::to_string(code) + flags() + " scanned=" +
+                      std::to_string(bkEditBDProbe(*data).visibleGraphsDone().size()));
+    });
+    createEditTimeStyler()->setObserver([this](double handle, const std::wstring& c, bool on) {
+      trace.push_back((on ? "+" : "-") + toNarrow(c) + (handle == g ? " g" : " h") + flags());
+    });
   }
 
   void TearDown() override {
@@ -33,49 +42,42 @@ class EngineSwitchTest : public EngineFixture {
     EngineFixture::TearDown();
   }
 
-  // Records every table run and every class change with the switches as they stand then.
-  void watch(EditTimeEngine& e) {
-    EditTimeEngine* at = &e;
-    e.getAlgorithmTable().setEventObserver([this, at](int code, bool, std::size_t) {
-      trace.push_back("run " + std::to_string(code) + flags(*at) + " scanned=" +
-                      std::to_string(bkEditBDProbe(*at->getData()).visibleGraphsDone().size()));
-    });
-    createEditTimeStyler()->setObserver([this, at](double handle, const std::wstring& c, bool on) {
-      trace.push_back(std::string(on ? "+" : "-") + toNarrow(c) + (handle == g ? " g" : " h") +
-                      flags(*at));
-    });
+  std::string flags() const {
+    const AlgorithmTable& t = engine->getAlgorithmTable();
+    return std::string(" E") + "01"[t.showErrors] + " W" + "01"[t.showWarnings] + " RA" +
+           "01"[t.auditorChecksEnabled];
   }
 
-  static std::string flags(EditTimeEngine& e) {
-    const AlgorithmTable& t = e.getAlgorithmTable();
-    return std::string(" E") + (t.showErrors ? "1" : "0") + " W" + (t.showWarnings ? "1" : "0") +
-           " RA" + (t.auditorChecksEnabled ? "1" : "0");
-  }
-
-  void add(double handle, const char* check, std::uint32_t severity) {
-    engine->getViolations()->add(
-        std::make_shared<EditTimeViolation>(check, "type", severity, handle));
-  }
   /// Adds the records (handle, check, severity), styles them and drops what that traced.
   void styledWith(std::initializer_list<std::tuple<double, const char*, std::uint32_t>> records) {
-    for (const auto& [handle, check, severity] : records) add(handle, check, severity);
+    for (const auto& [handle, check, severity] : records) {
+      engine->getViolations()->add(
+          std::make_shared<EditTimeViolation>(check, "type", severity, handle));
+    }
     engine->applyStyling();
     take();
   }
 
-  std::vector<std::string> severitiesOf(double handle) const {
-    std::vector<std::string> out;
-    for (const auto& v : engine->getViolations()->violationsOf(handle)) {
-      out.push_back(v.checkId + ":" + std::to_string(v.severity));
+  /// The records of g and h as "g check:severity", sorted.
+  Trace store() const {
+    Trace out;
+    for (const auto& [handle, name] : {std::pair{g, " g"}, std::pair{h, " h"}}) {
+      for (const auto& v : engine->getViolations()->violationsOf(handle))
+        out.push_back(v.checkId + ":" + std::to_string(v.severity) + name);
     }
     std::sort(out.begin(), out.end());
     return out;
   }
 
   Trace take() { return std::exchange(trace, {}); }
+  /// Calls the controller's `entries` for "m" in order.
+  static void call(std::initializer_list<Entry> entries) {
+    for (Entry entry : entries) (controller().*entry)(L"m");
+  }
 
   BKRootBD* d = nullptr;
   std::shared_ptr<EditTimeEngine> engine;
+  bkEditBD* data = nullptr;
   double g = 0;
   double h = 0;
   Trace trace;
@@ -87,34 +89,28 @@ TEST_F(EngineSwitchTest, ErrorsOffRemovesStylingFirstWarningsOffClearsTheFlagFir
   // The red goes while errors are still on; only then is the switch cleared. One error a block
   // leaves the store.
   EXPECT_EQ(take(), (Trace{"-Error g E1 W1 RA0"}));
-  EXPECT_FALSE(engine->getAlgorithmTable().showErrors);
-  EXPECT_EQ(severitiesOf(g).size(), 1u);
-
+  EXPECT_EQ(store().size(), 3u);
   controller().turnOffWarnings(L"m");
   // Warnings the other way round: the switch is already off when the orange goes.
   EXPECT_EQ(take(), (Trace{"-Warn h E0 W0 RA0"}));
-  EXPECT_EQ(severitiesOf(h).size(), 1u);
+  EXPECT_EQ(store().size(), 2u);
 
   // Both at once: errors first, then warnings, each in its own order.
   engine->getAlgorithmTable().showErrors = true;
   engine->getAlgorithmTable().showWarnings = true;
-  engine->applyStyling();
-  take();
+  styledWith({});
   controller().turnOffErrorsAndWarnings(L"m");
   EXPECT_EQ(take(), (Trace{"-Error g E1 W1 RA0", "-Warn h E0 W0 RA0"}));
-  EXPECT_TRUE(engine->getViolations()->violationsOf(g).empty());
-  EXPECT_TRUE(engine->getViolations()->violationsOf(h).empty());
+  EXPECT_EQ(store(), Trace{});
 }
 
 TEST_F(EngineSwitchTest, SwitchesOnRunTheirTablesAfterSettingTheFlags) {
   engine->errorsOff();
   engine->warningsOff();
-  EXPECT_TRUE(take().empty());  // off switches run no table
-  controller().turnOnErrors(L"m");
-  controller().turnOnWarnings(L"m");
-  controller().turnOffErrorsAndWarnings(L"m");
-  controller().turnOnErrorsAndWarnings(L"m");
-  controller().on(L"m");
+  EXPECT_EQ(take(), Trace{});  // off switches run no table
+  call({&EditTimeController::turnOnErrors, &EditTimeController::turnOnWarnings,
+        &EditTimeController::turnOffErrorsAndWarnings, &EditTimeController::turnOnErrorsAndWarnings,
+        &EditTimeController::on});
   EXPECT_EQ(take(), (Trace{"run 1 E1 W0 RA0 scanned=1", "run 1 E1 W1 RA0 scanned=1",
                            "run 15 E1 W1 RA0 scanned=1", "run 1 E1 W1 RA0 scanned=1"}));
 }
@@ -122,65 +118,53 @@ TEST_F(EngineSwitchTest, SwitchesOnRunTheirTablesAfterSettingTheFlags) {
 TEST_F(EngineSwitchTest, ASuspendedDiagramIgnoresTheSwitchesButStillLosesItsGlows) {
   engine->getAlgorithmTable().auditorChecksEnabled = true;
   styledWith({{g, "err", 1}, {h, "warn", 0}, {h, "ra", 3}});
-
   d->setSuspended(true);
-  controller().on(L"m");
-  controller().turnOnErrors(L"m");
-  controller().turnOnWarnings(L"m");
-  controller().turnOnErrorsAndWarnings(L"m");
-  controller().enableRA(L"m");
-  EXPECT_TRUE(take().empty());
-
+  call({&EditTimeController::on, &EditTimeController::turnOnErrors,
+        &EditTimeController::turnOnWarnings, &EditTimeController::turnOnErrorsAndWarnings,
+        &EditTimeController::enableRA});
+  EXPECT_EQ(take(), Trace{});
   // The removal passes sit outside the gate; the switches themselves stay as they were. h loses
   // "Warn" twice: once with its edit-time warning, once with its rule-auditor finding.
-  controller().turnOffErrors(L"m");
-  controller().turnOffWarnings(L"m");
-  controller().disableRA(L"m");
+  call({&EditTimeController::turnOffErrors, &EditTimeController::turnOffWarnings,
+        &EditTimeController::disableRA});
   EXPECT_EQ(take(), (Trace{"-Error g E1 W1 RA1", "-Warn h E1 W1 RA1", "-Warn h E1 W1 RA1"}));
-  EXPECT_EQ(flags(*engine), " E1 W1 RA1");
-  EXPECT_TRUE(engine->getViolations()->violationsOf(g).empty());
-  EXPECT_TRUE(engine->getViolations()->violationsOf(h).empty());
+  EXPECT_EQ(flags(), " E1 W1 RA1");
+  EXPECT_EQ(store(), Trace{});
   d->setSuspended(false);
 }
 
 TEST_F(EngineSwitchTest, TheWholeDiagramIsWalkedOnceInAnEnginesLife) {
   // An engine made without the opening walk: the preference was off when the diagram opened.
+  // The walk counts variants and notes subsystems, listeners and commented subsystems.
   controller().closeEngine(L"m");
+  addBlocks(d, {"v SubSystem Variant=on", "quiet SubSystem", "s/listen EventListener"});
+  d->editing().setCommentState(u"m/quiet", 1);
   bk::bkedittimecheck::bkutils::setShowEditTimeIssues(false);
   controller().turnOnErrors(L"m");  // made, but the walk waits for the preference
   auto fresh = engineOf(u"m");
   ASSERT_TRUE(fresh);
-  EXPECT_FALSE(bkEditBDProbe(*fresh->getData()).initialScanDone());
-  takeChanged(*fresh->getData());
+  bkEditBDProbe probe(*fresh->getData());
+  EXPECT_FALSE(probe.initialScanDone());
+  takeChanged(probe.d);
 
   bk::bkedittimecheck::bkutils::setShowEditTimeIssues(true);
   controller().turnOnErrors(L"m");
-  EXPECT_TRUE(bkEditBDProbe(*fresh->getData()).initialScanDone());
+  EXPECT_TRUE(probe.initialScanDone());
   // The walk takes the routing block off view; the restarted visible scan takes the root.
   const auto sortedChanged = [&] {
-    std::vector<std::string> names = takeChanged(*fresh->getData());
+    std::vector<std::string> names = takeChanged(probe.d);
     std::sort(names.begin(), names.end());
     return names;
   };
-  EXPECT_EQ(sortedChanged(), (std::vector<std::string>{"g", "h", "hiddenGoto", "s"}));
+  EXPECT_EQ(sortedChanged(), (Trace{"g", "h", "hiddenGoto", "quiet", "s", "v"}));
   controller().turnOnErrors(L"m");
-  EXPECT_EQ(sortedChanged(), (std::vector<std::string>{"g", "h", "s"}));
-}
-
-TEST_F(EngineSwitchTest, TheWalkCountsVariantsAndNotesSubsystemsAndListeners) {
-  controller().closeEngine(L"m");
-  addBlocks(d, {"v SubSystem Variant=on", "quiet SubSystem", "s/listen EventListener"});
-  d->editing().setCommentState(u"m/quiet", 1);
-  controller().turnOnErrors(L"m");
-  auto fresh = engineOf(u"m");
-  ASSERT_TRUE(fresh);
-  bkEditBD& data = *fresh->getData();
-  EXPECT_EQ(bkEditBDProbe(data).variantSubsystemCount(), 1u);
-  EXPECT_EQ(bkEditBDProbe(data).handleToSubsystem().size(), 3u);  // s, v and the commented one
-  const auto listeners = takeAll(bkEditBDProbe(data).subsysProperties());
+  EXPECT_EQ(sortedChanged(), (Trace{"g", "h", "quiet", "s", "v"}));
+  EXPECT_EQ(probe.variantSubsystemCount(), 1u);
+  EXPECT_EQ(probe.handleToSubsystem().size(), 3u);  // s, v and the commented one
+  const auto listeners = takeAll(probe.subsysProperties());
   ASSERT_EQ(listeners.size(), 1u);
   EXPECT_EQ(listeners[0].path, L"m/s/listen");
-  const auto commented = takeAll(bkEditBDProbe(data).blkProperties());
+  const auto commented = takeAll(probe.blkProperties());
   ASSERT_EQ(commented.size(), 1u);
   EXPECT_TRUE(commented[0].isAdded && commented[0].pathWithSlash == L"m/quiet/");
 }
@@ -192,8 +176,7 @@ TEST_F(EngineSwitchTest, AuditorOffClearsTheSwitchBeforeTheStyling) {
   styledWith({{g, "ra", 3}, {g, "ra2", 3}, {h, "ra", 3}, {h, "warn", 0}, {h, "err", 1}});
   controller().disableRA(L"m");
   EXPECT_EQ(take(), (Trace{"-Warn g E1 W1 RA0"}));
-  EXPECT_TRUE(engine->getViolations()->violationsOf(g).empty());
-  EXPECT_EQ(severitiesOf(h), (std::vector<std::string>{"err:1", "warn:0"}));
+  EXPECT_EQ(store(), (Trace{"err:1 h", "warn:0 h"}));
 }
 
 TEST_F(EngineSwitchTest, AuditorSwitchesAndConfigurations) {
@@ -201,49 +184,43 @@ TEST_F(EngineSwitchTest, AuditorSwitchesAndConfigurations) {
   d->editing().setProperties(u"m/s", {{"MaskType", std::string("Filter")}});
   take();
   controller().enableRA(L"m");
-  bkEditBD& data = *engine->getData();
+  bkEditBDProbe probe(*data);
   EXPECT_EQ(take(), (Trace{"run 7 E1 W1 RA1 scanned=1"}));
-  EXPECT_EQ(bkEditBDProbe(data).auditorGraphsDone().size(), 1u);
+  EXPECT_EQ(probe.auditorGraphsDone().size(), 1u);
   // Masks are queued again for every known subsystem.
-  bool sawMask = false;
-  for (const MaskedBlock& m : takeAll(bkEditBDProbe(data).maskedBlocks()))
-    sawMask |= m.path == L"m/s";
-  EXPECT_TRUE(sawMask);
+  const auto masks = takeAll(probe.maskedBlocks());
+  EXPECT_TRUE(std::any_of(masks.begin(), masks.end(), [](auto& m) { return m.path == L"m/s"; }));
 
   styledWith({{g, "ra", 3}});
   controller().switchConfiguration(L"/no/such/config.xml", L"m");
   // The old configuration's findings go before the new checks run.
   EXPECT_EQ(take(), (Trace{"-Warn g E1 W1 RA1", "run 7 E1 W1 RA1 scanned=1"}));
-  EXPECT_TRUE(engine->getViolations()->violationsOf(g).empty());
+  EXPECT_EQ(store(), Trace{});
   controller().switchConfiguration(L"m", L"/no/such/config.xml");  // swapped: no engine, nothing
   controller().loadDefaultConfiguration(L"m");
   EXPECT_EQ(take(), (Trace{"run 7 E1 W1 RA1 scanned=1"}));
 
   controller().disableRA(L"m");
-  EXPECT_FALSE(engine->getAlgorithmTable().auditorChecksEnabled);
-  EXPECT_TRUE(bkEditBDProbe(data).auditorGraphsDone().empty());
-  EXPECT_TRUE(bkEditBDProbe(data).auditorPathsDone().empty());
-  EXPECT_TRUE(take().empty());
-
+  EXPECT_EQ(flags(), " E1 W1 RA0");
+  EXPECT_TRUE(probe.auditorGraphsDone().empty() && probe.auditorPathsDone().empty());
+  EXPECT_EQ(take(), Trace{});
   // Checks on under the rule auditor bring the configuration back before the table runs.
   controller().on(L"m");
   EXPECT_EQ(take(), (Trace{"run 1 E1 W1 RA1 scanned=1"}));
-  EXPECT_EQ(bkEditBDProbe(data).auditorGraphsDone().size(), 1u);
+  EXPECT_EQ(probe.auditorGraphsDone().size(), 1u);
 }
 
 TEST_F(EngineSwitchTest, RefreshesAfterACompileOrAWorkspaceChange) {
   take();
   controller().refreshWorkspaceChecks(L"m");
   EXPECT_EQ(take(), (Trace{"run 16 E1 W1 RA0 scanned=1"}));
-  EXPECT_EQ(takeChanged(*engine->getData()), (std::vector<std::string>{"g", "h", "s"}));
-
+  EXPECT_EQ(takeChanged(*data), (Trace{"g", "h", "s"}));
   // Without a missing-variable finding no table runs.
   engine->refreshMissingVariables(17);
-  EXPECT_TRUE(take().empty());
-  add(g, "BlockMissingVariable", 0);
+  EXPECT_EQ(take(), Trace{});
+  styledWith({{g, "BlockMissingVariable", 0}});
   engine->refreshMissingVariables(17);
   EXPECT_EQ(take(), (Trace{"run 17 E1 W1 RA0 scanned=1"}));
-
   controller().refreshBlockaraStatePortChecks(L"m", g);
   EXPECT_EQ(take(), (Trace{"run 9 E1 W1 RA0 scanned=1"}));
 }
@@ -254,11 +231,10 @@ TEST_F(EngineSwitchTest, CleanupAtCloseStopsListeningToTheStudios) {
   studio->openEditor(u"m/s");
   blockara::EventLoop::instance().runUntilIdle();
   EXPECT_EQ(take(), (Trace{"run 2 E1 W1 RA0 scanned=1"}));
-
   controller().closeEngine(L"m");
   studio->focus(u"m");
   blockara::EventLoop::instance().runUntilIdle();
-  EXPECT_TRUE(take().empty());  // the closed engine hears nothing
+  EXPECT_EQ(take(), Trace{});  // the closed engine hears nothing
 }
 
 }  // namespace

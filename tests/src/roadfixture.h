@@ -19,8 +19,6 @@
 #include "host/model/blocklibrary.h"
 #include "host/prefs/directories.h"
 #include "host/style/styler.h"
-#include "src/algorithms/edittimealgorithms.h"
-#include "src/configuration/edittimecheckselector.h"
 #include "src/presentation/edittimestyler.h"
 #include "src/violationdatabase.h"
 #include "src/workerthread/asynctaskmanager.h"
@@ -66,17 +64,14 @@ class RoadFixture : public EngineFixture {
   /// parameters in the given order.
   static std::string check(
       const std::string& id,
-      const std::vector<std::pair<std::string, std::vector<std::string>>>& parameters = {},
-      const std::string& selected = "true") {
-    std::ostringstream out;
-    out << "<Check><ID>" << id << "</ID><Selected>" << selected << "</Selected><InputParameters>";
+      const std::vector<std::pair<std::string, std::vector<std::string>>>& parameters = {}) {
+    std::string out = "<Check><ID>" + id + "</ID><Selected>true</Selected><InputParameters>";
     for (const auto& [name, values] : parameters) {
-      out << "<InputParameter Name=\"" << name << "\">";
-      for (const auto& value : values) out << "<Value>" << value << "</Value>";
-      out << "</InputParameter>";
+      out += "<InputParameter Name=\"" + name + "\">";
+      for (const auto& value : values) out += "<Value>" + value + "</Value>";
+      out += "</InputParameter>";
     }
-    out << "</InputParameters></Check>";
-    return out.str();
+    return out + "</InputParameters></Check>";
   }
 
   /// Writes the customization file of the preferences directory with these `Check` elements.
@@ -118,17 +113,12 @@ class RoadFixture : public EngineFixture {
   }
 
   /// Every rule-tool record of the diagram as "path|checkId|type|severity[|commented]", sorted.
-  static std::vector<std::string> records(const std::u16string& name) {
-    std::vector<std::string> out;
-    auto engine = engineOf(name);
-    if (!engine) return out;
-    for (const auto& [handle, list] : engine->getViolations()->auditorViolations()) {
-      for (const EditTimeViolation& v : list) {
-        std::string line = toNarrow(v.blockPath) + "|" + v.checkId + "|" + v.violationType + "|" +
-                           std::to_string(v.severity);
-        if (v.isCommented) line += "|commented";
-        out.push_back(line);
-      }
+  static Lines records(const std::u16string& name) {
+    Lines out;
+    for (const auto& [handle, list] : engineOf(name)->getViolations()->auditorViolations()) {
+      for (const EditTimeViolation& v : list)
+        out.push_back(toNarrow(v.blockPath) + "|" + v.checkId + "|" + v.violationType + "|" +
+                      std::to_string(v.severity) + (v.isCommented ? "|commented" : ""));
     }
     std::sort(out.begin(), out.end());
     return out;
@@ -154,9 +144,8 @@ class RoadFixture : public EngineFixture {
   // Block types beside the built-in ones, for the capability and footnote rules: code generation
   // unsupported, deployment unsupported, harmless footnotes, an unknown footnote, a blank-led tag.
   static void loadLibraryWithTestTypes() {
-    std::ifstream in(BlockLibrary::defaultPath());
     std::stringstream text;
-    text << in.rdbuf();
+    text << std::ifstream(BlockLibrary::defaultPath()).rdbuf();
     std::string xml = text.str();
     const std::string extra = R"(
   <BlockType Name="NoCodegen" Code="301"><Capability Number="8" Support="0"/></BlockType>
