@@ -27,3 +27,12 @@ elseif(BKETC_SANITIZE STREQUAL "thread")
 elseif(NOT BKETC_SANITIZE STREQUAL "")
   message(FATAL_ERROR "BKETC_SANITIZE must be empty, 'address' or 'thread'")
 endif()
+
+# A fuzzing build instruments every library for libFuzzer's coverage feedback, not only the
+# fuzz targets' own sources (clang only; scripts/fuzz.sh sets it).
+if(BKETC_FUZZ_COVERAGE)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "BKETC_FUZZ_COVERAGE needs clang")
+  endif()
+  target_compile_options(bketc_options INTERFACE $<BUILD_INTERFACE:-fsanitize=fuzzer-no-link>)
+endif()
