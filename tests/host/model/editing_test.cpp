@@ -132,20 +132,4 @@ TEST_F(EditingTest, ClosingTheDiagramRaisesCloseAndInvalidatesHandles) {
   EXPECT_EQ(bkBlockDiagramSet::nameToBlockDiagram(u"m"), nullptr);
 }
 
-TEST(BlockLibraryTest, MalformedLibraryNamesFileAndKeepsTypes) {
-  BlockLibrary lib;
-  lib.loadFromString("<BlockLibrary><BlockType Name=\"A\" Code=\"1\"/></BlockLibrary>", "a.xml");
-  const std::string badCode = messageOf<std::runtime_error>([&] {
-    lib.loadFromString("<BlockLibrary>\n<BlockType Name=\"B\" Code=\"x\"/></BlockLibrary>",
-                       "b.xml");
-  });
-  EXPECT_NE(badCode.find("b.xml"), std::string::npos) << badCode;
-  EXPECT_NE(badCode.find("Code"), std::string::npos) << badCode;
-  EXPECT_EQ(messageOf<std::runtime_error>([&] {
-              lib.loadFromString("<BlockLibrary>\n<BlockType", "c.xml");
-            }).rfind("c.xml:", 0),
-            0u);
-  EXPECT_NE(lib.find("A"), nullptr);
-}
-
 }  // namespace

@@ -89,20 +89,6 @@ TEST(TimerThreadTest, HostSettingsChooseTheModeAndBadArgumentsAreRejected) {
   EXPECT_THROW(TimerThread::setDefaultMode(TimerThread::hostDefault), std::invalid_argument);
 }
 
-TEST(TimerThreadTest, PeriodicModeTicksByItselfAndTickBringsATickForward) {
-  RecordingTimer fast(TimerThread::periodic, 0.1);  // 1 ms
-  fast.start();
-  while (fast.ticks.load() < 3) std::this_thread::yield();  // ends once it ticked three times
-
-  RecordingTimer slow(TimerThread::periodic, 1e9);  // would never tick by itself in a test run
-  slow.start();
-  slow.queued = 4;
-  ASSERT_TRUE(slow.tick());
-  EXPECT_EQ(slow.drained.load(), 4);
-  // Only manual timers are driven by the main loop.
-  EXPECT_EQ(TimerThread::tickAllManual(), 0u);
-}
-
 // Driving a manual worker to quiescence is what every engine fixture does; here, the busy checks.
 TEST(TimerThreadTest, RunUntilQuietGivesUpWithTheReasonsOfWorkThatNeverSettles) {
   EventLoop& loop = EventLoop::instance();

@@ -53,7 +53,8 @@ class PerformanceTracerTest : public ::testing::Test {
   PerformanceTracer& tracer = PerformanceTracer::instance();
 };
 
-TEST_F(PerformanceTracerTest, WritesNestedStartsAndStopsPerThreadWithoutTearingTheFile) {
+TEST_F(PerformanceTracerTest, WritesNestedStartsAndStopsPerThreadOnlyWhileOnAndKeepsItOnABadPath) {
+  ptLogBlockaraData("C", "", "", "beforeStart", true);  // off: no effect, no error
   tracer.start(path.string());
   ptLogBlockaraData("EDITTIMECHECK", "", "", "Outer", true);
   ptLogBlockaraData("EDITTIMECHECK", "ctx \"a\"", "b\\c", "Inner", true);
@@ -76,7 +77,15 @@ TEST_F(PerformanceTracerTest, WritesNestedStartsAndStopsPerThreadWithoutTearingT
     });
   }
   for (auto& t : threads) t.join();
+  // A bad path keeps the running trace.
+  EXPECT_NE(messageOf<std::runtime_error>([&] {
+              tracer.start("/nonexistent-dir/trace.json");
+            }).find("/nonexistent-dir/trace.json"),
+            std::string::npos);
+  EXPECT_TRUE(tracer.isOn());
   tracer.stop();
+  tracer.stop();
+  ptLogBlockaraData("C", "", "", "afterStop", true);
   std::vector<std::string> all = events();
   std::map<std::string, int> perThread;
   for (auto e = all.begin() + 6; e != all.end(); ++e) ++perThread[e->substr(0, e->find(" C "))];
@@ -91,22 +100,6 @@ TEST_F(PerformanceTracerTest, WritesNestedStartsAndStopsPerThreadWithoutTearingT
                  }));
   EXPECT_EQ(perThread.size(), 4u);
   for (const auto& [thread, count] : perThread) EXPECT_EQ(count, 400) << thread;
-}
-
-TEST_F(PerformanceTracerTest, OffWritesNothingAndABadPathKeepsTheRunningTrace) {
-  ptLogBlockaraData("C", "", "", "beforeStart", true);  // off: no effect, no error
-  tracer.start(path.string());
-  ptLogBlockaraData("C", "", "", "first", true);
-  EXPECT_NE(messageOf<std::runtime_error>([&] {
-              tracer.start("/nonexistent-dir/trace.json");
-            }).find("/nonexistent-dir/trace.json"),
-            std::string::npos);
-  EXPECT_TRUE(tracer.isOn());
-  ptLogBlockaraData("C", "", "", "first", false);
-  tracer.stop();
-  tracer.stop();
-  ptLogBlockaraData("C", "", "", "afterStop", true);
-  EXPECT_EQ(events(), (std::vector<std::string>{"main C B:first", "main C E:first"}));
 }
 
 }  // namespace

@@ -13,8 +13,6 @@
 namespace bkedittimecheck::testing {
 namespace {
 
-using Glows = std::map<std::string, std::string>;
-
 /// The model "m" (not under the rule auditor) on the road, the worker in manual mode.
 class InteractiveRoad : public RoadFixture {
  public:
@@ -36,13 +34,6 @@ class InteractiveRoad : public RoadFixture {
   }
   /// Every record of `m` as "path|type|severity[|commented]", the path below "m", sorted.
   Lines all() const { return recordLines(d, *engineOf(u"m")->getViolations()); }
-  /// The style classes of `m`, the paths below "m".
-  Glows glows() const {
-    Glows out;
-    for (const auto& [path, c] : classes(d)) out[path.substr(2)] = c;
-    return out;
-  }
-
   void setGain(const std::u16string& name, const std::string& gain) {
     d->editing().setProperties(u"m/" + name, {{"Gain", gain}});
   }
@@ -124,16 +115,6 @@ TEST_F(InteractiveRoad, MissingVariableFailuresChangeNothingAndTheNextBatchAsksA
   setGain(u"g", "k");
   ASSERT_TRUE(settle());
   EXPECT_EQ(all(), (Lines{"h|BlockEditTimeMissingParams|1"}));
-}
-
-TEST_F(InteractiveRoad, ChartPortsAgainstTheDeclaredData) {
-  chart(
-      {{"Inport", u"a"}, {"Inport", u"c"}, {"Inport", u"u"}, {"Outport", u"b"}, {"Outport", u"e"}});
-  ASSERT_TRUE(settle());
-  EXPECT_EQ(all(),
-            (Lines{"ch/st/c|BlockaraStateMismappedPort|1", "ch/st/e|BlockaraStateMismappedPort|1",
-                   "ch/st/u|BlockaraStateUnmappedPort|1"}));
-  EXPECT_EQ(glows(), (Glows{{"ch/st/c", "Error"}, {"ch/st/e", "Error"}, {"ch/st/u", "Error"}}));
 }
 
 TEST_F(InteractiveRoad, AChartMappingThatCannotBeReadLeavesPortsUnmapped) {

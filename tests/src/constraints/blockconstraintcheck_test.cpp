@@ -249,18 +249,16 @@ TEST_F(ConstraintTest, FailedPrerequisiteSkipsTheRestAndPasses) {
 // and block type constraints are judged afresh for every block, as the scenario
 // constraints_modelparam shows with blocks of differing verdicts under one check.
 TEST_F(ConstraintTest, AModelVerdictIsKeptUntilTheValueChanges) {
-  judged.clear();
   auto model = std::make_shared<Logged<PositiveModelParameterConstraint>>();
   model->setID("m");
   model->addToConstraintValueVector(ConstraintValue("fast"));
-  model->setCurrentValue(ParameterValue(std::string("fast")));
-  EXPECT_TRUE(judge(model));  // each call judges another block
-  EXPECT_TRUE(judge(model));
-  EXPECT_EQ(judged, Judgements{"m"});
-  model->setCurrentValue(ParameterValue(std::string("slow")));
-  EXPECT_FALSE(judge(model));
-  EXPECT_FALSE(judge(model));
-  EXPECT_EQ(judged, (Judgements{"m", "m"}));
+  for (const std::string value : {"fast", "slow"}) {
+    judged.clear();
+    model->setCurrentValue(ParameterValue(value));
+    EXPECT_EQ(judge(model), value == "fast");  // each call judges another block
+    EXPECT_EQ(judge(model), value == "fast");
+    EXPECT_EQ(judged, Judgements{"m"}) << value;
+  }
 }
 
 // The event thread reads a changed model parameter into its constraint while the worker may be
