@@ -100,7 +100,6 @@ TEST_F(BkdFileTest, MalformedFilesNameTheFileAndLineAndLeaveNothingOpen) {
        "f.bkd:1: ConfigSets Active 3"},
       {std::string(2000, '<'), "f.bkd:1: "},
       // What a reader could only drop or choose from is refused.
-      {head + "</System>\n<System>" + tail, "f.bkd:4: a second <System> in <BlockDiagram>"},
       {head + "<Block Type=\"SubSystem\" Name=\"s\" SID=\"1\"><System/>\n<System/></Block>" + tail,
        "f.bkd:4: a second <System> in <Block>"},
       {head + gain + " Name=\"y\"/>" + tail, "f.bkd:3: <Block> has the attribute Name twice"},

@@ -90,6 +90,9 @@ TEST_F(EditingTest, InvalidEditsThrowAndChangeNothing) {
   take();
   std::size_t undo = e().undoCount();
   EXPECT_THROW(e().addBlock(u"m", "Gain", u""), std::invalid_argument);
+  EXPECT_THROW(e().addBlock(u"m/nowhere", "Gain", u"x"), std::invalid_argument);
+  EXPECT_THROW(e().addBlock(u"m", "NoSuchType", u"x"), std::invalid_argument);
+  EXPECT_THROW(e().addBlock(u"m/s", "Gain", u"g"), std::invalid_argument);  // the name is taken
   EXPECT_THROW(e().addBlock(u"m", "Gain", u"x", {{"Bogus", 1.0}}), std::invalid_argument);
   EXPECT_THROW(e().addBlock(u"m", "Goto", u"x", {{"TagVisibility", std::string("wide")}}),
                std::invalid_argument);
