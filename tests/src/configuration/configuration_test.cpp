@@ -195,6 +195,8 @@ TEST_F(ExclusionTest, EachRuleKindDecidesByItsOwnTest) {
   const std::vector<Entry> subsystemA{{{"Subsystem|off|a"}, {"c1"}}};
   const std::vector<Entry> library{{{"Library|-|mylib"}, {"notThisCheck"}}};
   const std::vector<Entry> mask{{{"MaskType|-|Filter"}, {}}};
+  const std::vector<Entry> libraryFirst{{{"Library|-|mylib", "Block|off|ab"}, {".*"}},
+                                        {{"Block|off|ab"}, {".*"}}};
   const Case cases[] = {
       {subsystemA, u"m/a/inner/deep", "c1", true},
       {subsystemA, u"m/ab", "c1", false},   // a prefix, not a subsystem
@@ -211,10 +213,7 @@ TEST_F(ExclusionTest, EachRuleKindDecidesByItsOwnTest) {
       {library, u"m/lib/linked", "c1", true},
       {library, u"m/lib", "c1", true},
       {library, u"m/lib/plain", "c1", false},  // its own reference is empty: false at once
-      {{{{"Library|-|mylib", "Block|off|ab"}, {".*"}}, {{"Block|off|ab"}, {".*"}}},
-       u"m/ab",
-       "c1",
-       false},
+      {libraryFirst, u"m/ab", "c1", false},
       {{{{"Library|-|mylib/sys"}, {}}}, u"m/lib/linked", "c1", true},  // the parent's reference
       {{{{"Library|-|other"}, {}}}, u"m/lib/linked", "c1", false},
       // A mask type looks one level up only.
