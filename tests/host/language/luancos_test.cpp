@@ -20,7 +20,23 @@ class LuaNcosTest : public LuaFixture {
   }
 };
 
-TEST_F(LuaNcosTest, OverloadsAreTriedOwnClassFirstThenSuperclasses) {
+TEST_F(LuaNcosTest, ConstructorsAreChosenByArgumentsAndAnnounceTheirObjects) {
+  auto before = ncos::BindingRegistry::instance().announcedCount();
+  EXPECT_EQ(run(R"(
+    local plain, named = Test.pkg.Gadget(), Test.pkg.Gadget("bolt")
+    assert(plain.Name == "" and named.Name == "named:bolt")
+    assert(tostring(named) == "Test.pkg.Gadget object" and named ~= plain and named == named)
+    assert(tostring(Test.pkg.Gadget) == "class Test.pkg.Gadget")
+    assert(Test.pkg.Gadget.name == "Test.pkg.Gadget")
+  )"),
+            "");
+  EXPECT_EQ(ncos::BindingRegistry::instance().announcedCount(), before + 2);
+}
+
+// Overloads are tried own class first, then superclasses; properties of every form read, write
+// and refuse wrong values; static and instance calls are kept apart. Each part makes its own
+// objects.
+TEST_F(LuaNcosTest, OverloadsPropertiesAndCallsBehaveAsDeclared) {
   EXPECT_EQ(run(R"(
     local g = Test.pkg.Gadget()
     -- the gadget's logical form takes a double too, and is declared before the widget's forms
@@ -37,25 +53,6 @@ TEST_F(LuaNcosTest, OverloadsAreTriedOwnClassFirstThenSuperclasses) {
     -- a static method returning a borrowed object gives the same native object each time
     local s = Test.pkg.Widget.getShared(); s.Name = "shared"
     assert(Test.pkg.Widget.getShared() == s and Test.pkg.Widget.getShared().Name == "shared")
-  )"),
-            "");
-}
-
-TEST_F(LuaNcosTest, ConstructorsAreChosenByArgumentsAndAnnounceTheirObjects) {
-  auto before = ncos::BindingRegistry::instance().announcedCount();
-  EXPECT_EQ(run(R"(
-    local plain, named = Test.pkg.Gadget(), Test.pkg.Gadget("bolt")
-    assert(plain.Name == "" and named.Name == "named:bolt")
-    assert(tostring(named) == "Test.pkg.Gadget object" and named ~= plain and named == named)
-    assert(tostring(Test.pkg.Gadget) == "class Test.pkg.Gadget")
-    assert(Test.pkg.Gadget.name == "Test.pkg.Gadget")
-  )"),
-            "");
-  EXPECT_EQ(ncos::BindingRegistry::instance().announcedCount(), before + 2);
-}
-
-TEST_F(LuaNcosTest, PropertiesOfEveryFormReadWriteAndRefuseWrongValues) {
-  EXPECT_EQ(run(R"(
     local g = Test.pkg.Gadget()
     -- uint32: read back as a uint32 array; a double holding an integer in range is taken
     g.Count = 4294967295
@@ -77,16 +74,8 @@ TEST_F(LuaNcosTest, PropertiesOfEveryFormReadWriteAndRefuseWrongValues) {
     -- a string vector property takes one char row as a vector of one
     g.Tags = "only"; assert(#g.Tags == 1 and g.Tags[1] == "only")
     g.Tags = nx.column({"a", "b"}); assert(#g.Tags == 2)
-  )"),
-            "");
-  // A refused value leaves the property as it was.
-  EXPECT_EQ(run("local g = Test.pkg.Gadget(); g.Count = 3; pcall(function() g.Count = -1 end);"
-                "assert(g.Count == nx.uint32(3))"),
-            "");
-}
-
-TEST_F(LuaNcosTest, StaticAndInstanceCallsAreKeptApart) {
-  EXPECT_EQ(run(R"(
+    -- a refused value leaves the property as it was
+    g.Count = 3; pcall(function() g.Count = -1 end); assert(g.Count == nx.uint32(3))
     local g, w = Test.pkg.Gadget(), Test.pkg.Widget()
     -- a static method taking an object vector: empty, one object, an object array
     assert(Test.pkg.Gadget.liveCount(nil) == 0 and Test.pkg.Gadget.liveCount(g) == 1)
@@ -96,7 +85,7 @@ TEST_F(LuaNcosTest, StaticAndInstanceCallsAreKeptApart) {
     -- a method looked up on an object is a function that needs the object back
     local m = g.describe; assert(m(g, true) == "logical:true")
   )"),
-            "");
+          "");
   EXPECT_NE(errorOf("local g = Test.pkg.Gadget(); g.describe(true)")
                 .find("method 'describe' must be called on an object"),
             std::string::npos);
