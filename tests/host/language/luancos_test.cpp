@@ -85,7 +85,7 @@ TEST_F(LuaNcosTest, OverloadsPropertiesAndCallsBehaveAsDeclared) {
     -- a method looked up on an object is a function that needs the object back
     local m = g.describe; assert(m(g, true) == "logical:true")
   )"),
-          "");
+            "");
   EXPECT_NE(errorOf("local g = Test.pkg.Gadget(); g.describe(true)")
                 .find("method 'describe' must be called on an object"),
             std::string::npos);

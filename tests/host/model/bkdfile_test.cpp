@@ -163,12 +163,14 @@ TEST_F(BkdFileTest, MalformedOrHostileLibrariesNameTheFileAndKeepTheTypes) {
   std::string deep = "<BlockLibrary>\n";
   for (int i = 0; i < 100000; ++i) deep += "<BlockType>";
   const std::pair<std::string, std::string> cases[] = {  // the text and the message's start
-      {"<BlockLibrary>\n<BlockType Name=\"B\" Code=\"x\"/></BlockLibrary>", "f.xml: block type B Code"},
+      {"<BlockLibrary>\n<BlockType Name=\"B\" Code=\"x\"/></BlockLibrary>",
+       "f.xml: block type B Code"},
       {"<BlockLibrary>\n<BlockType", "f.xml:2: "},
       {deep, "f.xml:2: elements nested deeper than 4096 levels"},
   };
   for (const auto& [xml, start] : cases) {
-    const std::string what = messageOf<std::runtime_error>([&] { lib.loadFromString(xml, "f.xml"); });
+    const std::string what =
+        messageOf<std::runtime_error>([&] { lib.loadFromString(xml, "f.xml"); });
     EXPECT_EQ(what.rfind(start, 0), 0u) << what;
   }
   EXPECT_NE(lib.find("A"), nullptr);

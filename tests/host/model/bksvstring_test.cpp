@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(BksvStringTest, Utf8DecodesWellFormedInputAndReplacesEachBadByte) {
+TEST(BksvStringTest, ConversionsKeepWellFormedTextAndReplaceEachBadUnit) {
   struct Case {
     std::string utf8;
     std::u16string utf16;
@@ -26,14 +26,8 @@ TEST(BksvStringTest, Utf8DecodesWellFormedInputAndReplacesEachBadByte) {
       {"\xf8\x88\x80\x80\x80", u"\ufffd\ufffd\ufffd\ufffd\ufffd"},  // five-byte form
   };
   for (const Case& c : cases) EXPECT_EQ(i18n::to_u16string(c.utf8), c.utf16) << c.utf8;
-}
-
-TEST(BksvStringTest, Utf16EncodesPairsAndReplacesUnpairedSurrogates) {
-  struct Case {
-    std::u16string utf16;
-    std::string utf8;
-  };
-  const Case cases[] = {
+  // UTF-16 encodes pairs and replaces unpaired surrogates.
+  const std::pair<std::u16string, std::string> encodings[] = {
       {u"", ""},
       {u"Gr\u00fc\u00dfe", "Gr\xc3\xbc\xc3\x9f" "e"},
       {u"\u07ff\u0800\uffff", "\xdf\xbf\xe0\xa0\x80\xef\xbf\xbf"},
@@ -42,7 +36,7 @@ TEST(BksvStringTest, Utf16EncodesPairsAndReplacesUnpairedSurrogates) {
       {std::u16string(1, char16_t(0xdc00)) + u"b", "\xef\xbf\xbd" "b"},  // low surrogate first
       {std::u16string{0xd800, 0xd800, 0xdc00}, "\xef\xbf\xbd\xf0\x90\x80\x80"},
   };
-  for (const Case& c : cases) EXPECT_EQ(ConvertUStringToStdString(c.utf16), c.utf8) << c.utf8;
+  for (const auto& [wide, utf8] : encodings) EXPECT_EQ(ConvertUStringToStdString(wide), utf8);
   // What encodes without replacement decodes back to itself.
   const std::u16string wide = u"Gr\u00fc\u00dfe \U0001F600 \u20ac";
   EXPECT_EQ(i18n::to_u16string(ConvertUStringToStdString(wide)), wide);
