@@ -80,17 +80,5 @@ TEST_F(XmlReaderTest, SizeMissingFilesAndFlagsAreHandledAsDocumented) {
   EXPECT_EQ(limits().maxBytes, 100u);
 }
 
-TEST_F(XmlReaderTest, TheLocatorGivesTheLineOfEachElement) {
-  const std::string text =
-      "<?xml version=\"1.0\"?>\n<!-- <x> -->\n<a k=\"v\">\n  <b/><c>\n<d>t</d></c>\n</a>";
-  const pt::ptree doc = readString(text, "t.xml");
-  const ElementLocator at(text, doc);
-  const pt::ptree& a = doc.get_child("a");
-  EXPECT_EQ((std::vector{at.lineOf(a), at.lineOf(a.get_child("b")), at.lineOf(a.get_child("c")),
-                         at.lineOf(a.get_child("c.d")), at.lineOf(a.get_child("<xmlattr>")),
-                         at.lineOf(pt::ptree())}),
-            (std::vector<decltype(at.lineOf(a))>{3, 4, 4, 5, 0, 0}));
-}
-
 }  // namespace
 }  // namespace blockara::xml
