@@ -18,6 +18,7 @@
 #include "app/unusedexclusions.h"
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
+#include "host/prefs/directories.h"
 #include "host/runtime/eventloop.h"
 #include "host/studio/studioapp.h"
 #include "host/xml/xmlreader.h"
@@ -160,6 +161,14 @@ int runBatchCheck(const Options& o) {
   // parameters, which lack theirs.
   const bool ownConfig = !o.config.empty();
   if (!ownConfig) diagram->setAuditorMode(true);
+  // The engine takes a customization file in the preferences folder before any other, also
+  // before an explicit one; say so rather than let --config do nothing in silence.
+  const std::filesystem::path preferred =
+      std::filesystem::path(svGetPreferencesDirectory(0)) / "edittimecheckcustomization.xml";
+  if (ownConfig && std::filesystem::exists(preferred)) {
+    std::cerr << "blockara: " << o.config << ": not used: " << preferred.string()
+              << " in the preferences folder comes first (choose another with --prefdir)\n";
+  }
   if (!o.exclusions.empty()) {
     diagram->setExclusionFilePath(i18n::to_u16string(o.exclusions));
   }

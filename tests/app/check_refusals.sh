@@ -60,5 +60,9 @@ XML
 
 cp "$dir/rx.xml" "$dir/prefs/edittimecheckcustomization.xml"
 expect "$dir/rx.bkd" "rule orvanta.kabe.kb_0402 gave up:" check "$dir/rx.bkd"
+# An explicit configuration that the preferences folder's file outranks is named as not used.
+"$blockara" --root "$root" --prefdir "$dir/prefs" check "$model" --config "$dir/rx.xml" 2>&1 >/dev/null |
+  grep -qF "$dir/rx.xml: not used: $dir/prefs/edittimecheckcustomization.xml" ||
+  { echo "FAIL: --config outranked in silence"; failures=$((failures + 1)); }
 rm -f "$dir/prefs/edittimecheckcustomization.xml"
 exit $((failures > 0))

@@ -1,16 +1,16 @@
 -- Every host-language function the engine calls is made, in turn, to raise, to answer short and
 -- to answer with the wrong type. The engine keeps to its rules for each (a failed setup or
--- cleanup does not stop the engine or the close; a failed styling loses that pass's glows) and
--- the host works on once the function is back. The missing-variable and port-mapping questions
--- fail in the same ways in their checks' own tests.
+-- cleanup does not stop the engine or the close; a failed missing-variable question changes no
+-- mark; a failed port-mapping question leaves the state with no declared data; a failed styling
+-- loses that pass's glows) and the host works on once the function is back.
 package.path = arg[0]:match("(.*/)") .. "?.lua;" .. package.path
 local expect = require("expect")
 
--- The three ways to misbehave; the short answer is no answer at all.
-local function faulty(mode)
+-- The three ways to misbehave: `short` is the answer with too little in it.
+local function faulty(mode, short)
   return function()
     if mode == "raise" then error("injected fault", 0) end
-    if mode == "short" then return nil end
+    if mode == "short" then return short end
     return "not the answer"
   end
 end
@@ -55,6 +55,60 @@ for i, mode in ipairs(modes) do
   expect.eq(blockara.diagram(name), nil, mode .. " cleanup: closed")
   expect.eq(blockara.idle(), true, mode .. " cleanup: idle")
 end
+
+-- The missing-variable question: a failed answer changes no mark, whatever the workspace says.
+blockara.workspace.Kp = 1
+local mv = blockara.new("MV")
+mv:add("MV", "Gain", "p")
+mv:add("MV", "Gain", "q")
+mv:set("MV/p", { Gain = "Kp * Ki" })
+mv:set("MV/q", { Gain = "Kp" })
+expect.eq(blockara.idle(), true, "idle after the gains")
+local marked = { "MV/p BlockEditTimeMissingParams EDITTIME_ERROR" }
+expect.lines(expect.findings(mv), marked, "Ki is missing")
+blockara.workspace.Ki = 2
+for _, mode in ipairs(modes) do
+  with("Blockara.BlockEditTimeController", "findMissingVariable",
+       faulty(mode, nx.array("logical", 1, 1, { false })), function()
+    mv:workspaceChanged()
+    expect.eq(blockara.idle(), true, mode .. " missing variable: idle")
+  end)
+  expect.lines(expect.findings(mv), marked, mode .. " missing variable: the mark stays")
+end
+mv:workspaceChanged()
+expect.eq(blockara.idle(), true, "missing variable back: idle")
+expect.lines(expect.findings(mv), {}, "missing variable back: the mark goes")
+
+-- The port-mapping question: a state whose answer failed declares nothing, so its ports are
+-- unmapped; a short answer declares only what it holds.
+local ch = blockara.new("CH")
+ch:add("CH", "Chart", "chart")
+local data = { { name = "speed", scope = "Input" }, { name = "torque", scope = "Output" } }
+ch:add("CH/chart", "SubSystem", "state", { SubsystemType = 8, StateData = data })
+ch:add("CH/chart/state", "Inport", "speed")
+ch:add("CH/chart/state", "Outport", "torque")
+expect.eq(blockara.idle(), true, "idle after the ports")
+expect.lines(expect.findings(ch), {}, "every port mapped")
+local unmapped = {
+  raise = { "speed", "torque" },
+  short = { "torque" },
+  ["wrong type"] = { "speed", "torque" },
+}
+local speedOnly = nx.array("struct", 1, 1, { { dataName = "speed", dataScope = "input" } })
+for _, mode in ipairs(modes) do
+  with("Chartelle.BKINCE.BlockaraMan", "getPortMappingInfo", faulty(mode, speedOnly), function()
+    ch:set("CH/chart/state", { StateData = data })  -- the state's answer is asked afresh
+    expect.eq(blockara.idle(), true, mode .. " port mapping: idle")
+  end)
+  local lines = {}
+  for _, port in ipairs(unmapped[mode]) do
+    lines[#lines + 1] = "CH/chart/state/" .. port .. " BlockaraStateUnmappedPort EDITTIME_ERROR"
+  end
+  expect.lines(expect.findings(ch), lines, mode .. " port mapping: ports unmapped")
+end
+ch:set("CH/chart/state", { StateData = data })
+expect.eq(blockara.idle(), true, "port mapping back: idle")
+expect.lines(expect.findings(ch), {}, "port mapping back: every port mapped")
 
 -- Styling: an answer is not wanted, so short and wrong ones style as usual. A raising one loses
 -- that pass's glows while the findings stand; the engine's count of unstyled passes stays up
