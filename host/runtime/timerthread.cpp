@@ -161,6 +161,10 @@ bool TimerThread::requestTick() {
   return true;
 }
 
+void TimerThread::workArrived() {
+  if (executionMode == periodic && !periodsHeld.load()) requestTick();
+}
+
 TimerThread::ThreadState TimerThread::state() const {
   std::lock_guard<std::mutex> lock(mutex);
   return threadState;

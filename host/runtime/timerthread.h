@@ -81,6 +81,11 @@ class TimerThread {
   /// false when the thread is not running or when called on the timer thread.
   bool requestTick();
 
+  /// Any thread. Tells the timer that work arrived for its next tick. A periodic timer whose
+  /// periods are not held brings that tick forward (`requestTick`), so the work need not wait out
+  /// the rest of the period; a manual timer, or a held one, ticks only when asked.
+  void workArrived();
+
   /// Any thread. The current state of the thread.
   ThreadState state() const;
 

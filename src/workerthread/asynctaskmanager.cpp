@@ -38,6 +38,9 @@ void AsyncTaskManager::enqueue(std::unique_ptr<WorkerQueueFunc> func, bool useBa
   auto* item = new ConcurrentQueueItem{std::move(func)};
   outstanding.fetch_add(1);
   (useBatchQueue ? batchQueue : immediateQueue).push(item);
+  // The items still run at a tick after they were queued; the host's timer chooses whether that
+  // tick comes at the end of the period or at once.
+  workArrived();
 }
 
 void AsyncTaskManager::onTimer() {
