@@ -84,14 +84,16 @@ void TimerThread::run() {
     threadState = ThreadState::running;
   }
   running();
-  auto deadline = std::chrono::steady_clock::now() + periodLength;
+  // A timer told of its work sleeps through idle periods and ticks at every hundredth at least.
+  const std::chrono::nanoseconds wait = workDriven ? 100 * periodLength : periodLength;
+  auto deadline = std::chrono::steady_clock::now() + wait;
   std::unique_lock<std::mutex> lock(mutex);
   for (;;) {
     auto due = [this] { return stopRequested || ticksRequested > ticksStarted; };
     if (executionMode == periodic) {
       // A held period passes without a tick; only requests tick the timer meanwhile.
       if (!wake.wait_until(lock, deadline, due) && periodsHeld.load()) {
-        deadline = std::chrono::steady_clock::now() + periodLength;
+        deadline = std::chrono::steady_clock::now() + wait;
         continue;
       }
     } else {
@@ -102,7 +104,7 @@ void TimerThread::run() {
     ticksStarted = std::max(ticksStarted + 1, ticksRequested);
     lock.unlock();
     timerTick();
-    deadline = std::chrono::steady_clock::now() + periodLength;
+    deadline = std::chrono::steady_clock::now() + wait;
     lock.lock();
     ticksDone = ticksStarted;
     tickDone.notify_all();
@@ -162,7 +164,15 @@ bool TimerThread::requestTick() {
 }
 
 void TimerThread::workArrived() {
-  if (executionMode == periodic && !periodsHeld.load()) requestTick();
+  if (executionMode != periodic || periodsHeld.load()) return;
+  std::lock_guard<std::mutex> lock(mutex);
+  if (stopRequested ||
+      (threadState != ThreadState::starting && threadState != ThreadState::running)) {
+    return;
+  }
+  // From the timer thread itself (work queued by a tick) this asks for the tick after it.
+  ticksRequested = std::max(ticksRequested, ticksStarted + 1);
+  wake.notify_all();
 }
 
 TimerThread::ThreadState TimerThread::state() const {

@@ -81,10 +81,15 @@ class TimerThread {
   /// false when the thread is not running or when called on the timer thread.
   bool requestTick();
 
-  /// Any thread. Tells the timer that work arrived for its next tick. A periodic timer whose
-  /// periods are not held brings that tick forward (`requestTick`), so the work need not wait out
-  /// the rest of the period; a manual timer, or a held one, ticks only when asked.
+  /// Any thread, the timer thread too. Tells the timer that work arrived for its next tick. A
+  /// periodic timer whose periods are not held brings that tick forward, so the work need not
+  /// wait out the rest of the period; a manual timer, or a held one, ticks only when asked.
   void workArrived();
+
+  /// Owner's thread, before `start`. For a periodic timer whose ticks only serve work that it is
+  /// told of through `workArrived`: an idle period then passes without waking the thread, and
+  /// only every hundredth period ticks, as a safety net. Other modes ignore it.
+  void tickOnReportedWork(bool on) { workDriven = on; }
 
   /// Any thread. The current state of the thread.
   ThreadState state() const;
@@ -140,6 +145,7 @@ class TimerThread {
   std::uint64_t ticksRequested = 0;  // guarded by mutex; the number of the last tick asked for
   std::uint64_t ticksStarted = 0;    // guarded by mutex
   std::uint64_t ticksDone = 0;       // guarded by mutex
+  bool workDriven = false;           // set before start, read by the timer thread
 };
 
 }  // namespace blockara

@@ -19,7 +19,11 @@ AsyncTaskManager& AsyncTaskManager::instance() {
   return manager;
 }
 
-AsyncTaskManager::AsyncTaskManager() : blockara::TimerThread(0, 1.0) { start(); }
+AsyncTaskManager::AsyncTaskManager() : blockara::TimerThread(0, 1.0) {
+  // Every item comes through `enqueue`, which tells the timer; an idle worker need not wake.
+  tickOnReportedWork(true);
+  start();
+}
 
 AsyncTaskManager::~AsyncTaskManager() {
   stop();

@@ -44,6 +44,20 @@ class RecordingTimer : public TimerThread {
   std::thread::id tickThread;    // read after a tick completed
 };
 
+// A periodic timer told of its work ticks at once for it, and again for work that its own tick
+// queues, long before its period (here a thousand seconds) would have come round.
+TEST(TimerThreadTest, ReportedWorkBringsTheTickForwardAlsoFromTheTimerThread) {
+  RecordingTimer timer(TimerThread::periodic, 1e5);
+  timer.tickOnReportedWork(true);
+  timer.onTick = [&timer] {
+    if (timer.ticks.load() == 0) timer.workArrived();
+  };
+  timer.start();
+  timer.workArrived();
+  while (timer.ticks.load() < 2) std::this_thread::yield();
+  EXPECT_EQ(timer.ticks.load(), 2);
+}
+
 TEST(TimerThreadTest, ManualModeTicksOnlyWhenAskedOnItsOwnThreadAndSurvivesAFailingTick) {
   RecordingTimer timer(TimerThread::manual, 1.0);
   EXPECT_FALSE(timer.tick());  // not started
