@@ -107,14 +107,21 @@ BlockNoted bkEditBD::noteRenamedBlock(BKBlock* block) {
   }
   if (block->isCommented()) {
     noted.commented = true;
-  } else if (!noteBlock(block, EditTimeEvent::kNone) &&
-             BlockKind::isKeptAcrossPasses(block->getTypeCode())) {
-    // Moved where it is no longer taken (into a chart): its last snapshot would otherwise stay
-    // in the block map for good, under its old path.
-    queueDeletion(block->getHandle());
-    noted.deleted = true;
+  } else if (!noteBlock(block, EditTimeEvent::kNone)) {
+    noted.deleted = dropIfInChart(block);
   }
   return noted;
+}
+
+bool bkEditBD::dropIfInChart(BKBlock* block) {
+  // A kept block moved into a chart is no longer taken: its last snapshot would otherwise stay in
+  // the block map for good, under its old path.
+  // A block with no graph (one deleted, kept for undo) is not in a chart: deleting a commented
+  // block takes nothing away.
+  const bool inChart = block->getGraph() && !graphOwnerIsNotChart(block);
+  if (!BlockKind::isKeptAcrossPasses(block->getTypeCode()) || !inChart) return false;
+  queueDeletion(block->getHandle());
+  return true;
 }
 
 bool bkEditBD::noteCommentChange(BKBlock* block) {
@@ -133,7 +140,8 @@ bool bkEditBD::noteCommentChange(BKBlock* block) {
   } else if (!listener && !BlockKind::isDataStoreOrRouting(code)) {
     return false;
   }
-  noteBlock(block, EditTimeEvent::kNone);
+  // Moved into a chart while commented, it leaves the map when its comment changes.
+  if (!noteBlock(block, EditTimeEvent::kNone)) dropIfInChart(block);
   return true;
 }
 

@@ -195,6 +195,8 @@ class bkEditBD {
   // Main thread. The pushes that order snapshots after deletions and subsystem renames: each
   // of those counts, and each snapshot carries the counts queued before it.
   void queueDeletion(double handle);
+  // Queues the deletion of a kept block that stands in a chart, where it is not taken; true if so.
+  bool dropIfInChart(BKBlock* block);
   void queueSnapshot(std::shared_ptr<bkEditBlock> snapshot);
   // Both drain steps for an event listener that left.
   void dropEventListener(double handle);
