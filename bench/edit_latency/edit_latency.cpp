@@ -22,6 +22,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench/selectedchecks.h"
 #include "host/language/luahost.h"
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
@@ -68,17 +69,11 @@ double cpuSeconds() {
          static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
 }
 
-const char* const kChecks[] = {
-    "orvanta.kabe.kb_0401",       "orvanta.kabe.kb_0402",          "orvanta.kabe.kb_0403",
-    "orvanta.kabe.kb_0404",       "orvanta.kabe.kb_0405",          "orvanta.kabe.kb_0406",
-    "orvanta.kabe.kb_0407",       "orvanta.kabe.kb_0408",          "orvanta.codegen.PCGSupport",
-    "orvanta.codegen.BlockNames", "orvanta.bkci.UnsupportedBlocks"};
-
 void writeCustomization(const std::filesystem::path& prefs) {
   std::filesystem::create_directories(prefs);
   std::ofstream file(prefs / "edittimecheckcustomization.xml");
   file << "<RAConfiguration><CheckCellArray>";
-  for (const char* id : kChecks) {
+  for (const char* id : bench::kSelectedChecks) {
     file << "<Check><ID>" << id << "</ID><Selected>true</Selected><InputParameters>"
          << "<InputParameter Name=\"Regular expression for prohibited names:\">"
          << "<Value>[ !]</Value></InputParameter>";

@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/selectedchecks.h"
 #include "host/language/luahost.h"
 #include "host/model/bkgraph.h"
 #include "host/model/bkrootbd.h"
@@ -42,12 +43,6 @@
 namespace bkedittimecheck {
 namespace {
 
-const char* const kChecks[] = {
-    "orvanta.kabe.kb_0401",       "orvanta.kabe.kb_0402",          "orvanta.kabe.kb_0403",
-    "orvanta.kabe.kb_0404",       "orvanta.kabe.kb_0405",          "orvanta.kabe.kb_0406",
-    "orvanta.kabe.kb_0407",       "orvanta.kabe.kb_0408",          "orvanta.codegen.PCGSupport",
-    "orvanta.codegen.BlockNames", "orvanta.bkci.UnsupportedBlocks"};
-
 // The host, the module and the host language, once per process.
 struct Road {
   std::unique_ptr<blockara::LuaHost> lua;
@@ -61,7 +56,7 @@ struct Road {
     std::filesystem::create_directories(prefs);
     std::ofstream file(prefs / "edittimecheckcustomization.xml");
     file << "<RAConfiguration><CheckCellArray>";
-    for (const char* id : kChecks) {
+    for (const char* id : bench::kSelectedChecks) {
       file << "<Check><ID>" << id << "</ID><Selected>true</Selected><InputParameters>"
            << "<InputParameter Name=\"Regular expression for prohibited names:\">"
            << "<Value>[ !]</Value></InputParameter>"
@@ -78,18 +73,24 @@ struct Road {
     AsyncTaskManager::instance();
   }
 
-  // A diagram of `n` gains at its root, opened under the rule auditor and at rest.
-  BKRootBD* diagram(int n) {
-    if (auto it = diagrams.find(n); it != diagrams.end()) return it->second;
-    const bksvString name = u"d" + i18n::to_u16string(std::to_string(n));
+  // An empty diagram registered with the module, with an editor on its root.
+  static BKRootBD* open(const bksvString& name, bool auditor) {
     BKRootBD* d = bkBlockDiagramSet::create(name, BKRootBD::Model);
-    d->setAuditorMode(true);
+    d->setAuditorMode(auditor);
     d->editing().setUndoDepth(0);
     RegisterEditBdEvents(d);
     RegisterCompBdEvents(d->getCompBD());
     RegisterExecPlugins(d->getExecBD());
     Blockara::StudioApp::open(d)->openEditor(name);
     d->notifyOpened();
+    return d;
+  }
+
+  // A diagram of `n` gains at its root, opened under the rule auditor and at rest.
+  BKRootBD* diagram(int n) {
+    if (auto it = diagrams.find(n); it != diagrams.end()) return it->second;
+    const bksvString name = u"d" + i18n::to_u16string(std::to_string(n));
+    BKRootBD* d = open(name, /*auditor=*/true);
     {
       blockara::EditBatch batch(*d);
       for (int i = 0; i < n; ++i) {
@@ -108,13 +109,7 @@ struct Road {
     const int key = stores ? -2 : -1;
     if (auto it = diagrams.find(key); it != diagrams.end()) return it->second;
     const bksvString name = stores ? u"stores" : u"gotos";
-    BKRootBD* d = bkBlockDiagramSet::create(name, BKRootBD::Model);
-    d->editing().setUndoDepth(0);
-    RegisterEditBdEvents(d);
-    RegisterCompBdEvents(d->getCompBD());
-    RegisterExecPlugins(d->getExecBD());
-    Blockara::StudioApp::open(d)->openEditor(name);
-    d->notifyOpened();
+    BKRootBD* d = open(name, /*auditor=*/false);
     {
       blockara::EditBatch batch(*d);
       for (int i = 0; i < 1000; ++i) {
