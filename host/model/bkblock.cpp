@@ -45,12 +45,6 @@ bksvString escapePathName(const bksvString& name) {
 
 BKBlock::BKBlock(const BlockTypeInfo& type, bksvString name)
     : handle(issueHandle()), type(&type), name(std::move(name)) {
-  for (const auto& desc : type.params) {
-    if (desc.typeCode == BKPRM_RECORDS)
-      params[desc.name] = BlockRecordList{};
-    else
-      params[desc.name] = desc.defaultValue;
-  }
   liveBlocks().emplace(handle, this);
   bkgg::noteStructureChange();
 }
@@ -83,7 +77,19 @@ bool BKBlock::getGrPrmVisible(const BKPrmDesc* desc) const { return desc && desc
 
 const BlockParamValue* BKBlock::getParam(const std::string& paramName) const {
   auto it = params.find(paramName);
-  return it == params.end() ? nullptr : &it->second;
+  if (it != params.end()) return &it->second;
+  const BKPrmDesc* desc = type->findParam(paramName);
+  return desc ? &desc->initial : nullptr;
+}
+
+bool BKBlock::RareFields::isInitial() const {
+  return mask.type.empty() && mask.initialization.empty() && mask.parameterCount == 0 &&
+         linkStatus == "none" && referenceBlock.empty();
+}
+
+const BKBlock::RareFields& BKBlock::initialRareFields() {
+  static const RareFields initial;
+  return initial;
 }
 
 std::string BKBlock::getParamText(const std::string& paramName) const {
@@ -139,11 +145,12 @@ BlockValue BKBlock::getProperty(const std::string& propName) const {
   if (propName == "NamePlacement") return std::string(namePlacementAlternate ? "alternate" : "normal");
   if (propName == "Orientation") return std::string(kOrientations[orientation & 3]);
   if (propName == "Position") return std::vector<double>(position.begin(), position.end());
-  if (propName == "MaskType") return ConvertUStringToStdString(mask.type);
-  if (propName == "MaskInitialization") return mask.initialization;
-  if (propName == "MaskParameters") return static_cast<double>(mask.parameterCount);
-  if (propName == "LinkStatus") return linkStatus;
-  if (propName == "ReferenceBlock") return ConvertUStringToStdString(referenceBlock);
+  const RareFields& r = rareFields();
+  if (propName == "MaskType") return ConvertUStringToStdString(r.mask.type);
+  if (propName == "MaskInitialization") return r.mask.initialization;
+  if (propName == "MaskParameters") return static_cast<double>(r.mask.parameterCount);
+  if (propName == "LinkStatus") return r.linkStatus;
+  if (propName == "ReferenceBlock") return ConvertUStringToStdString(r.referenceBlock);
   throw std::invalid_argument(ConvertUStringToStdString(cachedPath) + ": block type " + type->name +
                               " has no property or parameter " + propName);
 }

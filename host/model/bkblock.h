@@ -2,6 +2,7 @@
 
 #include <array>
 #include <map>
+#include <memory>
 #include <string>
 #include <variant>
 #include <vector>
@@ -12,12 +13,6 @@
 class bkGraph;
 class BKRootBD;
 
-/// One record of a record-list parameter (field name -> text), such as a declared state datum.
-using BlockRecord = std::map<std::string, std::string>;
-/// A list of records.
-using BlockRecordList = std::vector<BlockRecord>;
-/// The value of a dialog parameter: text, or a list of records.
-using BlockParamValue = std::variant<std::string, BlockRecordList>;
 /// A value given to a block's setter: text, a number, a switch, a number list (Position) or
 /// a record list (StateData).
 using BlockValue = std::variant<std::string, double, bool, std::vector<double>, BlockRecordList>;
@@ -104,13 +99,15 @@ class BKBlock {
   /// Position {x, y, width, height}.
   const std::array<double, 4>& getPosition() const { return position; }
   /// The mask, or null when the block has none.
-  const BKMask* getMask() const { return mask.type.empty() ? nullptr : &mask; }
+  const BKMask* getMask() const {
+    return rare && !rare->mask.type.empty() ? &rare->mask : nullptr;
+  }
   /// The mask fields as stored, set or not.
-  const BKMask& maskFields() const { return mask; }
+  const BKMask& maskFields() const { return rareFields().mask; }
   /// Library link status: "none", "resolved" or "implicit".
-  const std::string& getLinkStatus() const { return linkStatus; }
+  const std::string& getLinkStatus() const { return rareFields().linkStatus; }
   /// The library block path of a link; empty otherwise.
-  const bksvString& getReferenceBlock() const { return referenceBlock; }
+  const bksvString& getReferenceBlock() const { return rareFields().referenceBlock; }
 
   /// True for a block whose type contains a system level (subsystems and charts).
   virtual bool hasSubGraph() const { return false; }
@@ -136,14 +133,23 @@ class BKBlock {
   bksvString cachedPath;  // kept current by the editing layer, also after deletion
   int sid = 0;
   int commentState = 0;
+  // The parameters set since the block was made; the others read the type's initial value.
   std::map<std::string, BlockParamValue> params;
   int orientation = 0;
   bool showName = true;
   bool namePlacementAlternate = false;
   std::array<double, 4> position{0, 0, 30, 30};
-  BKMask mask;
-  std::string linkStatus = "none";
-  bksvString referenceBlock;
+  // What few blocks carry (a mask, a library link), kept apart so that a plain block does not
+  // pay for it; null while every field holds its initial value.
+  struct RareFields {
+    BKMask mask;
+    std::string linkStatus = "none";
+    bksvString referenceBlock;
+    bool isInitial() const;
+  };
+  static const RareFields& initialRareFields();
+  const RareFields& rareFields() const { return rare ? *rare : initialRareFields(); }
+  std::unique_ptr<RareFields> rare;
 };
 
 /// The block type alias under which the snapshot code asks graphical queries.

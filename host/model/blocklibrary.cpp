@@ -113,6 +113,10 @@ void BlockLibrary::loadFromString(const std::string& xml, const std::string& ori
                                    ": default \"" + desc.defaultValue + "\" is not an option");
         if (info->findParam(desc.name))
           throw std::runtime_error(origin + ": " + where + ": parameter " + desc.name + " twice");
+        if (desc.typeCode == BKPRM_RECORDS)
+          desc.initial = BlockRecordList{};
+        else
+          desc.initial = desc.defaultValue;
         info->params.push_back(std::move(desc));
       } else if (childTag == "Capability") {
         int number = toInt(child.get<std::string>("<xmlattr>.Number", ""), origin, where + " capability");

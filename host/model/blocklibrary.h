@@ -3,7 +3,15 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <variant>
 #include <vector>
+
+/// One record of a record-list parameter (field name -> text), such as a declared state datum.
+using BlockRecord = std::map<std::string, std::string>;
+/// A list of records.
+using BlockRecordList = std::vector<BlockRecord>;
+/// The value of a dialog parameter: text, or a list of records.
+using BlockParamValue = std::variant<std::string, BlockRecordList>;
 
 /// The descriptor of one dialog parameter of a block type.
 struct BKPrmDesc {
@@ -11,6 +19,7 @@ struct BKPrmDesc {
   int index = 0;                     ///< position in the type's dialog, from 0
   int typeCode = 1;                  ///< 1, 2, 5, 6, 11, 12, 14 read as text; others structured
   std::string defaultValue;          ///< value of a new block
+  BlockParamValue initial;          ///< what a block reads until the parameter is set
   std::vector<std::string> options;  ///< allowed values of an enumeration (empty: free text)
   bool visible = true;               ///< shown in the block's dialog
 };

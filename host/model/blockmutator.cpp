@@ -218,10 +218,15 @@ void BlockMutator::validate(const BKBlock& block, const std::string& name, const
 void BlockMutator::set(BKBlock& block, const std::string& name, const BlockValue& value) {
   validate(block, name, value);
   BlockParamValue* slot = nullptr;
-  auto it = block.params.find(name);
-  if (it != block.params.end()) slot = &it->second;
+  if (const BKPrmDesc* desc = block.getGrPrmDesc(name))
+    slot = &block.params.try_emplace(name, desc->initial).first->second;
   BlockParamValue scratch;
+  BKBlock::RareFields rare = block.rareFields();
   assign(block, name, value, true, slot ? slot : &scratch, block.orientation, block.showName,
-         block.namePlacementAlternate, block.position, block.mask, block.linkStatus,
-         block.referenceBlock);
+         block.namePlacementAlternate, block.position, rare.mask, rare.linkStatus,
+         rare.referenceBlock);
+  if (block.rare)
+    *block.rare = std::move(rare);
+  else if (!rare.isInitial())
+    block.rare = std::make_unique<BKBlock::RareFields>(std::move(rare));
 }
