@@ -191,9 +191,11 @@ std::vector<ViolationDatabase::StylingFacts> ViolationDatabase::stylingFactsOf(
 
 std::vector<double> ViolationDatabase::takeTouched() {
   std::lock_guard<std::mutex> lock(mutex);
-  std::vector<double> out(touched.begin(), touched.end());
-  touched.clear();
-  return out;
+  // Taken by swap, so that the buckets of a large pass (the initial scan touches every block)
+  // are not kept between passes.
+  std::unordered_set<double> taken;
+  taken.swap(touched);
+  return std::vector<double>(taken.begin(), taken.end());
 }
 
 std::vector<double> ViolationDatabase::pendingClears() const {
@@ -203,7 +205,7 @@ std::vector<double> ViolationDatabase::pendingClears() const {
 
 void ViolationDatabase::clearPendingClears() {
   std::lock_guard<std::mutex> lock(mutex);
-  pendingClearList.clear();
+  std::vector<double>().swap(pendingClearList);  // its capacity is not kept between passes
 }
 
 void ViolationDatabase::dropDeadBlocks(const std::function<bool(double)>& isAlive) {

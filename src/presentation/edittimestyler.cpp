@@ -79,7 +79,7 @@ void EditTimeStyling::applyStyling() {
     for (std::size_t i = 0; i < handles.size(); ++i) styleBlock(handles[i], facts[i]);
     violations.clearPendingClears();
   }
-  due.clear();
+  std::unordered_set<double>().swap(due);  // nor the buckets of a large pass
   baseline = currentBaseline();
 }
 
