@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::size_t split = input.find('\0');
   const std::string name = split == std::string::npos ? std::string() : input.substr(split + 1);
   try {
-    const boost::regex expression(input.substr(0, split));
+    const boost::regex expression = bkedittimecheck::NameCheck::compile(input.substr(0, split));
     const bool whole = bkedittimecheck::NameCheck::searchWhole(expression, name);
     const bool byLines = bkedittimecheck::NameCheck::searchByLines(expression, name);
     // A name of one line without zero bytes is one piece for both searches. The regex library

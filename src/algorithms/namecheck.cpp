@@ -5,6 +5,8 @@
 #include <cstring>
 #include <vector>
 
+#include "src/constraints/boundedregex.h"
+
 namespace bkedittimecheck {
 
 void NameCheck::readProhibitedNamePattern(const boost::property_tree::ptree& configuration) {
@@ -41,6 +43,11 @@ void NameCheck::readParameters(const boost::property_tree::ptree& configuration)
   readProhibitedNamePattern(configuration);
 }
 
-void NameCheck::beginRun() { compiled = boost::regex(pattern()); }
+boost::regex NameCheck::compile(const std::string& pattern) {
+  refuseParserLoop(pattern);
+  return boost::regex(pattern);
+}
+
+void NameCheck::beginRun() { compiled = compile(pattern()); }
 
 }  // namespace bkedittimecheck

@@ -26,6 +26,10 @@ class NameCheck : public BlockCheck {
   /// the piece's start. Throws what the regex library throws for a too complex search.
   static bool searchByLines(const boost::regex& expression, const std::string& name);
 
+  /// Compiles a prohibited-name pattern with default syntax; throws `boost::regex_error` for a
+  /// malformed pattern and for one the library's parser would loop on.
+  static boost::regex compile(const std::string& pattern);
+
   /// True when `expression` is found in `name` up to its first zero byte.
   static bool searchWhole(const boost::regex& expression, const std::string& name);
 

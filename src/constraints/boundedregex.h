@@ -12,4 +12,11 @@ namespace bkedittimecheck {
 /// pattern such as "(a+)+$" in milliseconds on values of any realistic length. Any thread.
 bool regexMatchesWhole(const std::string& text, const std::string& pattern);
 
+/// Throws boost::regex_error for a pattern on which the regex library's parser loops for ever
+/// instead of answering: a possessive repeat ("a++", "a?+", "a{2}+") followed by a comment group
+/// "(?#...)" and more text. The test is a little wider than the fault (whatever follows the
+/// comment), so a few harmless patterns of that shape are refused too. Call it before compiling
+/// any pattern a user wrote. Any thread.
+void refuseParserLoop(const std::string& pattern);
+
 }  // namespace bkedittimecheck

@@ -60,6 +60,10 @@ XML
 
 cp "$dir/rx.xml" "$dir/prefs/edittimecheckcustomization.xml"
 expect "$dir/rx.bkd" "rule orvanta.kabe.kb_0402 gave up:" check "$dir/rx.bkd"
+# A pattern the library's parser would loop on for ever is refused the same way.
+sed 's/(a+)+\$/a?+(?#)b/' "$dir/rx.xml" >"$dir/prefs/edittimecheckcustomization.xml"
+expect "$dir/rx.bkd" "gave up: a possessive repeat followed by a comment group" check "$dir/rx.bkd"
+cp "$dir/rx.xml" "$dir/prefs/edittimecheckcustomization.xml"
 # An explicit configuration that the preferences folder's file outranks is named as not used.
 "$blockara" --root "$root" --prefdir "$dir/prefs" check "$model" --config "$dir/rx.xml" 2>&1 >/dev/null |
   grep -qF "$dir/rx.xml: not used: $dir/prefs/edittimecheckcustomization.xml" ||

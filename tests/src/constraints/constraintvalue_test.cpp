@@ -1,6 +1,7 @@
 // The comparison of parameter constraints: every value operator and data type, the reserved
 // words, and the exceptions that end a check's run.
 #include "src/constraints/constraintvalue.h"
+#include "src/constraints/boundedregex.h"
 
 #include <gtest/gtest.h>
 
@@ -104,8 +105,24 @@ TEST(MatchesConstraintValues, EveryOperatorDataTypeAndFailure) {
       {"a malformed expression", "a", items("(a"), "regex", "string", "regex_error"},
       {"a pathological expression", std::string(20000, 'a') + "b", items("(a+)+$"), "regex",
        "string", "complexity"},
+      {"an expression the library's parser loops on", "ab", items("a?+(?#)b"), "regex", "string",
+       "regex_error"},
   };
   for (const MatchCase& c : cases) EXPECT_EQ(outcome(c), c.outcome) << c.what;
+}
+
+// The regex library's parser never returns on a possessive repeat followed by a comment group and
+// more text; such patterns are refused before it sees them, and the same text where the "+" or the
+// group is quoted, escaped or in a class compiles as before.
+TEST(ParserLoopTest, RefusesOnlyAPossessiveRepeatBeforeAComment) {
+  for (const char* refused : {"a++(?#)b", "a*+(?#x)b", "a?+(?#)`", "a{2}+(?#)b", "(a)?+ (?#)b",
+                              "[[:alpha:]]++(?#)b"}) {
+    EXPECT_THROW(refuseParserLoop(refused), boost::regex_error) << refused;
+  }
+  for (const char* kept : {"\\++(?#)b", "[a++(?#)]b", "\\Qa++(?#)\\Eb", "a++(a)(?#)b", "a+(?#)b"}) {
+    EXPECT_NO_THROW(refuseParserLoop(kept)) << kept;
+    EXPECT_NO_THROW(boost::regex{kept}) << kept;
+  }
 }
 
 }  // namespace
