@@ -1,18 +1,30 @@
 #include "host/model/bkblock.h"
 
 #include <charconv>
+#include <cmath>
+#include <optional>
 #include <stdexcept>
-#include <unordered_map>
+#include <vector>
 
 #include "host/model/bkgraph.h"
 #include "host/model/blockmutator.h"
 
 namespace {
 
-// Live blocks by handle, for every diagram of the process. Main thread only.
-std::unordered_map<double, BKBlock*>& liveBlocks() {
-  static std::unordered_map<double, BKBlock*> blocks;
+// Live blocks by handle, for every diagram of the process, at the handle's whole part less one
+// (handles are issued in sequence); a slot is null once its block is gone. Main thread only.
+std::vector<BKBlock*>& liveBlocks() {
+  static std::vector<BKBlock*> blocks;
   return blocks;
+}
+
+constexpr double kHandleFraction = 0.0001220703125;
+
+// The slot of `handle`, or none for a number that was never issued as a handle.
+std::optional<std::size_t> slotOf(double handle) {
+  const double whole = std::floor(handle);
+  if (handle - whole != kHandleFraction || whole < 1 || whole > 1e15) return std::nullopt;
+  return static_cast<std::size_t>(whole) - 1;
 }
 
 const char* const kOrientations[] = {"right", "down", "left", "up"};
@@ -24,7 +36,7 @@ double issueHandle() {
   // code that truncates a handle to an integer shows up at once.
   static double next = 0;
   next += 1;
-  return next + 0.0001220703125;
+  return next + kHandleFraction;
 }
 
 std::string formatNumber(double value) {
@@ -45,18 +57,20 @@ bksvString escapePathName(const bksvString& name) {
 
 BKBlock::BKBlock(const BlockTypeInfo& type, bksvString name)
     : handle(issueHandle()), type(&type), name(std::move(name)) {
-  liveBlocks().emplace(handle, this);
+  const std::size_t slot = *slotOf(handle);
+  if (liveBlocks().size() <= slot) liveBlocks().resize(slot + 1, nullptr);
+  liveBlocks()[slot] = this;
   bkgg::noteStructureChange();
 }
 
 BKBlock::~BKBlock() {
-  liveBlocks().erase(handle);
+  liveBlocks()[*slotOf(handle)] = nullptr;
   bkgg::noteStructureChange();
 }
 
 BKBlock* BKBlock::Handle2Block(double handle) {
-  auto it = liveBlocks().find(handle);
-  return it == liveBlocks().end() ? nullptr : it->second;
+  const std::optional<std::size_t> slot = slotOf(handle);
+  return slot && *slot < liveBlocks().size() ? liveBlocks()[*slot] : nullptr;
 }
 
 bksvString BKBlock::getTypeName() const {
@@ -76,10 +90,18 @@ const BKPrmDesc* BKBlock::getGrPrmDesc(const std::string& paramName) const {
 bool BKBlock::getGrPrmVisible(const BKPrmDesc* desc) const { return desc && desc->visible; }
 
 const BlockParamValue* BKBlock::getParam(const std::string& paramName) const {
-  auto it = params.find(paramName);
-  if (it != params.end()) return &it->second;
+  for (const auto& [setName, value] : params)
+    if (setName == paramName) return &value;
   const BKPrmDesc* desc = type->findParam(paramName);
   return desc ? &desc->initial : nullptr;
+}
+
+BlockParamValue* BKBlock::paramSlot(const std::string& paramName) {
+  for (auto& [setName, value] : params)
+    if (setName == paramName) return &value;
+  const BKPrmDesc* desc = type->findParam(paramName);
+  if (!desc) return nullptr;
+  return &params.emplace_back(paramName, desc->initial).second;
 }
 
 bool BKBlock::RareFields::isInitial() const {

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -133,8 +134,13 @@ class BKBlock {
   bksvString cachedPath;  // kept current by the editing layer, also after deletion
   int sid = 0;
   int commentState = 0;
-  // The parameters set since the block was made; the others read the type's initial value.
-  std::map<std::string, BlockParamValue> params;
+  // The parameters set since the block was made, in the order they were first set; the others
+  // read the type's initial value. A block has few, so a list is smaller than a map and as fast.
+  using ParamList = std::vector<std::pair<std::string, BlockParamValue>>;
+  ParamList params;
+  // The entry of `paramName` in `params`, made from the type's initial value when absent; null
+  // when the type has no such parameter.
+  BlockParamValue* paramSlot(const std::string& paramName);
   int orientation = 0;
   bool showName = true;
   bool namePlacementAlternate = false;

@@ -85,12 +85,10 @@ bkGraph* BKRootBD::findSystem(const bksvString& path) const {
 
 std::vector<BKBlock*> BKRootBD::blocksInPathOrder() const {
   // Sorted by the index's own keys: a path copied per comparison costs more than the sort.
-  using Entry = std::pair<const bksvString*, BKBlock*>;
-  std::vector<Entry> entries;
-  entries.reserve(pathIndex.size());
-  for (const auto& [path, block] : pathIndex) entries.emplace_back(&path, block);
+  using Entry = std::pair<std::u16string_view, BKBlock*>;
+  std::vector<Entry> entries(pathIndex.begin(), pathIndex.end());
   std::sort(entries.begin(), entries.end(),
-            [](const Entry& a, const Entry& b) { return *a.first < *b.first; });
+            [](const Entry& a, const Entry& b) { return a.first < b.first; });
   std::vector<BKBlock*> blocks;
   blocks.reserve(entries.size());
   for (const Entry& entry : entries) blocks.push_back(entry.second);

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -133,7 +134,9 @@ class BKRootBD {
   bool suspended = false;
   bkBlockDiagramEditParams params;
   std::unique_ptr<bkGraph> root;
-  std::unordered_map<bksvString, BKBlock*> pathIndex;  // live blocks by full path
+  // Live blocks by full path. A key views the path its block keeps, which changes only while the
+  // block is out of the index.
+  std::unordered_map<std::u16string_view, BKBlock*> pathIndex;
   std::unordered_map<int, BKBlock*> sidIndex;          // live blocks by SID number
   std::vector<ConfigSet> sets;
   std::optional<std::size_t> activeSet;

@@ -147,7 +147,12 @@ void BlockMutator::indexTree(BKRootBD& diagram, BKBlock* block, const bksvString
   block->cachedPath = parentPath + u'/' + escapePathName(block->name);
   if (block->sid == 0) block->sid = diagram.takeNextSID();
   if (block->sid >= diagram.peekNextSID()) diagram.setNextSID(block->sid + 1);
-  diagram.pathIndex[block->cachedPath] = block;
+  // A block that takes over a path also takes over the key, which must view its own path.
+  auto [entry, fresh] = diagram.pathIndex.try_emplace(block->cachedPath, block);
+  if (!fresh) {
+    diagram.pathIndex.erase(entry);
+    diagram.pathIndex.emplace(block->cachedPath, block);
+  }
   diagram.sidIndex[block->sid] = block;
   if (bkGraph* inside = block->getSubGraph())
     for (auto& child : inside->blocks) indexTree(diagram, child.get(), block->cachedPath);
@@ -217,9 +222,7 @@ void BlockMutator::validate(const BKBlock& block, const std::string& name, const
 
 void BlockMutator::set(BKBlock& block, const std::string& name, const BlockValue& value) {
   validate(block, name, value);
-  BlockParamValue* slot = nullptr;
-  if (const BKPrmDesc* desc = block.getGrPrmDesc(name))
-    slot = &block.params.try_emplace(name, desc->initial).first->second;
+  BlockParamValue* slot = block.paramSlot(name);
   BlockParamValue scratch;
   BKBlock::RareFields rare = block.rareFields();
   assign(block, name, value, true, slot ? slot : &scratch, block.orientation, block.showName,

@@ -47,9 +47,6 @@ class BlockMutator {
   }
   static void setCommentState(BKBlock& block, int state) { block.commentState = state; }
   static void setSID(BKBlock& block, int sid) { block.sid = sid; }
-  static void setParamValue(BKBlock& block, const std::string& name, BlockParamValue value) {
-    block.params[name] = std::move(value);
-  }
 
  private:
   static void indexTree(BKRootBD& diagram, BKBlock* block, const bksvString& parentPath);
