@@ -1,5 +1,7 @@
 #include "src/violationdatabase.h"
 
+#include <algorithm>
+
 #include "src/editcodes.h"
 
 namespace bkedittimecheck {
@@ -176,10 +178,12 @@ std::map<double, std::vector<EditTimeViolation>> ViolationDatabase::auditorViola
 std::vector<ViolationDatabase::StylingFacts> ViolationDatabase::stylingFactsOf(
     const std::vector<double>& handles) const {
   std::lock_guard<std::mutex> lock(mutex);
-  const std::unordered_set<double> pending(pendingClearList.begin(), pendingClearList.end());
+  // A sorted copy answers "is it pending?" with no allocation per handle.
+  std::vector<double> pending(pendingClearList);
+  std::sort(pending.begin(), pending.end());
   std::vector<StylingFacts> out(handles.size());
   for (std::size_t i = 0; i < handles.size(); ++i) {
-    out[i].pendingClear = pending.count(handles[i]) != 0;
+    out[i].pendingClear = std::binary_search(pending.begin(), pending.end(), handles[i]);
     auto entry = byBlock.find(handles[i]);
     if (entry == byBlock.end()) continue;
     out[i].warning = firstCommented(entry->second, isWarning);

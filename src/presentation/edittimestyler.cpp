@@ -66,7 +66,8 @@ std::optional<EditTimeStyling::Baseline> EditTimeStyling::currentBaseline() cons
 }
 
 void EditTimeStyling::applyStyling() {
-  for (double handle : violations.takeTouched()) due.insert(handle);
+  const std::vector<double> touched = violations.takeTouched();
+  due.insert(due.end(), touched.begin(), touched.end());
   const std::optional<Baseline> now = currentBaseline();
   const bool wholeStore = !now || !baseline || now->stylerCalls != baseline->stylerCalls ||
                           now->standing != baseline->standing;
@@ -74,12 +75,11 @@ void EditTimeStyling::applyStyling() {
   if (wholeStore) {
     applyStylingToAll();
   } else {
-    const std::vector<double> handles(due.begin(), due.end());
-    const std::vector<ViolationDatabase::StylingFacts> facts = violations.stylingFactsOf(handles);
-    for (std::size_t i = 0; i < handles.size(); ++i) styleBlock(handles[i], facts[i]);
+    const std::vector<ViolationDatabase::StylingFacts> facts = violations.stylingFactsOf(due);
+    for (std::size_t i = 0; i < due.size(); ++i) styleBlock(due[i], facts[i]);
     violations.clearPendingClears();
   }
-  std::unordered_set<double>().swap(due);  // nor the buckets of a large pass
+  std::vector<double>().swap(due);  // nor the room of a large pass
   baseline = currentBaseline();
 }
 

@@ -4,7 +4,6 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "host/style/styler.h"
@@ -92,7 +91,9 @@ class EditTimeStyling {
   ViolationExcluded isExcluded;
   StandingRevision standing;
   std::optional<Baseline> baseline;  // none before the first complete pass, or after a failure
-  std::unordered_set<double> due;    // touched handles that no complete pass has styled yet
+  // Touched handles that no complete pass has styled yet. Each pass's are distinct; a handle is
+  // here twice only after a pass that did not complete, and styling it twice is harmless.
+  std::vector<double> due;
 };
 
 }  // namespace bkedittimecheck
