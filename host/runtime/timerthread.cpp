@@ -165,14 +165,19 @@ bool TimerThread::requestTick() {
 
 void TimerThread::workArrived() {
   if (executionMode != periodic || periodsHeld.load()) return;
-  std::lock_guard<std::mutex> lock(mutex);
-  if (stopRequested ||
-      (threadState != ThreadState::starting && threadState != ThreadState::running)) {
-    return;
+  {
+    std::lock_guard<std::mutex> lock(mutex);
+    if (stopRequested ||
+        (threadState != ThreadState::starting && threadState != ThreadState::running)) {
+      return;
+    }
+    // From the timer thread itself (work queued by a tick) this asks for the tick after it.
+    // When that tick is asked for already, the thread was woken for it: an edit that queues
+    // several items wakes it once.
+    if (ticksRequested >= ticksStarted + 1) return;
+    ticksRequested = ticksStarted + 1;
   }
-  // From the timer thread itself (work queued by a tick) this asks for the tick after it.
-  ticksRequested = std::max(ticksRequested, ticksStarted + 1);
-  wake.notify_all();
+  wake.notify_all();  // after unlocking, so that the woken thread does not wait for the lock
 }
 
 TimerThread::ThreadState TimerThread::state() const {
