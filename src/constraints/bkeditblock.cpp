@@ -90,8 +90,8 @@ bool needsDefaultEditBlock(int kind) { return BlockKind::isKeptAcrossPasses(kind
 bkEditBlock::bkEditBlock(BKBlock* block, bool wantRaEditBlock)
     : blockHandle(block->getHandle()),
       blockName(block->getGrNameNonUnicode()),
-      blockKind(block->getTypeCode()),
       fullPath(toWide(block->getFullPath(false))),
+      blockKind(block->getTypeCode()),
       isCommented(block->isCommented() ? 1 : 0),
       isLinked(block->getLinkStatus() != "none" ? 1 : 0) {
   if (featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) {
@@ -112,8 +112,8 @@ bkEditBlock::bkEditBlock(double blockHandle, std::string blockName, std::int32_t
                          std::wstring fullPath, bool isCommented, bool isLinked)
     : blockHandle(blockHandle),
       blockName(std::move(blockName)),
-      blockKind(blockKind),
       fullPath(std::move(fullPath)),
+      blockKind(blockKind),
       isCommented(isCommented ? 1 : 0),
       isLinked(isLinked ? 1 : 0) {}
 

@@ -54,7 +54,7 @@ class bkEditBlock {
   const std::wstring& getMaskType() const { return raEditBlock->maskType; }
   /// A copy of the captured parameter values.
   std::map<std::string, ParameterValue> getCapturedParameterValues() const {
-    return capturedParameterValues;
+    return capturedParameterValues ? *capturedParameterValues : CapturedValues{};
   }
 
   /// Main thread, before the snapshot is queued. Reads the parameter that each constraint names,
@@ -91,16 +91,19 @@ class bkEditBlock {
   std::uint64_t getRenamesBefore() const { return renamesBefore; }
 
  private:
+  using CapturedValues = std::map<std::string, ParameterValue>;
+
   double blockHandle;
   std::string blockName;
-  std::int32_t blockKind;
   std::shared_ptr<bkDefaultEditBlock> defaultEditBlock;
   std::shared_ptr<bkRAEditBlock> raEditBlock;
-  std::map<std::string, ParameterValue> capturedParameterValues;
+  // Only blocks under a parameter constraint have any; most snapshots go without the map.
+  std::unique_ptr<CapturedValues> capturedParameterValues;
   // Taken only while BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates is on.
   std::unique_ptr<BlockaraStatePortInfo> chartInputData;
   std::unique_ptr<BlockaraStateMappingInfo> chartRecord;
   std::wstring fullPath;
+  std::int32_t blockKind;  // beside the flags, so that the snapshot packs without holes
   std::uint8_t isCommented;
   std::uint8_t isLinked;
   std::uint64_t deletionsBefore = 0;

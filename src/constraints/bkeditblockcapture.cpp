@@ -24,6 +24,9 @@ bool readsAsText(int typeCode) {
 void bkEditBlock::captureConstraintParameters(
     const BKBlock* block,
     const std::vector<std::shared_ptr<BlockParameterConstraint>>& constraints) {
+  if (constraints.empty()) return;
+  if (!capturedParameterValues) capturedParameterValues = std::make_unique<CapturedValues>();
+  CapturedValues& captured = *capturedParameterValues;
   for (const auto& constraint : constraints) {
     const std::string name = constraint->getParameterName();
     const std::string dataType = constraint->getParameterDataType();
@@ -31,14 +34,14 @@ void bkEditBlock::captureConstraintParameters(
     const BKPrmDesc* descriptor = block->getGrPrmDesc(name);
     if (!descriptor) continue;
     if (readsAsText(descriptor->typeCode)) {
-      capturedParameterValues[name] = bkobject::block::getParamAsStr(block, name);
+      captured[name] = bkobject::block::getParamAsStr(block, name);
       continue;
     }
     const nxArray value = blockParamValueToArray(bkobject::block::getParamValue(block, name));
     if (dataType == "struct") {
-      capturedParameterValues[name] = structToMap(value);
+      captured[name] = structToMap(value);
     } else if (dataType == "array") {
-      capturedParameterValues[name] = cellToVector(value);
+      captured[name] = cellToVector(value);
     }
   }
 }
