@@ -13,9 +13,10 @@ namespace {
 
 // Live blocks by handle, for every diagram of the process, at the handle's whole part less one
 // (handles are issued in sequence); a slot is null once its block is gone. Main thread only.
+// Never destroyed: blocks held by other statics are destroyed at exit, after this table would be.
 std::vector<BKBlock*>& liveBlocks() {
-  static std::vector<BKBlock*> blocks;
-  return blocks;
+  static auto* blocks = new std::vector<BKBlock*>();
+  return *blocks;
 }
 
 constexpr double kHandleFraction = 0.0001220703125;
