@@ -79,7 +79,7 @@ void EditTimeStyling::applyStyling() {
     for (std::size_t i = 0; i < due.size(); ++i) styleBlock(due[i], facts[i]);
     violations.clearPendingClears();
   }
-  std::vector<double>().swap(due);  // nor the room of a large pass
+  std::vector<double>().swap(due);  // the room of a large pass is not kept between passes
   baseline = currentBaseline();
 }
 
