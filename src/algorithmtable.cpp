@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "src/algorithms/bkciunsupportedblocks.h"
-#include "src/algorithms/blockconstraintviolation.h"
 #include "src/algorithms/blockarastateportmappingviolation.h"
+#include "src/algorithms/blockconstraintviolation.h"
 #include "src/algorithms/blockmissingparams.h"
 #include "src/algorithms/blocknameposition.h"
 #include "src/algorithms/blocknameviolation.h"
@@ -66,7 +66,7 @@ void AlgorithmTable::runCheckById(const std::string& id) {
       pendingAlgorithms.push_back(std::make_shared<DataStoreUsage>(diagramName, severity));
     }
   } else if (featureOn(BKFEAT_BlockConstraintCheckAuthoring) && auditorChecksEnabled) {
-    const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
+    const std::map<std::string, bool>& selection = EditTimeCheckSelector::getCheckSelectionMap();
     const auto it = selection.find(id);
     if (it != selection.end() && it->second) {
       pendingAlgorithms.push_back(std::make_shared<BlockConstraintViolation>(
@@ -106,16 +106,17 @@ void AlgorithmTable::appendInteractiveChecks(bool hasVariants) {
 
 template <typename Check>
 void AlgorithmTable::appendIfSelected(const std::map<std::string, bool>& selection) {
-  const auto it = selection.find(Check::kCheckId);
+  static const std::string id(Check::kCheckId);  // looked up without a string built per event
+  const auto it = selection.find(id);
   if (it != selection.end() && it->second) {
     pendingAlgorithms.push_back(std::make_shared<Check>(diagramName, Check::kSeverity));
   }
 }
 
 void AlgorithmTable::appendSelectedChecks(int /*code*/) {
-  // One copy of the selection per table; a check is on when its ID maps to true. The constraint
-  // checks of the loaded configuration come first, in the configuration's order.
-  const std::map<std::string, bool> selection = EditTimeCheckSelector::getCheckSelectionMap();
+  // A check is on when its ID maps to true in the selection. The constraint checks of the loaded
+  // configuration come first, in the configuration's order.
+  const std::map<std::string, bool>& selection = EditTimeCheckSelector::getCheckSelectionMap();
   if (featureOn(BKFEAT_BlockConstraintCheckAuthoring)) {
     for (const std::string& id : constraintCheckIds) {
       const auto it = selection.find(id);
@@ -147,10 +148,11 @@ void AlgorithmTable::appendSelectedChecks(int /*code*/) {
 void AlgorithmTable::startPending() {
   pending.addQueued(static_cast<std::int64_t>(pendingAlgorithms.size()));
   for (auto& algorithm : pendingAlgorithms) {
-    AsyncTaskManager::instance().enqueue(
-        std::make_unique<ThreadedDataAnalyzer>(std::move(algorithm), engineId), false);
+    starting.push_back(std::make_unique<ThreadedDataAnalyzer>(std::move(algorithm), engineId));
   }
   pendingAlgorithms.clear();
+  // All of them at once: the worker wakes once for the event and finds the whole list.
+  AsyncTaskManager::instance().enqueueAll(starting, false);
 }
 
 }  // namespace bkedittimecheck

@@ -9,6 +9,7 @@
 
 #include "src/algorithms/edittimealgorithms.h"
 #include "src/pendingwork.h"
+#include "src/workerthread/workerqueuefunc.h"
 
 namespace bkedittimecheck {
 
@@ -63,6 +64,7 @@ class AlgorithmTable {
   void startPending();
 
   EventObserver eventObserver;
+  std::vector<std::unique_ptr<WorkerQueueFunc>> starting;  // empty between events; keeps its room
 };
 
 }  // namespace bkedittimecheck

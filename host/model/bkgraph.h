@@ -83,9 +83,10 @@ namespace bkgg {
 BKBlockContainer graphicalBlocksOf(const bkGraph* graph, int depth);
 
 /// Main thread. A count that moves whenever a block is made or destroyed, a block tree joins or
-/// leaves a diagram, a path changes (a rename), a block's mask type or library link changes, or
-/// a graph's state bits change or it is torn down: what a caller derived about which graphs and
-/// blocks exist, where they stand and how they are linked holds while the count stays the same.
+/// leaves a diagram, a block's mask type or library link changes, or a graph's state bits change
+/// or it is torn down: what a caller derived about which graphs and blocks exist and how they are
+/// linked holds while the count stays the same. A rename does not move it: graphs and blocks are
+/// known by identity, not by path.
 std::uint64_t structureRevision();
 void noteStructureChange();
 }  // namespace bkgg

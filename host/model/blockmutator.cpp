@@ -14,7 +14,8 @@ std::string where(const BKBlock& block) {
   return ConvertUStringToStdString(block.getFullPath(false)) + ": ";
 }
 
-[[noreturn]] void reject(const BKBlock& block, const std::string& name, const std::string& problem) {
+[[noreturn]] void reject(const BKBlock& block, const std::string& name,
+                         const std::string& problem) {
   throw std::invalid_argument(where(block) + name + ": " + problem);
 }
 
@@ -54,7 +55,8 @@ int toOrientation(const BKBlock& block, const BlockValue& value) {
       if (*text == kOrientations[i]) return i;
   }
   if (const auto* number = std::get_if<double>(&value)) {
-    if (*number == std::floor(*number) && *number >= 0 && *number <= 3) return static_cast<int>(*number);
+    if (*number == std::floor(*number) && *number >= 0 && *number <= 3)
+      return static_cast<int>(*number);
   }
   reject(block, "Orientation", "expected \"right\", \"down\", \"left\", \"up\" or 0 to 3");
 }
@@ -85,7 +87,8 @@ void assign(BKBlock& block, const std::string& name, const BlockValue& value, bo
     if (apply) showName = on;
   } else if (name == "NamePlacement") {
     std::string text = toText(block, name, value);
-    if (text != "normal" && text != "alternate") reject(block, name, "expected \"normal\" or \"alternate\"");
+    if (text != "normal" && text != "alternate")
+      reject(block, name, "expected \"normal\" or \"alternate\"");
     if (apply) alternate = text == "alternate";
   } else if (name == "Orientation") {
     int o = toOrientation(block, value);
@@ -107,7 +110,8 @@ void assign(BKBlock& block, const std::string& name, const BlockValue& value, bo
     if (apply) mask.initialization = text;
   } else if (name == "MaskParameters") {
     double count = toNumber(block, name, value);
-    if (count < 0 || count != std::floor(count) || count > 1e6) reject(block, name, "expected a count");
+    if (count < 0 || count != std::floor(count) || count > 1e6)
+      reject(block, name, "expected a count");
     if (apply) mask.parameterCount = static_cast<int>(count);
   } else if (name == "LinkStatus") {
     std::string text = toText(block, name, value);
@@ -124,13 +128,15 @@ void assign(BKBlock& block, const std::string& name, const BlockValue& value, bo
       bkgg::noteStructureChange();
     }
   } else {
-    reject(block, name, "block type " + block.getType().name + " has no such property or parameter");
+    reject(block, name,
+           "block type " + block.getType().name + " has no such property or parameter");
   }
 }
 
 }  // namespace
 
-std::unique_ptr<BKBlock> BlockMutator::makeBlock(const BlockTypeInfo& type, const bksvString& name) {
+std::unique_ptr<BKBlock> BlockMutator::makeBlock(const BlockTypeInfo& type,
+                                                 const bksvString& name) {
   if (type.hasSystem) return std::make_unique<SubsystemBlock>(type, name);
   return std::make_unique<BKBlock>(type, name);
 }
@@ -172,7 +178,8 @@ BKBlock* BlockMutator::insert(BKRootBD& diagram, bkGraph& graph, std::unique_ptr
   BKBlock* raw = block.get();
   raw->graph = &graph;
   position = std::min(position, graph.blocks.size());
-  graph.blocks.insert(graph.blocks.begin() + static_cast<std::ptrdiff_t>(position), std::move(block));
+  graph.blocks.insert(graph.blocks.begin() + static_cast<std::ptrdiff_t>(position),
+                      std::move(block));
   setGraphDiagram(raw, &diagram);
   indexTree(diagram, raw, graph.getFullPath());
   return raw;
@@ -193,7 +200,6 @@ std::pair<std::unique_ptr<BKBlock>, std::size_t> BlockMutator::detach(BKRootBD& 
 }
 
 void BlockMutator::rename(BKRootBD& diagram, BKBlock* block, const bksvString& newName) {
-  bkgg::noteStructureChange();
   unindexTree(diagram, block);
   block->name = newName;
   indexTree(diagram, block, block->graph->getFullPath());
@@ -206,7 +212,8 @@ void BlockMutator::reindexAll(BKRootBD& diagram) {
   for (auto& child : diagram.root->blocks) indexTree(diagram, child.get(), diagram.name);
 }
 
-void BlockMutator::validate(const BKBlock& block, const std::string& name, const BlockValue& value) {
+void BlockMutator::validate(const BKBlock& block, const std::string& name,
+                            const BlockValue& value) {
   // Checking runs the same code as setting, against scratch copies.
   BKBlock& target = const_cast<BKBlock&>(block);
   BlockParamValue param;

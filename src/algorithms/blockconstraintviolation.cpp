@@ -11,9 +11,9 @@
 
 namespace bkedittimecheck {
 
-BlockConstraintViolation::BlockConstraintViolation(std::string checkId, std::wstring diagramName,
-                                                   std::uint32_t severity)
-    : EditTimeAlgorithms(std::move(checkId), std::move(diagramName), severity) {}
+BlockConstraintViolation::BlockConstraintViolation(std::string_view checkId,
+                                                   std::wstring diagramName, std::uint32_t severity)
+    : EditTimeAlgorithms(checkId, std::move(diagramName), severity) {}
 
 bool BlockConstraintViolation::runCheck(const CheckContext& context) {
   if (!context.data || !context.violations) return false;

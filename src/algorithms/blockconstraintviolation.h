@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "src/algorithms/edittimealgorithms.h"
 #include "src/editcodes.h"
@@ -17,7 +18,8 @@ class BlockConstraintViolation : public EditTimeAlgorithms {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  BlockConstraintViolation(std::string checkId, std::wstring diagramName, std::uint32_t severity);
+  BlockConstraintViolation(std::string_view checkId, std::wstring diagramName,
+                           std::uint32_t severity);
 
   /// Worker thread. False, changing nothing, without the diagram's data or store, without
   /// constraint data for this ID or when that data has no composite. Otherwise reads the scope

@@ -11,8 +11,8 @@ std::string CodegenBlockNameViolation::prohibitedNamePattern;
 CodegenBlockNameViolation::CodegenBlockNameViolation(std::wstring diagramName,
                                                      std::uint32_t severity)
     : NameCheck(kCheckId, std::move(diagramName), severity),
-      codegenFootnoteTags(makeCodegenFootnoteTags()),
-      productionFootnoteTags(makeProductionFootnoteTags()) {}
+      codegenFootnoteTags(codegenSupportTags()),
+      productionFootnoteTags(productionSupportTags()) {}
 
 Verdict CodegenBlockNameViolation::decideOne(const bkEditBlock& block) const {
   const bkRAEditBlock& ra = *block.getRaEditBlock();

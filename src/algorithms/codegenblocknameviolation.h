@@ -30,8 +30,8 @@ class CodegenBlockNameViolation : public NameCheck {
   Verdict decideOne(const bkEditBlock& block) const override;
 
  private:
-  const FootnoteTags codegenFootnoteTags;     // filled in the constructor
-  const FootnoteTags productionFootnoteTags;  // built as the tool builds it; never consulted
+  const FootnoteTags& codegenFootnoteTags;     // the process's one set
+  const FootnoteTags& productionFootnoteTags;  // held as the tool holds it; never consulted
 };
 
 }  // namespace bkedittimecheck

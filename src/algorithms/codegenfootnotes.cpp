@@ -4,12 +4,16 @@
 
 namespace bkedittimecheck {
 
-FootnoteTags makeCodegenFootnoteTags() {
-  return {"FnNotInsideTrig", "FnIgnoredCodeGen",  "FnAbsTimeInTrig",
-          "FnReliesOnMemOp", "FnSuppDependsImpl", "FnSFunMLNotRT"};
+const FootnoteTags& codegenSupportTags() {
+  static const FootnoteTags tags{"FnNotInsideTrig", "FnIgnoredCodeGen",  "FnAbsTimeInTrig",
+                                 "FnReliesOnMemOp", "FnSuppDependsImpl", "FnSFunMLNotRT"};
+  return tags;
 }
 
-FootnoteTags makeProductionFootnoteTags() { return {"FnSuppDependsImpl"}; }
+const FootnoteTags& productionSupportTags() {
+  static const FootnoteTags tags{"FnSuppDependsImpl"};
+  return tags;
+}
 
 std::vector<std::string> footnoteTokens(const std::string& footnote) {
   const boost::char_separator<char> separator(",");  // drops empty tokens, keeps blanks

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <mutex>
+#include <set>
 #include <utility>
 
 namespace bkedittimecheck {
@@ -23,11 +24,22 @@ ParametersChangedFlag& parametersChanged() {
   return flag;
 }
 
+// One copy of each check ID ever used, kept for the life of the process. The IDs are those of the
+// built-in checks and of the constraint checks of the configurations loaded, a bounded set.
+const std::string& internCheckId(std::string_view id) {
+  static std::mutex mutex;
+  static std::set<std::string, std::less<>> ids;
+  std::lock_guard<std::mutex> lock(mutex);
+  auto it = ids.find(id);
+  if (it == ids.end()) it = ids.emplace(id).first;
+  return *it;
+}
+
 }  // namespace
 
-EditTimeAlgorithms::EditTimeAlgorithms(std::string checkId, std::wstring diagramName,
+EditTimeAlgorithms::EditTimeAlgorithms(std::string_view checkId, std::wstring diagramName,
                                        std::uint32_t severity)
-    : checkId(std::move(checkId)), diagramName(std::move(diagramName)), severity(severity) {}
+    : checkId(internCheckId(checkId)), diagramName(std::move(diagramName)), severity(severity) {}
 
 EditTimeAlgorithms::~EditTimeAlgorithms() = default;
 

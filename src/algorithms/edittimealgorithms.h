@@ -3,6 +3,7 @@
 #include <boost/property_tree/ptree.hpp>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "src/algorithms/checkcontext.h"
 
@@ -23,7 +24,7 @@ struct CheckScope {
 class EditTimeAlgorithms {
  public:
   /// Any thread. Stores the three identifying values; never throws beyond allocation.
-  EditTimeAlgorithms(std::string checkId, std::wstring diagramName, std::uint32_t severity);
+  EditTimeAlgorithms(std::string_view checkId, std::wstring diagramName, std::uint32_t severity);
   virtual ~EditTimeAlgorithms();
 
   EditTimeAlgorithms(const EditTimeAlgorithms&) = delete;
@@ -59,7 +60,7 @@ class EditTimeAlgorithms {
   std::uint32_t getSeverity() const { return severity; }
 
  protected:
-  const std::string checkId;
+  const std::string& checkId;  // interned: an edit builds some twenty checks, none copies its ID
   const std::wstring diagramName;
   const std::uint32_t severity;
 };

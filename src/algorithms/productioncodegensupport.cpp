@@ -8,8 +8,8 @@ namespace bkedittimecheck {
 
 ProductionCodeGenSupport::ProductionCodeGenSupport(std::wstring diagramName, std::uint32_t severity)
     : BlockCheck(kCheckId, std::move(diagramName), severity),
-      codegenFootnoteTags(makeCodegenFootnoteTags()),
-      productionFootnoteTags(makeProductionFootnoteTags()) {}
+      codegenFootnoteTags(codegenSupportTags()),
+      productionFootnoteTags(productionSupportTags()) {}
 
 void ProductionCodeGenSupport::decide(const bkEditBlock& block,
                                       std::vector<Verdict>& verdicts) const {

@@ -32,8 +32,8 @@ class ProductionCodeGenSupport : public BlockCheck {
   bool wantsParameters() const override { return false; }
 
  private:
-  const FootnoteTags codegenFootnoteTags;     // filled in the constructor
-  const FootnoteTags productionFootnoteTags;  // built as the tool builds it; never consulted
+  const FootnoteTags& codegenFootnoteTags;     // the process's one set
+  const FootnoteTags& productionFootnoteTags;  // held as the tool holds it; never consulted
 };
 
 }  // namespace bkedittimecheck

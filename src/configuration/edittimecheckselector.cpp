@@ -56,7 +56,7 @@ std::map<std::string, bool> EditTimeCheckSelector::readCheckSelection(
   return selection;
 }
 
-std::map<std::string, bool> EditTimeCheckSelector::getCheckSelectionMap() {
+const std::map<std::string, bool>& EditTimeCheckSelector::getCheckSelectionMap() {
   return state().checkSelection;
 }
 

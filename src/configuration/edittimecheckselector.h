@@ -34,8 +34,8 @@ class EditTimeCheckSelector {
   /// wins; a walk through a `Check` stops at its "Selected". Throws as `loadCheckSelection`.
   static std::map<std::string, bool> readCheckSelection(const std::wstring& filePath);
 
-  /// Main thread. A copy of the current selection; empty before the first load.
-  static std::map<std::string, bool> getCheckSelectionMap();
+  /// Main thread. The current selection, valid until the next load; empty before the first.
+  static const std::map<std::string, bool>& getCheckSelectionMap();
 
   /// Main thread. A copy of the whole customization tree; empty before the first load.
   static boost::property_tree::ptree getConfigurationTree();

@@ -38,12 +38,23 @@ AsyncTaskManager::~AsyncTaskManager() {
   }
 }
 
-void AsyncTaskManager::enqueue(std::unique_ptr<WorkerQueueFunc> func, bool useBatchQueue) {
+void AsyncTaskManager::push(std::unique_ptr<WorkerQueueFunc> func, bool useBatchQueue) {
   auto* item = new ConcurrentQueueItem{std::move(func)};
   outstanding.fetch_add(1);
   (useBatchQueue ? batchQueue : immediateQueue).push(item);
+}
+
+void AsyncTaskManager::enqueue(std::unique_ptr<WorkerQueueFunc> func, bool useBatchQueue) {
+  push(std::move(func), useBatchQueue);
   // The items still run at a tick after they were queued; the host's timer chooses whether that
   // tick comes at the end of the period or at once.
+  workArrived();
+}
+
+void AsyncTaskManager::enqueueAll(std::vector<std::unique_ptr<WorkerQueueFunc>>& funcs,
+                                  bool useBatchQueue) {
+  for (auto& func : funcs) push(std::move(func), useBatchQueue);
+  funcs.clear();
   workArrived();
 }
 

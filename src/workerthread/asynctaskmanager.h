@@ -1,9 +1,10 @@
 #pragma once
 
+#include <tbb/concurrent_queue.h>
+
 #include <cstdint>
 #include <memory>
-
-#include <tbb/concurrent_queue.h>
+#include <vector>
 
 #include "host/runtime/timerthread.h"
 #include "src/queueallocator.h"
@@ -28,6 +29,10 @@ class AsyncTaskManager : public blockara::TimerThread {
   /// immediate queue, the one this engine uses.
   void enqueue(std::unique_ptr<WorkerQueueFunc> func, bool useBatchQueue);
 
+  /// Any thread. Queues every item of `funcs` in order, as `enqueue` does each, and asks for a
+  /// tick once, after the last; leaves `funcs` empty.
+  void enqueueAll(std::vector<std::unique_ptr<WorkerQueueFunc>>& funcs, bool useBatchQueue);
+
   /// Any thread. Items queued and not yet finished, over the life of the process; 0 before the
   /// first item and without making the manager.
   static std::int64_t outstandingCount();
@@ -44,6 +49,8 @@ class AsyncTaskManager : public blockara::TimerThread {
       tbb::concurrent_queue<ConcurrentQueueItem*, QueueAllocator<ConcurrentQueueItem*>>;
 
   AsyncTaskManager();
+  // Queues `func` without asking for a tick.
+  void push(std::unique_ptr<WorkerQueueFunc> func, bool useBatchQueue);
 
   ItemQueue batchQueue;
   ItemQueue immediateQueue;
