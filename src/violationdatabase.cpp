@@ -52,11 +52,11 @@ void ViolationDatabase::remove(const ViolationPtr& violation) {
   // A block with no records still has its classes cleared: a glow left by an engine that was
   // replaced (a rename, a reopen) goes at the first pass that finds the block clean.
   if (entry == byBlock.end()) {
-    pendingClearList.push_back(violation->blockHandle);
+    notePendingClear(violation->blockHandle);
     return;
   }
   const bool erased = entry->second.erase(violation) > 0;
-  if (erased || entry->second.empty()) pendingClearList.push_back(violation->blockHandle);
+  if (erased || entry->second.empty()) notePendingClear(violation->blockHandle);
   if (entry->second.empty()) byBlock.erase(entry);
 }
 
@@ -70,7 +70,7 @@ void ViolationDatabase::removeByType(const std::string& checkId, const std::stri
     }
     if (entry->second.empty()) {
       touched.insert(entry->first);
-      pendingClearList.push_back(entry->first);
+      notePendingClear(entry->first);
       entry = byBlock.erase(entry);
     } else {
       ++entry;
@@ -91,7 +91,7 @@ void ViolationDatabase::removeByCheck(double blockHandle, const std::string& che
   if (entry != byBlock.end()) {
     std::erase_if(entry->second, [&](const ViolationPtr& v) { return v->checkId == checkId; });
   }
-  pendingClearList.push_back(blockHandle);
+  notePendingClear(blockHandle);
 }
 
 std::vector<EditTimeViolation> ViolationDatabase::violationsOf(double blockHandle) const {
@@ -178,12 +178,9 @@ std::map<double, std::vector<EditTimeViolation>> ViolationDatabase::auditorViola
 std::vector<ViolationDatabase::StylingFacts> ViolationDatabase::stylingFactsOf(
     const std::vector<double>& handles) const {
   std::lock_guard<std::mutex> lock(mutex);
-  // A sorted copy answers "is it pending?" with no allocation per handle.
-  std::vector<double> pending(pendingClearList);
-  std::sort(pending.begin(), pending.end());
   std::vector<StylingFacts> out(handles.size());
   for (std::size_t i = 0; i < handles.size(); ++i) {
-    out[i].pendingClear = std::binary_search(pending.begin(), pending.end(), handles[i]);
+    out[i].pendingClear = pendingClearMembers.count(handles[i]) > 0;
     auto entry = byBlock.find(handles[i]);
     if (entry == byBlock.end()) continue;
     out[i].warning = firstCommented(entry->second, isWarning);
@@ -191,6 +188,11 @@ std::vector<ViolationDatabase::StylingFacts> ViolationDatabase::stylingFactsOf(
     out[i].error = firstCommented(entry->second, isErrorRecord);
   }
   return out;
+}
+
+void ViolationDatabase::notePendingClear(double handle) {
+  pendingClearList.push_back(handle);
+  pendingClearMembers.insert(handle);
 }
 
 std::vector<double> ViolationDatabase::takeTouched() {
@@ -209,7 +211,9 @@ std::vector<double> ViolationDatabase::pendingClears() const {
 
 void ViolationDatabase::clearPendingClears() {
   std::lock_guard<std::mutex> lock(mutex);
-  std::vector<double>().swap(pendingClearList);  // its capacity is not kept between passes
+  // Neither keeps its room between passes.
+  std::vector<double>().swap(pendingClearList);
+  std::unordered_set<double>().swap(pendingClearMembers);
 }
 
 void ViolationDatabase::dropDeadBlocks(const std::function<bool(double)>& isAlive) {
@@ -276,7 +280,7 @@ void ViolationDatabase::markCommentedUnder(const std::wstring& path, bool isComm
       v->isCommented = isCommented ? 1 : 0;
       touched.insert(handle);
       if (v->checkId == "orvanta.blockara.GoToFromBlockMismatch") {
-        pendingClearList.push_back(handle);
+        notePendingClear(handle);
         it = set.erase(it);
       } else {
         ++it;

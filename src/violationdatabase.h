@@ -124,10 +124,15 @@ class ViolationDatabase {
  private:
   template <typename Pred>
   void removeFirstMatch(Pred pred);  // caller holds mutex
+  // Puts `handle` on `pendingClears`; caller holds mutex.
+  void notePendingClear(double handle);
 
   mutable std::mutex mutex;
   std::map<double, ViolationSet> byBlock;  // guarded by mutex
   std::vector<double> pendingClearList;    // guarded by mutex; the `pendingClears` of the store
+  // Guarded by mutex; the handles of pendingClearList once each, so that a styling pass asks
+  // "is it pending?" in constant time on the main thread.
+  std::unordered_set<double> pendingClearMembers;
   std::unordered_set<double> touched;      // guarded by mutex; see `takeTouched`
 };
 
