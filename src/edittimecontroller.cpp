@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <functional>
 #include <iostream>
+#include <memory>
+#include <mutex>
+#include <vector>
 
 #include "host/runtime/eventloop.h"
 #include "host/signals/pluginchangereport.h"
@@ -173,7 +176,28 @@ void releaseOnMainThread(std::shared_ptr<EditTimeEngine> engine) {
   if (!engine) return;
   blockara::EventLoop& loop = blockara::EventLoop::instance();
   if (loop.isMainThread()) return;
-  loop.post([last = std::move(engine)] {});
+  // Every check of a pass hands its reference back: they are gathered, and one posted command
+  // drops all that arrived before it runs, so that a pass wakes the main thread once for them.
+  // Never destroyed: the process may end with references still held here.
+  struct Held {
+    std::mutex mutex;
+    std::vector<std::shared_ptr<EditTimeEngine>> engines;  // guarded by mutex
+  };
+  static Held* const held = new Held;
+  bool first = false;
+  {
+    std::lock_guard<std::mutex> lock(held->mutex);
+    first = held->engines.empty();
+    held->engines.push_back(std::move(engine));
+  }
+  if (!first) return;  // the command posted for the first is still to run and takes this one too
+  loop.post([] {
+    std::vector<std::shared_ptr<EditTimeEngine>> last;
+    {
+      std::lock_guard<std::mutex> lock(held->mutex);
+      last.swap(held->engines);
+    }
+  });
 }
 
 bool isQuiescent() {

@@ -5,7 +5,9 @@
 //   blocks=N main_edit_us_p50=X snapshot_us_p50=X glow_us_p50=X glow_us_p99=X handoff_us_p50=X
 //   recheck_ratio=X scan_ms=X max_slice_ms=X idle_cpu_pct=X engine_bytes_per_block=X
 //   host_bytes_per_block=X
-// Options: --blocks N (default 100000), --edits N (default 1000), --idle-seconds S (default 10).
+// Options: --blocks N (default 100000), --edits N (default 1000), --idle-seconds S (default 10),
+// --routing N (Goto/From pairs in each leaf, default 5; 0 shows the engine's cost without kept
+// blocks).
 #include <malloc.h>
 #include <sys/resource.h>
 
@@ -90,7 +92,8 @@ void writeCustomization(const std::filesystem::path& prefs) {
 bksvString u16(const std::string& s) { return i18n::to_u16string(s); }
 
 // The diagram: 10 subsystems of 10 subsystems; the leaves share the blocks.
-BKRootBD* generate(int blocks, std::vector<bksvString>& systems, std::vector<bksvString>& gains) {
+BKRootBD* generate(int blocks, int routingPairs, std::vector<bksvString>& systems,
+                   std::vector<bksvString>& gains) {
   const bksvString name = u"latency";
   BKRootBD* d = bkBlockDiagramSet::create(name, BKRootBD::Model);
   d->setAuditorMode(true);
@@ -107,7 +110,7 @@ BKRootBD* generate(int blocks, std::vector<bksvString>& systems, std::vector<bks
       const bksvString leaf = top + u"/t" + u16(std::to_string(j));
       e.addBlock(top, "SubSystem", u"t" + u16(std::to_string(j)));
       systems.push_back(leaf);
-      for (int k = 0; k < 5; ++k) {
+      for (int k = 0; k < routingPairs; ++k) {
         const std::string tag = "T" + std::to_string(i) + "_" + std::to_string(j) + "_" + std::to_string(k);
         e.addBlock(leaf, "Goto", u"go" + u16(std::to_string(k)), {{"GotoTag", tag}});
         e.addBlock(leaf, "From", u"from" + u16(std::to_string(k)), {{"GotoTag", tag}});
@@ -164,7 +167,7 @@ double handoffMicros(int rounds) {
   return percentile(times, 0.5);
 }
 
-int run(int blocks, int edits, int idleSeconds) {
+int run(int blocks, int routingPairs, int edits, int idleSeconds) {
   blockara::EventLoop::instance().adoptCurrentThread();
   bk::bkedittimecheck::bkutils::setShowEditTimeIssues(true);
   const auto prefs = std::filesystem::temp_directory_path() / "bketc_edit_latency";
@@ -177,7 +180,7 @@ int run(int blocks, int edits, int idleSeconds) {
 
   std::vector<bksvString> systems, gains;
   const std::size_t heapBefore = heapInUse();
-  BKRootBD* d = generate(blocks, systems, gains);
+  BKRootBD* d = generate(blocks, routingPairs, systems, gains);
   const std::size_t hostBytes = heapInUse() - heapBefore;
   const std::size_t hostBlocks = d->blocksInPathOrder().size();
 
@@ -187,6 +190,7 @@ int run(int blocks, int edits, int idleSeconds) {
   glow.reserve(static_cast<std::size_t>(edits));
 
   // Opening: the engine registers, every system goes on view, the scan runs to rest.
+  lua_gc(lua.state(), LUA_GCCOLLECT);
   const std::size_t heapBeforeEngine = heapInUse();
   const auto scanStart = Clock::now();
   RegisterEditBdEvents(d);
@@ -198,6 +202,7 @@ int run(int blocks, int edits, int idleSeconds) {
   const double scanMs = microsSince(scanStart) / 1000;
   auto engine = EditTimeController::instance().findEngine(toWide(d->getName()));
   const std::size_t keptBlocks = std::max<std::size_t>(1, bkEditBDProbe(*engine->getData()).blocks().size());
+  lua_gc(lua.state(), LUA_GCCOLLECT);  // garbage of the host language is nobody's memory
   const std::size_t engineBytes = heapInUse() - heapBeforeEngine;
 
   // Edits: a rename to a prohibited name and back, each until the glow follows.
@@ -264,7 +269,7 @@ int run(int blocks, int edits, int idleSeconds) {
   // Idle: nothing to do for a while; what does the process spend?
   const double cpuBefore = cpuSeconds();
   std::this_thread::sleep_for(std::chrono::seconds(idleSeconds));
-  const double idlePct = 100 * (cpuSeconds() - cpuBefore) / idleSeconds;
+  const double idlePct = idleSeconds > 0 ? 100 * (cpuSeconds() - cpuBefore) / idleSeconds : 0;
 
   const double glowP50 = percentile(glow, 0.5);
   std::printf(
@@ -283,12 +288,13 @@ int run(int blocks, int edits, int idleSeconds) {
 }  // namespace bkedittimecheck
 
 int main(int argc, char** argv) {
-  int blocks = 100'000, edits = 1000, idle = 10;
+  int blocks = 100'000, routing = 5, edits = 1000, idle = 10;
   for (int i = 1; i + 1 < argc; i += 2) {
     const std::string flag = argv[i];
     if (flag == "--blocks") blocks = std::stoi(argv[i + 1]);
     if (flag == "--edits") edits = std::stoi(argv[i + 1]);
     if (flag == "--idle-seconds") idle = std::stoi(argv[i + 1]);
+    if (flag == "--routing") routing = std::stoi(argv[i + 1]);
   }
-  return bkedittimecheck::run(blocks, edits, idle);
+  return bkedittimecheck::run(blocks, routing, edits, idle);
 }

@@ -17,7 +17,8 @@ BlockaraStatePortMappingViolation::BlockaraStatePortMappingViolation(std::wstrin
 
 bool BlockaraStatePortMappingViolation::evaluate(bkEditBD& data, ViolationDatabase& database) {
   if (!featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) return false;
-  std::map<double, std::shared_ptr<bkEditBlock>> blocks = data.blockMap();
+  // The map itself: the checks run one after the other on the worker, nothing changes it meanwhile.
+  const std::map<double, std::shared_ptr<bkEditBlock>>& blocks = data.blockMap();
   const bool hadBlocks = !blocks.empty();
   for (const auto& entry : blocks) {
     // Plain names rather than a structured binding, which the lambda below could not capture
@@ -26,9 +27,11 @@ bool BlockaraStatePortMappingViolation::evaluate(bkEditBD& data, ViolationDataba
     const std::shared_ptr<bkEditBlock>& port = entry.second;
     const BlockaraStatePortInfo* info = port ? port->getChartInputData() : nullptr;
     if (!info) continue;
-    // An absent state gets a null entry in the copy and counts as no subsystem: a state deleted
-    // in the same batch leaves its ports as they were.
-    const std::shared_ptr<bkEditBlock>& state = blocks[info->stateSubsystemHandle()];
+    // An absent state counts as no subsystem: a state deleted in the same batch leaves its ports
+    // as they were.
+    const auto stateEntry = blocks.find(info->stateSubsystemHandle());
+    if (stateEntry == blocks.end()) continue;
+    const std::shared_ptr<bkEditBlock>& state = stateEntry->second;
     if (!state || !state->getChartRecord()) continue;
     const BlockaraStateMappingInfo& mapping = *state->getChartRecord();
     const std::wstring name = fromNarrow(port->getBlockName());

@@ -3,6 +3,9 @@
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/split.hpp>
 #include <cstring>
+#include <map>
+#include <mutex>
+#include <string>
 #include <vector>
 
 #include "src/constraints/boundedregex.h"
@@ -48,6 +51,27 @@ boost::regex NameCheck::compile(const std::string& pattern) {
   return boost::regex(pattern);
 }
 
-void NameCheck::beginRun() { compiled = compile(pattern()); }
+void NameCheck::beginRun() {
+  // Every edit runs each name check afresh while the pattern rarely changes: the last pattern of
+  // each check class is kept compiled. The key is the address of the class's pattern string.
+  struct Compiled {
+    std::string pattern;
+    boost::regex expression;
+  };
+  static std::mutex mutex;
+  static std::map<const std::string*, Compiled> lastCompiled;
+  const std::string& current = pattern();
+  {
+    std::lock_guard<std::mutex> lock(mutex);
+    const auto it = lastCompiled.find(&current);
+    if (it != lastCompiled.end() && it->second.pattern == current) {
+      compiled = it->second.expression;
+      return;
+    }
+  }
+  compiled = compile(current);  // a pattern that does not compile throws here at every run
+  std::lock_guard<std::mutex> lock(mutex);
+  lastCompiled[&current] = Compiled{current, compiled};
+}
 
 }  // namespace bkedittimecheck

@@ -10,7 +10,8 @@ namespace bkedittimecheck {
 
 /// The part that the four name checks share: one regular expression of prohibited names, kept in
 /// a static string of each check class, read from the parameter "Regular expression for
-/// prohibited names:" and compiled afresh at the start of every run.
+/// prohibited names:" and compiled at the start of a run, unless it is the pattern the class
+/// compiled last.
 ///
 /// Thread contract: worker thread only; the static patterns have no lock.
 class NameCheck : public BlockCheck {

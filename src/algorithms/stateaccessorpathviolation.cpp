@@ -31,7 +31,8 @@ StateAccessorPathViolation::StateAccessorPathViolation(std::wstring diagramName,
     : DiagramCheck(kCheckId, std::move(diagramName), severity) {}
 
 bool StateAccessorPathViolation::evaluate(bkEditBD& data, ViolationDatabase& database) {
-  const std::map<double, std::shared_ptr<bkEditBlock>> blocks = data.blockMap();
+  // The map itself: the checks run one after the other on the worker, nothing changes it meanwhile.
+  const std::map<double, std::shared_ptr<bkEditBlock>>& blocks = data.blockMap();
   bool clean = true;
   for (const auto& entry : blocks) {
     // Plain names: the lambdas below capture them, which a structured binding does not allow
