@@ -172,30 +172,49 @@ bool EditTimeController::hasNoPendingWork() const {
   return true;
 }
 
+namespace {
+
+// The references to engines that the worker handed back and the main thread has not dropped yet.
+// Never destroyed: the process may end with references still held here.
+struct HeldEngines {
+  std::mutex mutex;
+  std::vector<std::shared_ptr<EditTimeEngine>> engines;  // guarded by mutex
+  bool dropPosted = false;                               // guarded by mutex
+};
+
+HeldEngines& heldEngines() {
+  static HeldEngines* const held = new HeldEngines;
+  return *held;
+}
+
+}  // namespace
+
+void holdForMainThread(std::shared_ptr<EditTimeEngine> engine) {
+  if (!engine) return;
+  HeldEngines& held = heldEngines();
+  std::lock_guard<std::mutex> lock(held.mutex);
+  held.engines.push_back(std::move(engine));
+}
+
 void releaseOnMainThread(std::shared_ptr<EditTimeEngine> engine) {
   if (!engine) return;
   blockara::EventLoop& loop = blockara::EventLoop::instance();
   if (loop.isMainThread()) return;
-  // Every check of a pass hands its reference back: they are gathered, and one posted command
-  // drops all that arrived before it runs, so that a pass wakes the main thread once for them.
-  // Never destroyed: the process may end with references still held here.
-  struct Held {
-    std::mutex mutex;
-    std::vector<std::shared_ptr<EditTimeEngine>> engines;  // guarded by mutex
-  };
-  static Held* const held = new Held;
-  bool first = false;
+  HeldEngines& held = heldEngines();
   {
-    std::lock_guard<std::mutex> lock(held->mutex);
-    first = held->engines.empty();
-    held->engines.push_back(std::move(engine));
+    std::lock_guard<std::mutex> lock(held.mutex);
+    held.engines.push_back(std::move(engine));
+    // A command already posted and not yet run takes this one too.
+    if (held.dropPosted) return;
+    held.dropPosted = true;
   }
-  if (!first) return;  // the command posted for the first is still to run and takes this one too
   loop.post([] {
+    HeldEngines& held = heldEngines();
     std::vector<std::shared_ptr<EditTimeEngine>> last;
     {
-      std::lock_guard<std::mutex> lock(held->mutex);
-      last.swap(held->engines);
+      std::lock_guard<std::mutex> lock(held.mutex);
+      last.swap(held.engines);
+      held.dropPosted = false;
     }
   });
 }

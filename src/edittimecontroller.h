@@ -120,8 +120,13 @@ class EditTimeController : public ncos::Wrappable {
 };
 
 /// Any thread. Drops a reference to an engine on the main thread: at once there, otherwise
-/// through the main loop, so that an engine is never destroyed on the worker.
+/// through the main loop, so that an engine is never destroyed on the worker. The posted command
+/// also drops the references held by `holdForMainThread` and any handed back before it runs.
 void releaseOnMainThread(std::shared_ptr<EditTimeEngine> engine);
+
+/// Any thread but the main one. Keeps a reference to an engine until the next
+/// `releaseOnMainThread`, so that the checks of a pass wake the main thread once, not once each.
+void holdForMainThread(std::shared_ptr<EditTimeEngine> engine);
 
 /// Main thread. True when the engine is at rest: no engine, live or closing, has checks queued or
 /// passes unstyled, and the worker has no item queued or running. Makes nothing that does not

@@ -24,6 +24,7 @@
 #include <thread>
 #include <vector>
 
+#include "app/luaapi.h"
 #include "bench/selectedchecks.h"
 #include "host/language/luahost.h"
 #include "host/model/bkgraph.h"
@@ -176,6 +177,9 @@ int run(int blocks, int routingPairs, int edits, int idleSeconds) {
   svSetNumeriaRoot(BKETC_RESOURCE_DIR);
   initialize_module();
   blockara::LuaHost lua(blockara::LuaHostOptions{std::filesystem::path(BKETC_RESOURCE_DIR), {}, true});
+  // The program's scripting API: the engine's questions to the host language (the missing
+  // variables) then run the program's own code.
+  blockara::app::installLuaApi(lua);
   AsyncTaskManager::instance();
 
   std::vector<bksvString> systems, gains;

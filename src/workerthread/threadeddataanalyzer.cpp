@@ -7,6 +7,7 @@
 #include "src/edittimeengine.h"
 #include "src/hostinterface.h"
 #include "src/profiler.h"
+#include "src/workerthread/asynctaskmanager.h"
 #include "src/workerthread/checkfailures.h"
 
 namespace bkedittimecheck {
@@ -23,7 +24,15 @@ void ThreadedDataAnalyzer::run(void* /*context*/) {
   // The main thread may close the engine meanwhile; its end then belongs to the main thread.
   struct Release {
     std::shared_ptr<EditTimeEngine>& engine;
-    ~Release() { releaseOnMainThread(std::move(engine)); }
+    ~Release() {
+      // This item still counts as outstanding: the last of the queue sends every reference
+      // gathered meanwhile to the main thread, the others only hand theirs in.
+      if (AsyncTaskManager::outstandingCount() <= 1) {
+        releaseOnMainThread(std::move(engine));
+      } else {
+        holdForMainThread(std::move(engine));
+      }
+    }
   } release{engine};
   if (!engine || engine->engineId() != engineId) {
     controller.forgetClosingEngine(name, engineId);
