@@ -34,7 +34,7 @@ void appendAuditorRecords(const Set& set, std::vector<EditTimeViolation>& out) {
 
 void ViolationDatabase::add(const ViolationPtr& violation) {
   std::lock_guard<std::mutex> lock(mutex);
-  touched.insert(violation->blockHandle);
+  touch(violation->blockHandle);
   ViolationSet& set = byBlock[violation->blockHandle];
   auto it = set.find(violation);
   if (it != set.end()) {
@@ -47,7 +47,7 @@ void ViolationDatabase::add(const ViolationPtr& violation) {
 
 void ViolationDatabase::remove(const ViolationPtr& violation) {
   std::lock_guard<std::mutex> lock(mutex);
-  touched.insert(violation->blockHandle);
+  touch(violation->blockHandle);
   auto entry = byBlock.find(violation->blockHandle);
   // A block with no records still has its classes cleared: a glow left by an engine that was
   // replaced (a rename, a reopen) goes at the first pass that finds the block clean.
@@ -66,10 +66,10 @@ void ViolationDatabase::removeByType(const std::string& checkId, const std::stri
     if (std::erase_if(entry->second, [&](const ViolationPtr& v) {
           return v->checkId == checkId && v->violationType == violationType;
         }) > 0) {
-      touched.insert(entry->first);
+      touch(entry->first);
     }
     if (entry->second.empty()) {
-      touched.insert(entry->first);
+      touch(entry->first);
       notePendingClear(entry->first);
       entry = byBlock.erase(entry);
     } else {
@@ -80,13 +80,13 @@ void ViolationDatabase::removeByType(const std::string& checkId, const std::stri
 
 void ViolationDatabase::removeAll(double blockHandle) {
   std::lock_guard<std::mutex> lock(mutex);
-  touched.insert(blockHandle);
+  touch(blockHandle);
   byBlock.erase(blockHandle);
 }
 
 void ViolationDatabase::removeByCheck(double blockHandle, const std::string& checkId) {
   std::lock_guard<std::mutex> lock(mutex);
-  touched.insert(blockHandle);
+  touch(blockHandle);
   auto entry = byBlock.find(blockHandle);
   if (entry != byBlock.end()) {
     std::erase_if(entry->second, [&](const ViolationPtr& v) { return v->checkId == checkId; });
@@ -178,9 +178,18 @@ std::map<double, std::vector<EditTimeViolation>> ViolationDatabase::auditorViola
 std::vector<ViolationDatabase::StylingFacts> ViolationDatabase::stylingFactsOf(
     const std::vector<double>& handles) const {
   std::lock_guard<std::mutex> lock(mutex);
+  // Clears put on the list after the last settle (none, unless a pass ran meanwhile) are looked
+  // up in a sorted copy of their own.
+  std::vector<double> recent(pendingClearList.begin() + static_cast<std::ptrdiff_t>(pendingSettled),
+                             pendingClearList.end());
+  std::sort(recent.begin(), recent.end());
+  const auto pending = [&](double handle) {
+    return std::binary_search(pendingSorted.begin(), pendingSorted.end(), handle) ||
+           std::binary_search(recent.begin(), recent.end(), handle);
+  };
   std::vector<StylingFacts> out(handles.size());
   for (std::size_t i = 0; i < handles.size(); ++i) {
-    out[i].pendingClear = pendingClearMembers.count(handles[i]) > 0;
+    out[i].pendingClear = pending(handles[i]);
     auto entry = byBlock.find(handles[i]);
     if (entry == byBlock.end()) continue;
     out[i].warning = firstCommented(entry->second, isWarning);
@@ -190,18 +199,49 @@ std::vector<ViolationDatabase::StylingFacts> ViolationDatabase::stylingFactsOf(
   return out;
 }
 
-void ViolationDatabase::notePendingClear(double handle) {
-  pendingClearList.push_back(handle);
-  pendingClearMembers.insert(handle);
+void ViolationDatabase::notePendingClear(double handle) { pendingClearList.push_back(handle); }
+
+void ViolationDatabase::settleForStyling() {
+  std::lock_guard<std::mutex> lock(mutex);
+  settle();
+}
+
+namespace {
+
+// Sorts the entries of `v` from `from` on, merges them into the sorted, unique entries before it
+// and drops the repeats.
+void mergeSortedUnique(std::vector<double>& v, std::size_t from) {
+  const auto middle = v.begin() + static_cast<std::ptrdiff_t>(from);
+  std::sort(middle, v.end());
+  std::inplace_merge(v.begin(), middle, v.end());
+  v.erase(std::unique(v.begin(), v.end()), v.end());
+}
+
+}  // namespace
+
+void ViolationDatabase::settle() {
+  if (touchedSettled != touched.size()) {
+    mergeSortedUnique(touched, touchedSettled);
+    touchedSettled = touched.size();
+  }
+  if (pendingSettled != pendingClearList.size()) {
+    const std::size_t from = pendingSorted.size();
+    pendingSorted.insert(pendingSorted.end(),
+                         pendingClearList.begin() + static_cast<std::ptrdiff_t>(pendingSettled),
+                         pendingClearList.end());
+    mergeSortedUnique(pendingSorted, from);
+    pendingSettled = pendingClearList.size();
+  }
 }
 
 std::vector<double> ViolationDatabase::takeTouched() {
   std::lock_guard<std::mutex> lock(mutex);
-  // Taken by swap, so that the buckets of a large pass (the initial scan touches every block)
-  // are not kept between passes.
-  std::unordered_set<double> taken;
+  settle();
+  // Taken by swap: the room of a large pass (the initial scan touches every block) is not kept.
+  std::vector<double> taken;
   taken.swap(touched);
-  return std::vector<double>(taken.begin(), taken.end());
+  touchedSettled = 0;
+  return taken;
 }
 
 std::vector<double> ViolationDatabase::pendingClears() const {
@@ -211,9 +251,10 @@ std::vector<double> ViolationDatabase::pendingClears() const {
 
 void ViolationDatabase::clearPendingClears() {
   std::lock_guard<std::mutex> lock(mutex);
-  // Neither keeps its room between passes.
+  // None keeps its room between passes.
   std::vector<double>().swap(pendingClearList);
-  std::unordered_set<double>().swap(pendingClearMembers);
+  std::vector<double>().swap(pendingSorted);
+  pendingSettled = 0;
 }
 
 void ViolationDatabase::dropDeadBlocks(const std::function<bool(double)>& isAlive) {
@@ -230,7 +271,7 @@ void ViolationDatabase::dropDeadBlocks(const std::function<bool(double)>& isAliv
   std::lock_guard<std::mutex> lock(mutex);
   for (double h : dead) {
     byBlock.erase(h);
-    touched.insert(h);
+    touch(h);
   }
 }
 
@@ -238,7 +279,7 @@ void ViolationDatabase::removeAuditorViolations() {
   std::lock_guard<std::mutex> lock(mutex);
   for (auto entry = byBlock.begin(); entry != byBlock.end();) {
     if (std::erase_if(entry->second, [](const ViolationPtr& v) { return isAuditor(v->severity); }))
-      touched.insert(entry->first);
+      touch(entry->first);
     entry = entry->second.empty() ? byBlock.erase(entry) : std::next(entry);
   }
 }
@@ -250,7 +291,7 @@ void ViolationDatabase::removeFirstMatch(Pred pred) {
     for (auto it = set.begin(); it != set.end(); ++it) {
       if (pred(**it)) {
         set.erase(it);
-        touched.insert(entry->first);
+        touch(entry->first);
         break;
       }
     }
@@ -278,7 +319,7 @@ void ViolationDatabase::markCommentedUnder(const std::wstring& path, bool isComm
         continue;
       }
       v->isCommented = isCommented ? 1 : 0;
-      touched.insert(handle);
+      touch(handle);
       if (v->checkId == "orvanta.blockara.GoToFromBlockMismatch") {
         notePendingClear(handle);
         it = set.erase(it);
@@ -296,7 +337,7 @@ void ViolationDatabase::renamePaths(const std::wstring& oldPath, const std::wstr
       auto pos = v->blockPath.find(oldPath);
       if (pos == std::wstring::npos) continue;
       v->blockPath.replace(pos, oldPath.size(), newPath);
-      touched.insert(handle);
+      touch(handle);
     }
   }
 }

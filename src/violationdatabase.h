@@ -121,19 +121,33 @@ class ViolationDatabase {
   /// call, in no order; the set is emptied.
   std::vector<double> takeTouched();
 
+  /// Any thread; the worker calls it when a pass ends, before it asks for the pass's styling.
+  /// Sorts out the touched handles and the pending clears gathered so far, so that the styling
+  /// on the main thread finds them ready. Changes nothing that the queries above answer.
+  void settleForStyling();
+
  private:
   template <typename Pred>
   void removeFirstMatch(Pred pred);  // caller holds mutex
   // Puts `handle` on `pendingClears`; caller holds mutex.
   void notePendingClear(double handle);
+  // Notes that `handle` changed; caller holds mutex.
+  void touch(double handle) { touched.push_back(handle); }
+  // Sorts and thins out `touched` and brings `pendingSorted` up to date; caller holds mutex.
+  void settle();
 
   mutable std::mutex mutex;
   std::map<double, ViolationSet> byBlock;  // guarded by mutex
   std::vector<double> pendingClearList;    // guarded by mutex; the `pendingClears` of the store
-  // Guarded by mutex; the handles of pendingClearList once each, so that a styling pass asks
-  // "is it pending?" in constant time on the main thread.
-  std::unordered_set<double> pendingClearMembers;
-  std::unordered_set<double> touched;      // guarded by mutex; see `takeTouched`
+  // The rest is guarded by mutex. Plain vectors rather than hash sets: a pass's worth of nodes
+  // allocated on the worker and freed on the main thread cost more than sorting at the pass's
+  // end. `pendingSorted` holds the first `pendingSettled` entries of pendingClearList, sorted,
+  // once each; `touched` may repeat handles after its first `touchedSettled`, which are sorted
+  // and unique.
+  std::vector<double> pendingSorted;
+  std::size_t pendingSettled = 0;
+  std::vector<double> touched;
+  std::size_t touchedSettled = 0;
 };
 
 }  // namespace bkedittimecheck

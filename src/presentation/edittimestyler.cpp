@@ -21,6 +21,18 @@ void addGlowRule(ds::Styler& styler, const wchar_t* className, const ds::Color& 
   styler.addRule(ds::ClassSelector(className, L""), style);
 }
 
+// The class names, made once: the styler takes them as strings, and a pass names them for every
+// block it styles.
+const std::wstring& warnClass() {
+  static const std::wstring name = L"Warn";
+  return name;
+}
+
+const std::wstring& errorClass() {
+  static const std::wstring name = L"Error";
+  return name;
+}
+
 }  // namespace
 
 const std::wstring& editTimeStylerName() {
@@ -86,28 +98,28 @@ void EditTimeStyling::applyStyling() {
 void EditTimeStyling::styleBlock(double handle, const ViolationDatabase::StylingFacts& facts) {
   if (!isAlive(handle)) return;
   if (facts.pendingClear) {
-    styler.removeClass(handle, L"Warn");
-    styler.removeClass(handle, L"Error");
+    styler.removeClass(handle, warnClass());
+    styler.removeClass(handle, errorClass());
   }
   if (facts.warning) {
     if (*facts.warning) {
-      styler.removeClass(handle, L"Warn");
+      styler.removeClass(handle, warnClass());
     } else {
-      styler.applyClass(handle, L"Warn");
+      styler.applyClass(handle, warnClass());
     }
   }
   for (const EditTimeViolation& record : facts.auditor) {
     if (!record.isCommented && !isExcluded(handle, record)) {
-      styler.applyClass(handle, L"Warn");
+      styler.applyClass(handle, warnClass());
       break;
     }
-    styler.removeClass(handle, L"Warn");
+    styler.removeClass(handle, warnClass());
   }
   if (facts.error) {
     if (*facts.error) {
-      styler.removeClass(handle, L"Error");
+      styler.removeClass(handle, errorClass());
     } else {
-      styler.applyClass(handle, L"Error");
+      styler.applyClass(handle, errorClass());
     }
   }
 }
@@ -115,17 +127,17 @@ void EditTimeStyling::styleBlock(double handle, const ViolationDatabase::Styling
 void EditTimeStyling::applyStylingToAll() {
   for (double handle : violations.pendingClears()) {
     if (!isAlive(handle)) continue;
-    styler.removeClass(handle, L"Warn");
-    styler.removeClass(handle, L"Error");
+    styler.removeClass(handle, warnClass());
+    styler.removeClass(handle, errorClass());
   }
   violations.clearPendingClears();
 
   for (const auto& [handle, commented] : violations.blocksWithEditTimeWarnings()) {
     if (!isAlive(handle)) continue;
     if (commented) {
-      styler.removeClass(handle, L"Warn");
+      styler.removeClass(handle, warnClass());
     } else {
-      styler.applyClass(handle, L"Warn");
+      styler.applyClass(handle, warnClass());
     }
   }
 
@@ -135,10 +147,10 @@ void EditTimeStyling::applyStylingToAll() {
     if (!isAlive(handle)) continue;
     for (const EditTimeViolation& record : records) {
       if (!record.isCommented && !isExcluded(handle, record)) {
-        styler.applyClass(handle, L"Warn");
+        styler.applyClass(handle, warnClass());
         break;
       }
-      styler.removeClass(handle, L"Warn");
+      styler.removeClass(handle, warnClass());
     }
   }
 
@@ -146,35 +158,36 @@ void EditTimeStyling::applyStylingToAll() {
   for (const auto& [handle, commented] : violations.blocksWithErrors()) {
     if (!isAlive(handle)) continue;
     if (commented) {
-      styler.removeClass(handle, L"Error");
+      styler.removeClass(handle, errorClass());
     } else {
-      styler.applyClass(handle, L"Error");
+      styler.applyClass(handle, errorClass());
     }
   }
 }
 
 void EditTimeStyling::removeStyling(std::uint32_t code) {
   violations.dropDeadBlocks(isAlive);
-  const auto removeFrom = [this](const std::map<double, bool>& blocks, const wchar_t* className) {
+  const auto removeFrom = [this](const std::map<double, bool>& blocks,
+                                 const std::wstring& className) {
     for (const auto& entry : blocks) styler.removeClass(entry.first, className);
   };
   switch (code) {
     case EditTimeEvent::kAuditorOff:
       // A block that also has an edit-time warning keeps its "Warn".
-      removeFrom(violations.blocksWithOnlyAuditorViolations(), L"Warn");
+      removeFrom(violations.blocksWithOnlyAuditorViolations(), warnClass());
       violations.removeAuditorViolations();
       break;
     case EditTimeEvent::kErrorsOff:
-      removeFrom(violations.blocksWithErrors(), L"Error");
+      removeFrom(violations.blocksWithErrors(), errorClass());
       violations.removeErrors();
       break;
     case EditTimeEvent::kWarningsOff:
-      removeFrom(violations.blocksWithEditTimeWarnings(), L"Warn");
+      removeFrom(violations.blocksWithEditTimeWarnings(), warnClass());
       violations.removeWarnings();
       break;
     default:
-      removeFrom(violations.blocksWithEditTimeWarnings(), L"Warn");
-      removeFrom(violations.blocksWithErrors(), L"Error");
+      removeFrom(violations.blocksWithEditTimeWarnings(), warnClass());
+      removeFrom(violations.blocksWithErrors(), errorClass());
       break;
   }
 }
@@ -182,8 +195,8 @@ void EditTimeStyling::removeStyling(std::uint32_t code) {
 void EditTimeStyling::removeBlockResults(double handle) {
   violations.removeAll(handle);
   if (!isAlive(handle)) return;
-  styler.removeClass(handle, L"Warn");
-  styler.removeClass(handle, L"Error");
+  styler.removeClass(handle, warnClass());
+  styler.removeClass(handle, errorClass());
 }
 
 std::vector<std::string> EditTimeStyling::getBlockViolationStrings(double handle) const {

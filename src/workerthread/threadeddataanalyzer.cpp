@@ -7,6 +7,7 @@
 #include "src/edittimeengine.h"
 #include "src/hostinterface.h"
 #include "src/profiler.h"
+#include "src/violationdatabase.h"
 #include "src/workerthread/asynctaskmanager.h"
 #include "src/workerthread/checkfailures.h"
 
@@ -42,7 +43,7 @@ void ThreadedDataAnalyzer::run(void* /*context*/) {
                              engine->getCheckSelector(), engine->getConfiguration()};
   if (!context.data) {
     try {
-      requestStyling(nullptr);
+      requestStyling(nullptr, nullptr);
       return;
     } catch (...) {
     }
@@ -60,7 +61,7 @@ void ThreadedDataAnalyzer::run(void* /*context*/) {
   profiler.stop();
   if (engine->queuedCount() == 0) {
     try {
-      requestStyling(context.data.get());
+      requestStyling(context.data.get(), context.violations.get());
     } catch (...) {
     }
   }
@@ -73,9 +74,10 @@ void ThreadedDataAnalyzer::noteFailure(const char* what) noexcept {
   }
 }
 
-void ThreadedDataAnalyzer::requestStyling(bkEditBD* data) {
+void ThreadedDataAnalyzer::requestStyling(bkEditBD* data, ViolationDatabase* violations) {
   EditTimeAlgorithms::setInputParametersChanged(false);
   if (data) data->pruneAfterPass();
+  if (violations) violations->settleForStyling();  // here, not on the main thread
   postApplyStyle(algorithm->getDiagramName(), engineId);
 }
 

@@ -9,6 +9,7 @@
 namespace bkedittimecheck {
 
 class bkEditBD;
+class ViolationDatabase;
 
 /// Runs one check of one pass on the worker, for the engine that queued it. When the last
 /// queued check of the engine is done it asks the main thread to style the diagram.
@@ -25,9 +26,9 @@ class ThreadedDataAnalyzer : public WorkerQueueFunc {
   std::uint32_t getEngineId() const { return engineId; }
 
  private:
-  // Clears the "parameters changed" flag, prunes the block map of `data` (null: none) and posts
-  // the styling of the pass.
-  void requestStyling(bkEditBD* data);
+  // Clears the "parameters changed" flag, prunes the block map of `data` (null: none), readies
+  // the store's bookkeeping for styling (null: none) and posts the styling of the pass.
+  void requestStyling(bkEditBD* data, ViolationDatabase* violations);
   // Records that the check threw `what`; never throws.
   void noteFailure(const char* what) noexcept;
 
