@@ -9,8 +9,9 @@ namespace bkedittimecheck {
 
 BlockTypeList BKCIUnsupportedBlocks::blockTypeList;
 
-BKCIUnsupportedBlocks::BKCIUnsupportedBlocks(std::wstring diagramName, std::uint32_t severity)
-    : BlockListCheck(kCheckId, std::move(diagramName), severity) {}
+BKCIUnsupportedBlocks::BKCIUnsupportedBlocks(const std::wstring& diagramName,
+                                             std::uint32_t severity)
+    : BlockListCheck(kCheckId, diagramName, severity) {}
 
 void BKCIUnsupportedBlocks::readParameters(const boost::property_tree::ptree& configuration) {
   blockTypeList.clear();

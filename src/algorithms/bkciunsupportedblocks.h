@@ -19,7 +19,7 @@ class BKCIUnsupportedBlocks : public BlockListCheck {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  BKCIUnsupportedBlocks(std::wstring diagramName, std::uint32_t severity);
+  BKCIUnsupportedBlocks(const std::wstring& diagramName, std::uint32_t severity);
 
   /// The last list read, shared by all instances and diagrams; empty at load.
   static BlockTypeList blockTypeList;

@@ -11,9 +11,9 @@
 
 namespace bkedittimecheck {
 
-BlockaraStatePortMappingViolation::BlockaraStatePortMappingViolation(std::wstring diagramName,
-                                                                     std::uint32_t severity)
-    : DiagramCheck(kCheckId, std::move(diagramName), severity) {}
+BlockaraStatePortMappingViolation::BlockaraStatePortMappingViolation(
+    const std::wstring& diagramName, std::uint32_t severity)
+    : DiagramCheck(kCheckId, diagramName, severity) {}
 
 bool BlockaraStatePortMappingViolation::evaluate(bkEditBD& data, ViolationDatabase& database) {
   if (!featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) return false;

@@ -19,7 +19,7 @@ class BlockaraStatePortMappingViolation : public DiagramCheck {
   static constexpr std::uint32_t kSeverity = Severity::kError;
 
   /// Any thread. Never throws beyond allocation.
-  BlockaraStatePortMappingViolation(std::wstring diagramName, std::uint32_t severity);
+  BlockaraStatePortMappingViolation(const std::wstring& diagramName, std::uint32_t severity);
 
   /// Worker thread. False with the feature off or an empty block map. A port whose state
   /// subsystem is not in the snapshot is left as it is; the others are compared with the table

@@ -12,8 +12,9 @@
 namespace bkedittimecheck {
 
 BlockConstraintViolation::BlockConstraintViolation(std::string_view checkId,
-                                                   std::wstring diagramName, std::uint32_t severity)
-    : EditTimeAlgorithms(checkId, std::move(diagramName), severity) {}
+                                                   const std::wstring& diagramName,
+                                                   std::uint32_t severity)
+    : EditTimeAlgorithms(checkId, diagramName, severity) {}
 
 bool BlockConstraintViolation::runCheck(const CheckContext& context) {
   if (!context.data || !context.violations) return false;

@@ -18,7 +18,7 @@ class BlockConstraintViolation : public EditTimeAlgorithms {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  BlockConstraintViolation(std::string_view checkId, std::wstring diagramName,
+  BlockConstraintViolation(std::string_view checkId, const std::wstring& diagramName,
                            std::uint32_t severity);
 
   /// Worker thread. False, changing nothing, without the diagram's data or store, without

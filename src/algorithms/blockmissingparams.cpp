@@ -42,9 +42,9 @@ std::future<std::vector<bool>> ask(const std::vector<double>& handles,
 
 void BlockMissingParams::setQuestion(Question q) { question() = std::move(q); }
 
-BlockMissingParams::BlockMissingParams(std::wstring diagramName, std::uint32_t severity,
+BlockMissingParams::BlockMissingParams(const std::wstring& diagramName, std::uint32_t severity,
                                        std::int32_t eventCode)
-    : DiagramCheck(kCheckId, std::move(diagramName), severity), eventCode(eventCode) {}
+    : DiagramCheck(kCheckId, diagramName, severity), eventCode(eventCode) {}
 
 bool BlockMissingParams::evaluate(bkEditBD& data, ViolationDatabase& database) {
   if (eventCode == EditTimeEvent::kMissingVariableRefresh) {

@@ -23,7 +23,8 @@ class BlockMissingParams : public DiagramCheck {
   static constexpr const char* kFunction = "Blockara.BlockEditTimeController.findMissingVariable";
 
   /// Any thread. `eventCode` is the engine's event code of the batch that built the check.
-  BlockMissingParams(std::wstring diagramName, std::uint32_t severity, std::int32_t eventCode);
+  BlockMissingParams(const std::wstring& diagramName, std::uint32_t severity,
+                     std::int32_t eventCode);
 
   /// Worker thread. With event code 17 drops every mark of the check without asking. Otherwise
   /// asks about every block of the snapshot (blocks kept across batches as the handle 0) and

@@ -6,8 +6,8 @@
 
 namespace bkedittimecheck {
 
-BlockNamePosition::BlockNamePosition(std::wstring diagramName, std::uint32_t severity)
-    : BlockCheck(kCheckId, std::move(diagramName), severity) {}
+BlockNamePosition::BlockNamePosition(const std::wstring& diagramName, std::uint32_t severity)
+    : BlockCheck(kCheckId, diagramName, severity) {}
 
 Verdict BlockNamePosition::decideOne(const bkEditBlock& block) const {
   const bkRAEditBlock& ra = *block.getRaEditBlock();

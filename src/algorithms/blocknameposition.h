@@ -17,7 +17,7 @@ class BlockNamePosition : public BlockCheck {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  BlockNamePosition(std::wstring diagramName, std::uint32_t severity);
+  BlockNamePosition(const std::wstring& diagramName, std::uint32_t severity);
 
   std::vector<std::string> violationTypes() const override { return {"BlockNamePosition"}; }
 

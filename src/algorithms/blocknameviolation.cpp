@@ -8,8 +8,8 @@ namespace bkedittimecheck {
 
 std::string BlockNameViolation::prohibitedNamePattern;
 
-BlockNameViolation::BlockNameViolation(std::wstring diagramName, std::uint32_t severity)
-    : NameCheck(kCheckId, std::move(diagramName), severity) {}
+BlockNameViolation::BlockNameViolation(const std::wstring& diagramName, std::uint32_t severity)
+    : NameCheck(kCheckId, diagramName, severity) {}
 
 Verdict BlockNameViolation::decideOne(const bkEditBlock& block) const {
   const bkRAEditBlock& ra = *block.getRaEditBlock();

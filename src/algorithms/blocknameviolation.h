@@ -18,7 +18,7 @@ class BlockNameViolation : public NameCheck {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  BlockNameViolation(std::wstring diagramName, std::uint32_t severity);
+  BlockNameViolation(const std::wstring& diagramName, std::uint32_t severity);
 
   /// The last expression read, shared by all instances and diagrams.
   static std::string prohibitedNamePattern;

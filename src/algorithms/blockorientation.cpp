@@ -6,8 +6,8 @@
 
 namespace bkedittimecheck {
 
-BlockOrientation::BlockOrientation(std::wstring diagramName, std::uint32_t severity)
-    : BlockCheck(kCheckId, std::move(diagramName), severity) {}
+BlockOrientation::BlockOrientation(const std::wstring& diagramName, std::uint32_t severity)
+    : BlockCheck(kCheckId, diagramName, severity) {}
 
 Verdict BlockOrientation::decideOne(const bkEditBlock& block) const {
   return block.getBlockKind() == BlockKind::kSubSystem && block.getRaEditBlock()->orientation != 0

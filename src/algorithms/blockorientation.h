@@ -17,7 +17,7 @@ class BlockOrientation : public BlockCheck {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  BlockOrientation(std::wstring diagramName, std::uint32_t severity);
+  BlockOrientation(const std::wstring& diagramName, std::uint32_t severity);
 
   std::vector<std::string> violationTypes() const override { return {"BlockOrientation"}; }
 

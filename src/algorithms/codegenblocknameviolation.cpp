@@ -8,9 +8,9 @@ namespace bkedittimecheck {
 
 std::string CodegenBlockNameViolation::prohibitedNamePattern;
 
-CodegenBlockNameViolation::CodegenBlockNameViolation(std::wstring diagramName,
+CodegenBlockNameViolation::CodegenBlockNameViolation(const std::wstring& diagramName,
                                                      std::uint32_t severity)
-    : NameCheck(kCheckId, std::move(diagramName), severity),
+    : NameCheck(kCheckId, diagramName, severity),
       codegenFootnoteTags(codegenSupportTags()),
       productionFootnoteTags(productionSupportTags()) {}
 

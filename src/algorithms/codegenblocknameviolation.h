@@ -18,7 +18,7 @@ class CodegenBlockNameViolation : public NameCheck {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  CodegenBlockNameViolation(std::wstring diagramName, std::uint32_t severity);
+  CodegenBlockNameViolation(const std::wstring& diagramName, std::uint32_t severity);
 
   /// The last expression read, shared by all instances and diagrams.
   static std::string prohibitedNamePattern;

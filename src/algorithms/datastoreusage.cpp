@@ -31,8 +31,8 @@ const std::string& diagnosticType() {
 
 }  // namespace
 
-DataStoreUsage::DataStoreUsage(std::wstring diagramName, std::uint32_t severity)
-    : DiagramCheck(kCheckId, std::move(diagramName), severity) {}
+DataStoreUsage::DataStoreUsage(const std::wstring& diagramName, std::uint32_t severity)
+    : DiagramCheck(kCheckId, diagramName, severity) {}
 
 bool DataStoreUsage::evaluate(bkEditBD& data, ViolationDatabase& database) {
   using Block = std::shared_ptr<bkEditBlock>;

@@ -19,7 +19,7 @@ class DataStoreUsage : public DiagramCheck {
   static constexpr std::uint32_t kSeverity = Severity::kBoth;
 
   /// Any thread. Never throws beyond allocation.
-  DataStoreUsage(std::wstring diagramName, std::uint32_t severity);
+  DataStoreUsage(const std::wstring& diagramName, std::uint32_t severity);
 
   /// Worker thread. Compares the data store blocks of the snapshot by name: the lowest-handled
   /// block of a name counts also when commented, later commented ones are left out, and a

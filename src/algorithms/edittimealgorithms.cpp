@@ -24,22 +24,27 @@ ParametersChangedFlag& parametersChanged() {
   return flag;
 }
 
-// One copy of each check ID ever used, kept for the life of the process. The IDs are those of the
-// built-in checks and of the constraint checks of the configurations loaded, a bounded set.
-const std::string& internCheckId(std::string_view id) {
+// One copy of each string ever given, kept for the life of the process, so that the twenty or so
+// checks an edit builds share their check IDs and diagram name instead of copying them. The IDs
+// are those of the built-in checks and of the constraint checks of the configurations loaded;
+// the names are those of the diagrams opened or renamed in the session: a few bytes each.
+template <typename String>
+const String& intern(std::basic_string_view<typename String::value_type> text) {
   static std::mutex mutex;
-  static std::set<std::string, std::less<>> ids;
+  static std::set<String, std::less<>> strings;
   std::lock_guard<std::mutex> lock(mutex);
-  auto it = ids.find(id);
-  if (it == ids.end()) it = ids.emplace(id).first;
+  auto it = strings.find(text);
+  if (it == strings.end()) it = strings.emplace(text).first;
   return *it;
 }
 
 }  // namespace
 
-EditTimeAlgorithms::EditTimeAlgorithms(std::string_view checkId, std::wstring diagramName,
+EditTimeAlgorithms::EditTimeAlgorithms(std::string_view checkId, const std::wstring& diagramName,
                                        std::uint32_t severity)
-    : checkId(internCheckId(checkId)), diagramName(std::move(diagramName)), severity(severity) {}
+    : checkId(intern<std::string>(checkId)),
+      diagramName(intern<std::wstring>(diagramName)),
+      severity(severity) {}
 
 EditTimeAlgorithms::~EditTimeAlgorithms() = default;
 

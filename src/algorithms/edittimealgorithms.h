@@ -24,7 +24,8 @@ struct CheckScope {
 class EditTimeAlgorithms {
  public:
   /// Any thread. Stores the three identifying values; never throws beyond allocation.
-  EditTimeAlgorithms(std::string_view checkId, std::wstring diagramName, std::uint32_t severity);
+  EditTimeAlgorithms(std::string_view checkId, const std::wstring& diagramName,
+                     std::uint32_t severity);
   virtual ~EditTimeAlgorithms();
 
   EditTimeAlgorithms(const EditTimeAlgorithms&) = delete;
@@ -61,7 +62,7 @@ class EditTimeAlgorithms {
 
  protected:
   const std::string& checkId;  // interned: an edit builds some twenty checks, none copies its ID
-  const std::wstring diagramName;
+  const std::wstring& diagramName;  // interned, as the ID
   const std::uint32_t severity;
 };
 

@@ -208,8 +208,9 @@ class Pairing {
 
 }  // namespace
 
-GoToFromBlockMismatch::GoToFromBlockMismatch(std::wstring diagramName, std::uint32_t severity)
-    : DiagramCheck(kCheckId, std::move(diagramName), severity) {}
+GoToFromBlockMismatch::GoToFromBlockMismatch(const std::wstring& diagramName,
+                                             std::uint32_t severity)
+    : DiagramCheck(kCheckId, diagramName, severity) {}
 
 bool GoToFromBlockMismatch::evaluate(bkEditBD& data, ViolationDatabase& database) {
   // Past the limit the check is off for the diagram rather than slow; old findings stay.

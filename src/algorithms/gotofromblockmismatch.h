@@ -19,7 +19,7 @@ class GoToFromBlockMismatch : public DiagramCheck {
   static constexpr std::uint32_t kSeverity = Severity::kBoth;
 
   /// Any thread. Never throws beyond allocation.
-  GoToFromBlockMismatch(std::wstring diagramName, std::uint32_t severity);
+  GoToFromBlockMismatch(const std::wstring& diagramName, std::uint32_t severity);
 
   /// Worker thread. Does nothing past the diagram's limit of routing blocks; otherwise pairs
   /// the blocks by tag and brings the store to the findings in a fixed order. Always true.

@@ -6,8 +6,8 @@
 
 namespace bkedittimecheck {
 
-PortBlockIconDisplay::PortBlockIconDisplay(std::wstring diagramName, std::uint32_t severity)
-    : BlockCheck(kCheckId, std::move(diagramName), severity) {}
+PortBlockIconDisplay::PortBlockIconDisplay(const std::wstring& diagramName, std::uint32_t severity)
+    : BlockCheck(kCheckId, diagramName, severity) {}
 
 bool PortBlockIconDisplay::considers(const bkEditBlock& block) const {
   // Kind 67 shares the icon parameter but stays outside this check.

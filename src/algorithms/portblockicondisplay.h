@@ -17,7 +17,7 @@ class PortBlockIconDisplay : public BlockCheck {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  PortBlockIconDisplay(std::wstring diagramName, std::uint32_t severity);
+  PortBlockIconDisplay(const std::wstring& diagramName, std::uint32_t severity);
 
   std::vector<std::string> violationTypes() const override { return {"PortBlockIconDisplay"}; }
 

@@ -8,8 +8,8 @@ namespace bkedittimecheck {
 
 std::string PortNameViolation::prohibitedNamePattern;
 
-PortNameViolation::PortNameViolation(std::wstring diagramName, std::uint32_t severity)
-    : NameCheck(kCheckId, std::move(diagramName), severity) {}
+PortNameViolation::PortNameViolation(const std::wstring& diagramName, std::uint32_t severity)
+    : NameCheck(kCheckId, diagramName, severity) {}
 
 bool PortNameViolation::considers(const bkEditBlock& block) const {
   return BlockKind::isPortBlock(block.getBlockKind());

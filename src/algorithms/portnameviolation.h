@@ -17,7 +17,7 @@ class PortNameViolation : public NameCheck {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  PortNameViolation(std::wstring diagramName, std::uint32_t severity);
+  PortNameViolation(const std::wstring& diagramName, std::uint32_t severity);
 
   /// The last expression read, shared by all instances and diagrams.
   static std::string prohibitedNamePattern;

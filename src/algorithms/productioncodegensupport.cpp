@@ -6,8 +6,9 @@
 
 namespace bkedittimecheck {
 
-ProductionCodeGenSupport::ProductionCodeGenSupport(std::wstring diagramName, std::uint32_t severity)
-    : BlockCheck(kCheckId, std::move(diagramName), severity),
+ProductionCodeGenSupport::ProductionCodeGenSupport(const std::wstring& diagramName,
+                                                   std::uint32_t severity)
+    : BlockCheck(kCheckId, diagramName, severity),
       codegenFootnoteTags(codegenSupportTags()),
       productionFootnoteTags(productionSupportTags()) {}
 

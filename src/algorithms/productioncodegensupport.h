@@ -20,7 +20,7 @@ class ProductionCodeGenSupport : public BlockCheck {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  ProductionCodeGenSupport(std::wstring diagramName, std::uint32_t severity);
+  ProductionCodeGenSupport(const std::wstring& diagramName, std::uint32_t severity);
 
   std::vector<std::string> violationTypes() const override {
     return {"CodeGenSupport", "ProductionCodeDeployement"};

@@ -7,7 +7,7 @@ namespace bkedittimecheck {
 BlockTypeList ProhibitedBlocks::blockTypeList;
 bool ProhibitedBlocks::treatListAsProhibited = true;
 
-ProhibitedBlocks::ProhibitedBlocks(std::wstring diagramName, std::uint32_t severity)
-    : ProhibitedListCheck(kCheckId, std::move(diagramName), severity) {}
+ProhibitedBlocks::ProhibitedBlocks(const std::wstring& diagramName, std::uint32_t severity)
+    : ProhibitedListCheck(kCheckId, diagramName, severity) {}
 
 }  // namespace bkedittimecheck

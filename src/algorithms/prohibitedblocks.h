@@ -18,7 +18,7 @@ class ProhibitedBlocks : public ProhibitedListCheck {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  ProhibitedBlocks(std::wstring diagramName, std::uint32_t severity);
+  ProhibitedBlocks(const std::wstring& diagramName, std::uint32_t severity);
 
   /// The last list read, shared by all instances and diagrams; empty at load.
   static BlockTypeList blockTypeList;

@@ -7,7 +7,7 @@ namespace bkedittimecheck {
 BlockTypeList ProhibitedSinks::blockTypeList;
 bool ProhibitedSinks::treatListAsProhibited = true;
 
-ProhibitedSinks::ProhibitedSinks(std::wstring diagramName, std::uint32_t severity)
-    : ProhibitedListCheck(kCheckId, std::move(diagramName), severity) {}
+ProhibitedSinks::ProhibitedSinks(const std::wstring& diagramName, std::uint32_t severity)
+    : ProhibitedListCheck(kCheckId, diagramName, severity) {}
 
 }  // namespace bkedittimecheck

@@ -18,7 +18,7 @@ class ProhibitedSinks : public ProhibitedListCheck {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  ProhibitedSinks(std::wstring diagramName, std::uint32_t severity);
+  ProhibitedSinks(const std::wstring& diagramName, std::uint32_t severity);
 
   /// The last list read, shared by all instances and diagrams; empty at load.
   static BlockTypeList blockTypeList;

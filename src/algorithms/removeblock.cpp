@@ -6,8 +6,8 @@
 
 namespace bkedittimecheck {
 
-RemoveBlock::RemoveBlock(std::wstring diagramName, std::uint32_t severity)
-    : EditTimeAlgorithms(kCheckId, std::move(diagramName), severity) {}
+RemoveBlock::RemoveBlock(const std::wstring& diagramName, std::uint32_t severity)
+    : EditTimeAlgorithms(kCheckId, diagramName, severity) {}
 
 bool RemoveBlock::runCheck(const CheckContext& context) {
   if (!context.data) return false;

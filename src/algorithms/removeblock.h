@@ -17,7 +17,7 @@ class RemoveBlock : public EditTimeAlgorithms {
   static constexpr std::uint32_t kSeverity = Severity::kBoth;
 
   /// Any thread. Never throws beyond allocation.
-  RemoveBlock(std::wstring diagramName, std::uint32_t severity);
+  RemoveBlock(const std::wstring& diagramName, std::uint32_t severity);
 
   /// Worker thread. False when the diagram has no data; true otherwise.
   bool runCheck(const CheckContext& context) override;

@@ -6,8 +6,8 @@
 
 namespace bkedittimecheck {
 
-Setup::Setup(std::wstring diagramName)
-    : EditTimeAlgorithms(kCheckId, std::move(diagramName), kSeverity) {}
+Setup::Setup(const std::wstring& diagramName)
+    : EditTimeAlgorithms(kCheckId, diagramName, kSeverity) {}
 
 bool Setup::runCheck(const CheckContext& context) {
   if (context.data) context.data->processChanges(context.violations.get());

@@ -17,7 +17,7 @@ class Setup : public EditTimeAlgorithms {
   static constexpr std::uint32_t kSeverity = Severity::kBoth;
 
   /// Any thread. The severity is 5. Never throws beyond allocation.
-  explicit Setup(std::wstring diagramName);
+  explicit Setup(const std::wstring& diagramName);
 
   /// Worker thread. Always true; does nothing when the diagram has no data.
   bool runCheck(const CheckContext& context) override;

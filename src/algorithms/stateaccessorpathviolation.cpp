@@ -26,9 +26,9 @@ bool underIterator(bkEditBD& data, std::string start, std::string& iterator) {
 
 }  // namespace
 
-StateAccessorPathViolation::StateAccessorPathViolation(std::wstring diagramName,
+StateAccessorPathViolation::StateAccessorPathViolation(const std::wstring& diagramName,
                                                        std::uint32_t severity)
-    : DiagramCheck(kCheckId, std::move(diagramName), severity) {}
+    : DiagramCheck(kCheckId, diagramName, severity) {}
 
 bool StateAccessorPathViolation::evaluate(bkEditBD& data, ViolationDatabase& database) {
   // The map itself: the checks run one after the other on the worker, nothing changes it meanwhile.

@@ -19,7 +19,7 @@ class StateAccessorPathViolation : public DiagramCheck {
   static constexpr std::uint32_t kSeverity = Severity::kError;
 
   /// Any thread. Never throws beyond allocation.
-  StateAccessorPathViolation(std::wstring diagramName, std::uint32_t severity);
+  StateAccessorPathViolation(const std::wstring& diagramName, std::uint32_t severity);
 
   /// Worker thread. Judges every accessor of the snapshot by its own path and its owner path;
   /// an owner that does not exist goes unnoticed. True when no record was added.

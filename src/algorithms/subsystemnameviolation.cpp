@@ -8,8 +8,9 @@ namespace bkedittimecheck {
 
 std::string SubsystemNameViolation::prohibitedNamePattern;
 
-SubsystemNameViolation::SubsystemNameViolation(std::wstring diagramName, std::uint32_t severity)
-    : NameCheck(kCheckId, std::move(diagramName), severity) {}
+SubsystemNameViolation::SubsystemNameViolation(const std::wstring& diagramName,
+                                               std::uint32_t severity)
+    : NameCheck(kCheckId, diagramName, severity) {}
 
 Verdict SubsystemNameViolation::decideOne(const bkEditBlock& block) const {
   const bkRAEditBlock& ra = *block.getRaEditBlock();

@@ -17,7 +17,7 @@ class SubsystemNameViolation : public NameCheck {
   static constexpr std::uint32_t kSeverity = Severity::kAuditorWarning;
 
   /// Any thread. Never throws beyond allocation.
-  SubsystemNameViolation(std::wstring diagramName, std::uint32_t severity);
+  SubsystemNameViolation(const std::wstring& diagramName, std::uint32_t severity);
 
   /// The last expression read, shared by all instances and diagrams.
   static std::string prohibitedNamePattern;
