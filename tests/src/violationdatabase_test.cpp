@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 
 namespace bkedittimecheck {
 namespace {
@@ -89,4 +90,53 @@ TEST(ViolationDatabase, CommentMarkingPathRenamingAndDeadBlocks) {
 }
 
 }  // namespace
+// The styling pass's bookkeeping, sorted at the end of a pass, against the plain reading of the
+// store: a handle waits for its clear when it is on `pendingClears`, and the touched handles are
+// those that any change named since the last take. Settles fall between changes at random.
+TEST(ViolationDatabase, StylingBookkeepingMatchesThePlainReading) {
+  ViolationDatabase db;
+  std::set<double> touched;
+  unsigned seed = 7;
+  const auto next = [&seed](unsigned n) {
+    seed = seed * 1103515245u + 12345u;
+    return (seed >> 16) % n;
+  };
+  for (int round = 0; round < 400; ++round) {
+    for (int step = 0; step < 12; ++step) {
+      const double h = 1 + next(20);
+      const std::string check = next(2) ? "a" : "b";
+      switch (next(4)) {
+        case 0:
+          db.add(rec(h, check, "t", 3));
+          break;
+        case 1:
+          db.remove(rec(h, check, "t", 3));
+          break;
+        case 2:
+          db.removeByCheck(h, check);
+          break;
+        default:
+          db.removeAll(h);
+          break;
+      }
+      touched.insert(h);
+      if (next(5) == 0) db.settleForStyling();
+    }
+    Handles all;
+    for (int h = 0; h <= 21; ++h) all.push_back(h);
+    const Handles pending = db.pendingClears();
+    const auto facts = db.stylingFactsOf(all);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      const bool plain = std::find(pending.begin(), pending.end(), all[i]) != pending.end();
+      ASSERT_EQ(facts[i].pendingClear, plain) << "round " << round << " handle " << all[i];
+    }
+    if (next(3) == 0) continue;  // this round's changes carry over into the next take
+    Handles taken = db.takeTouched();
+    std::sort(taken.begin(), taken.end());
+    ASSERT_EQ(taken, Handles(touched.begin(), touched.end())) << "round " << round;
+    touched.clear();
+    if (next(2) == 0) db.clearPendingClears();
+  }
+}
+
 }  // namespace bkedittimecheck
