@@ -232,6 +232,7 @@ int run(int blocks, int routingPairs, int edits, int idleSeconds) {
     glow.push_back(microsSince(start));
   }
   // Every edit above was undone by the next, so the engine should hold what it held after the scan.
+  lua_gc(lua.state(), LUA_GCCOLLECT);
   const double heapGrowth = static_cast<double>(heapInUse()) - static_cast<double>(heapBeforeEngine + engineBytes);
   std::printf("edits=%d heap_growth_bytes=%.0f\n", edits, heapGrowth);
 
