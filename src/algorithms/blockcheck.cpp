@@ -26,27 +26,28 @@ bool BlockCheck::runCheck(const CheckContext& context) {
   // Read once: only a parameter reader changes a scope, and none runs during the walk.
   const CheckScope scope = currentScope();
   const std::vector<std::string> types = violationTypes();
-  std::vector<std::shared_ptr<EditTimeViolation>> records(types.size());
+  // A removal only names the record (check, type, severity, block): one per type serves every
+  // block. A record of its own is made only for what is added, which the store keeps.
+  std::vector<std::shared_ptr<EditTimeViolation>> removals;
+  for (const std::string& type : types) {
+    removals.push_back(std::make_shared<EditTimeViolation>(checkId, type, severity, 0.0));
+  }
   std::vector<Verdict> verdicts(types.size());
   for (const auto& [handle, block] : blocks) {
     if (!block || !block->hasRaEditBlock()) continue;
     if (!considers(*block)) continue;
-    for (std::size_t i = 0; i < types.size(); ++i) {
-      records[i] = std::make_shared<EditTimeViolation>(checkId, types[i], severity, handle);
-      records[i]->isCommented = block->getIsCommented() ? 1 : 0;
-      records[i]->blockPath = block->getFullPath();
-    }
-    if (data->isOutsideScope(*block, scope.skipLinkedBlocks, scope.lookUnderMasks)) {
-      for (const auto& record : records) database->remove(record);
-      continue;
-    }
+    const bool outside = data->isOutsideScope(*block, scope.skipLinkedBlocks, scope.lookUnderMasks);
     std::fill(verdicts.begin(), verdicts.end(), Verdict::Remove);
-    decide(*block, verdicts);
+    if (!outside) decide(*block, verdicts);
     for (std::size_t i = 0; i < types.size(); ++i) {
       if (verdicts[i] == Verdict::Add) {
-        database->add(records[i]);
+        auto record = std::make_shared<EditTimeViolation>(checkId, types[i], severity, handle);
+        record->isCommented = block->getIsCommented() ? 1 : 0;
+        record->blockPath = block->getFullPath();
+        database->add(record);
       } else if (verdicts[i] == Verdict::Remove) {
-        database->remove(records[i]);
+        removals[i]->blockHandle = handle;
+        database->remove(removals[i]);
       }
     }
   }
