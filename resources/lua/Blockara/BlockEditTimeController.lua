@@ -52,14 +52,26 @@ local function expressionParameters(block, byType)
   return names
 end
 
-local function namesMissingVariable(block, byType)
+-- Whether an expression names a variable the workspace lacks. `byText` lives for one call, in
+-- which the workspace does not change: blocks that share an expression share the answer.
+local function textNamesMissingVariable(text, byText)
+  local answer = byText[text]
+  if answer ~= nil then return answer end
+  answer = false
+  for _, name in ipairs(identifiers(text)) do
+    if not known(name) then
+      answer = true
+      break
+    end
+  end
+  byText[text] = answer
+  return answer
+end
+
+local function namesMissingVariable(block, byType, byText)
   for _, parameter in ipairs(expressionParameters(block, byType)) do
     local value = block:get(parameter)
-    if type(value) == "string" then
-      for _, name in ipairs(identifiers(value)) do
-        if not known(name) then return true end
-      end
-    end
+    if type(value) == "string" and textNamesMissingVariable(value, byText) then return true end
   end
   return false
 end
@@ -74,10 +86,11 @@ end
 function M.findMissingVariable(handles, diagramName)
   local list = handleList(handles)
   local answer = {}
-  local byType = {}
+  local byType, byText = {}, {}
+  local blockOf = blockara.block
   for i, handle in ipairs(list) do
-    local block = handle ~= 0 and blockara.block(handle) or nil
-    answer[i] = block ~= nil and namesMissingVariable(block, byType)
+    local block = handle ~= 0 and blockOf(handle) or nil
+    answer[i] = block ~= nil and namesMissingVariable(block, byType, byText)
   end
   return nx.array("logical", 1, #answer, answer)
 end
