@@ -181,6 +181,14 @@ class OracleTest : public RoadFixture {
           if (commentedSystemMoved) {
             historyBound.insert({"orvanta.blockara.GoToFromBlockMismatch", "orvanta.blockara.DataStoreUsage"});
           }
+          // A data store memory block that the engine took uncommented stays in its map when
+          // commented, and still counts as the first of its name; a fresh engine never takes it.
+          if (std::any_of(blocks.begin(), blocks.end(), [&](const BKBlock* o) {
+                const bksvString p = o->getFullPath(false);
+                return o->getTypeName() == u"DataStoreMemory" && (p == at || p.starts_with(at + u"/"));
+              })) {
+            historyBound.insert("orvanta.blockara.DataStoreUsage");
+          }
           e.setCommentState(at, static_cast<int>(dice.below(3)));
           break;
         default:
@@ -254,7 +262,7 @@ class OracleTest : public RoadFixture {
 // Seeds of sequences that once disagreed with a fresh engine.
 TEST_F(OracleTest, RegressionSeeds) {
   for (unsigned long seed : {21, 129, 522, 652, 1015, 1444, 1591, 4255, 4984, 7678, 8331, 14095,
-                             20312, 25836}) run(seed);
+                             20312, 25836, 54958}) run(seed);
 }
 TEST_F(OracleTest, RandomSequences) {
   for (unsigned long seed = commandLineSeed; seed < commandLineSeed + commandLineCount; ++seed) {
