@@ -167,6 +167,11 @@ class OracleTest : public RoadFixture {
             e.renameBlock(at, dice.pick(names));
           } else {
             const bksvString& into = dice.pick(systems);
+            // Likewise a port moved out of a chart-based subsystem keeps the mapping record the
+            // check gave it there: the check walks only ports with chart data.
+            if (b->getTypeName() == u"Inport" || b->getTypeName() == u"Outport") {
+              historyBound.insert("orvanta.blockara.BlockaraStatePortMapping");
+            }
             // The ports of a subsystem that comes to stand in a chart, or leaves one, are not
             // taken again; a fresh engine's scan takes them.
             if (b->getTypeName() == u"SubSystem" && (inChart(b) || isChart(d->findBlock(into)))) {
@@ -262,7 +267,7 @@ class OracleTest : public RoadFixture {
 // Seeds of sequences that once disagreed with a fresh engine.
 TEST_F(OracleTest, RegressionSeeds) {
   for (unsigned long seed : {21, 129, 522, 652, 1015, 1444, 1591, 4255, 4984, 7678, 8331, 14095,
-                             20312, 25836, 54958}) run(seed);
+                             20312, 25836, 54958, 65228}) run(seed);
 }
 TEST_F(OracleTest, RandomSequences) {
   for (unsigned long seed = commandLineSeed; seed < commandLineSeed + commandLineCount; ++seed) {
