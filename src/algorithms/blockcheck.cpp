@@ -29,6 +29,7 @@ bool BlockCheck::runCheck(const CheckContext& context) {
   // A removal only names the record (check, type, severity, block): one per type serves every
   // block. A record of its own is made only for what is added, which the store keeps.
   std::vector<std::shared_ptr<EditTimeViolation>> removals;
+  removals.reserve(types.size());
   for (const std::string& type : types) {
     removals.push_back(std::make_shared<EditTimeViolation>(checkId, type, severity, 0.0));
   }
