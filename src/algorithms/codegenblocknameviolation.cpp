@@ -10,9 +10,7 @@ std::string CodegenBlockNameViolation::prohibitedNamePattern;
 
 CodegenBlockNameViolation::CodegenBlockNameViolation(const std::wstring& diagramName,
                                                      std::uint32_t severity)
-    : NameCheck(kCheckId, diagramName, severity),
-      codegenFootnoteTags(codegenSupportTags()),
-      productionFootnoteTags(productionSupportTags()) {}
+    : NameCheck(kCheckId, diagramName, severity), codegenFootnoteTags(codegenSupportTags()) {}
 
 Verdict CodegenBlockNameViolation::decideOne(const bkEditBlock& block) const {
   const bkRAEditBlock& ra = *block.getRaEditBlock();

@@ -30,8 +30,7 @@ class CodegenBlockNameViolation : public NameCheck {
   Verdict decideOne(const bkEditBlock& block) const override;
 
  private:
-  const FootnoteTags& codegenFootnoteTags;     // the process's one set
-  const FootnoteTags& productionFootnoteTags;  // held as the tool holds it; never consulted
+  const FootnoteTags& codegenFootnoteTags;  // the process's one set
 };
 
 }  // namespace bkedittimecheck

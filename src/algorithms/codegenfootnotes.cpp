@@ -10,11 +10,6 @@ const FootnoteTags& codegenSupportTags() {
   return tags;
 }
 
-const FootnoteTags& productionSupportTags() {
-  static const FootnoteTags tags{"FnSuppDependsImpl"};
-  return tags;
-}
-
 std::vector<std::string> footnoteTokens(const std::string& footnote) {
   const boost::char_separator<char> separator(",");  // drops empty tokens, keeps blanks
   const boost::tokenizer<boost::char_separator<char>> tokens(footnote, separator);

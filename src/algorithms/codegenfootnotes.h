@@ -12,10 +12,6 @@ using FootnoteTags = std::unordered_set<std::string>;
 /// The tags under which code generation still accepts a block; one set for the process.
 const FootnoteTags& codegenSupportTags();
 
-/// The tags that production code deployment accepts ("FnSuppDependsImpl" alone); one set for the
-/// process.
-const FootnoteTags& productionSupportTags();
-
 /// The tokens of a comma-separated footnote string: no trimming, empty tokens dropped.
 std::vector<std::string> footnoteTokens(const std::string& footnote);
 

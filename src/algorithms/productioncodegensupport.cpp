@@ -8,9 +8,7 @@ namespace bkedittimecheck {
 
 ProductionCodeGenSupport::ProductionCodeGenSupport(const std::wstring& diagramName,
                                                    std::uint32_t severity)
-    : BlockCheck(kCheckId, diagramName, severity),
-      codegenFootnoteTags(codegenSupportTags()),
-      productionFootnoteTags(productionSupportTags()) {}
+    : BlockCheck(kCheckId, diagramName, severity), codegenFootnoteTags(codegenSupportTags()) {}
 
 void ProductionCodeGenSupport::decide(const bkEditBlock& block,
                                       std::vector<Verdict>& verdicts) const {

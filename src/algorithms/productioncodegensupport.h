@@ -32,8 +32,7 @@ class ProductionCodeGenSupport : public BlockCheck {
   bool wantsParameters() const override { return false; }
 
  private:
-  const FootnoteTags& codegenFootnoteTags;     // the process's one set
-  const FootnoteTags& productionFootnoteTags;  // held as the tool holds it; never consulted
+  const FootnoteTags& codegenFootnoteTags;  // the process's one set
 };
 
 }  // namespace bkedittimecheck
