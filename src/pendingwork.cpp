@@ -8,9 +8,10 @@ void PendingWork::addQueued(std::int64_t n) {
   if (queued == n) passes += 1;
 }
 
-void PendingWork::finishOne() {
+bool PendingWork::finishOne() {
   std::lock_guard<std::mutex> lock(mutex);
   queued -= 1;
+  return queued == 0;
 }
 
 std::int64_t PendingWork::queuedCount() const {

@@ -19,8 +19,10 @@ class PendingWork {
   /// Main thread. Adds `n` queued checks; begins a pass when `queued` was 0.
   void addQueued(std::int64_t n);
 
-  /// Worker. One queued check finished.
-  void finishOne();
+  /// Worker. One queued check finished; true when it was the last one queued, which ends its
+  /// pass. Decided under the lock with the count: work queued a moment later begins a new pass
+  /// and does not take this one's styling away.
+  bool finishOne();
 
   /// Any thread. The number of queued checks.
   std::int64_t queuedCount() const;

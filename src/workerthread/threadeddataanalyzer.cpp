@@ -47,10 +47,12 @@ void ThreadedDataAnalyzer::run(void* /*context*/) {
       return;
     } catch (...) {
     }
-  } else {
+  }
+  bool passEnded = false;
+  if (context.data) {
     try {
       algorithm->runCheck(context);
-      engine->pendingWork().finishOne();
+      passEnded = engine->pendingWork().finishOne();
     } catch (const std::exception& error) {
       // A failing check is dropped; its pass stays counted, as nothing can tell how far it got.
       noteFailure(error.what());
@@ -59,7 +61,9 @@ void ThreadedDataAnalyzer::run(void* /*context*/) {
     }
   }
   profiler.stop();
-  if (engine->queuedCount() == 0) {
+  // Asked when the count fell to zero, not read again afterwards: an edit queued in between
+  // begins a new pass, and reading the count then would leave this pass unstyled for good.
+  if (passEnded) {
     try {
       requestStyling(context.data.get(), context.violations.get());
     } catch (...) {
