@@ -460,6 +460,10 @@ void bkEditBD::processChanges(ViolationDatabase* violations) {
     } else {
       blocks.erase(changed->getBlockHandle());
     }
+    if (changed->hasRaEditBlock()) {
+      auditedHandles.push_back(changed->getBlockHandle());
+      auditedHandlesSorted = false;
+    }
     blocks[changed->getBlockHandle()] = changed;
   }
   // Every snapshot queued before the deletions taken so far has now been seen.
@@ -499,6 +503,8 @@ void bkEditBD::syncCommentedSubsystems(ViolationDatabase& violations, bool renam
 }
 
 void bkEditBD::pruneAfterPass() {
+  auditedHandles.clear();
+  auditedHandlesSorted = true;
   for (auto it = blocks.begin(); it != blocks.end();) {
     // Cross-block checks need these between passes; everything else lives for one pass.
     if (BlockKind::isKeptAcrossPasses(it->second->getBlockKind()) || it->second->hasChartData()) {

@@ -2,6 +2,7 @@
 
 #include <tbb/concurrent_queue.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <map>
@@ -153,6 +154,13 @@ class bkEditBD {
   /// Worker. The snapshots of the current pass and the blocks kept across passes, by handle.
   const std::map<double, std::shared_ptr<bkEditBlock>>& blockMap() const { return blocks; }
 
+  /// Worker. Calls `visit(handle, snapshot)` for every block of `blockMap()` that carries a
+  /// rule-auditor part, in ascending handle order: the blocks the rule-auditor checks walk.
+  /// Equal to walking the whole map and passing the others by, which the kept routing blocks
+  /// (no rule-auditor part) would make cost a walk over all of them per check and edit.
+  template <typename Visit>
+  void forEachAuditedBlock(Visit visit) const;
+
   /// Any thread. True from the 1001st Goto/From block on, for the life of this record.
   bool hasTooManyRoutingBlocks() const { return tooManyRoutingBlocks.load(); }
 
@@ -207,6 +215,11 @@ class bkEditBD {
 
   // ---- worker
   std::map<double, std::shared_ptr<bkEditBlock>> blocks;
+  // Handles of the snapshots with a rule-auditor part put into `blocks` since the last prune
+  // (after which no block has one); may repeat and may name blocks gone or replaced since.
+  // Sorted and thinned out at the first walk that finds it unsorted.
+  mutable std::vector<double> auditedHandles;
+  mutable bool auditedHandlesSorted = true;
   std::map<std::wstring, std::int32_t> maskKinds;
   // The scope rule's index over `maskKinds`, rebuilt at the first scope test after a change.
   mutable MaskScopeIndex maskIndex;
@@ -257,5 +270,31 @@ bool hasEscapedSeparator(const std::string& path);
 /// Any thread. The path up to its last "/" (that "/" excluded), a trailing escaped "/" set aside
 /// first; empty for a root path.
 std::string parentPath(const std::string& path);
+
+template <typename Visit>
+void bkEditBD::forEachAuditedBlock(Visit visit) const {
+  if (!auditedHandlesSorted) {
+    std::sort(auditedHandles.begin(), auditedHandles.end());
+    auditedHandles.erase(std::unique(auditedHandles.begin(), auditedHandles.end()),
+                         auditedHandles.end());
+    auditedHandlesSorted = true;
+  }
+  // A lookup per listed handle beats a walk over the map only while the list is short; the
+  // initial scan lists nearly every block of the pass.
+  std::size_t depth = 1;
+  while ((std::size_t{1} << depth) < blocks.size()) ++depth;
+  if (auditedHandles.size() * depth < blocks.size()) {
+    for (double handle : auditedHandles) {
+      const auto entry = blocks.find(handle);
+      if (entry != blocks.end() && entry->second && entry->second->hasRaEditBlock()) {
+        visit(handle, entry->second);
+      }
+    }
+    return;
+  }
+  for (const auto& [handle, block] : blocks) {
+    if (block && block->hasRaEditBlock()) visit(handle, block);
+  }
+}
 
 }  // namespace bkedittimecheck

@@ -260,7 +260,7 @@ int run(int blocks, int routingPairs, int edits, int idleSeconds) {
   const auto recheckStart = Clock::now();
   for (BKBlock* b : d->blocksInPathOrder()) all[b->getHandle()] = std::make_shared<bkEditBlock>(b, true);
   auto kept = bkEditBDProbe(*engine->getData()).blocks();
-  bkEditBDProbe(*engine->getData()).blocks() = all;
+  bkEditBDProbe(*engine->getData()).replaceBlocks(all);
   const CheckContext context{engine->getData(), engine->getViolations(), engine->getCheckSelector(),
                              engine->getConfiguration()};
   auto recheck = std::async(std::launch::async, [&] {
@@ -269,7 +269,7 @@ int run(int blocks, int routingPairs, int edits, int idleSeconds) {
   pumpUntil([&] { return recheck.wait_for(std::chrono::seconds(0)) == std::future_status::ready; });
   recheck.get();
   const double recheckUs = microsSince(recheckStart);
-  bkEditBDProbe(*engine->getData()).blocks() = kept;
+  bkEditBDProbe(*engine->getData()).replaceBlocks(kept);
 
   // Idle: nothing to do for a while; what does the process spend?
   const double cpuBefore = cpuSeconds();

@@ -188,12 +188,12 @@ void BM_WorkerPassAllBlocks(benchmark::State& state) {
   const CheckContext context{engine->getData(), engine->getViolations(),
                              engine->getCheckSelector(), engine->getConfiguration()};
   for (auto _ : state) {
-    bkEditBDProbe(data).blocks() = snapshot;
+    bkEditBDProbe(data).replaceBlocks(snapshot);
     for (const auto& check : checks) check->runCheck(context);
   }
   state.counters["checks"] = static_cast<double>(checks.size());
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(snapshot.size()));
-  bkEditBDProbe(data).blocks().clear();
+  bkEditBDProbe(data).replaceBlocks({});
 }
 
 // Edit to glow: a rename to a prohibited name until the block carries its class.

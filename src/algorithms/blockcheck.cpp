@@ -17,9 +17,6 @@ bool BlockCheck::runCheck(const CheckContext& context) {
   ViolationDatabase* database = context.violations.get();
   if (!data || !database) return false;
 
-  // The map itself, not a copy: every check and every Setup runs on the one worker thread, one
-  // after the other, so nothing can change the map during this walk.
-  const std::map<double, std::shared_ptr<bkEditBlock>>& blocks = data->blockMap();
   if (wantsParameters()) readParameters(EditTimeCheckSelector::getCheckConfiguration(checkId));
   beginRun();
 
@@ -34,24 +31,26 @@ bool BlockCheck::runCheck(const CheckContext& context) {
     removals.push_back(std::make_shared<EditTimeViolation>(checkId, type, severity, 0.0));
   }
   std::vector<Verdict> verdicts(types.size());
-  for (const auto& [handle, block] : blocks) {
-    if (!block || !block->hasRaEditBlock()) continue;
-    if (!considers(*block)) continue;
-    const bool outside = data->isOutsideScope(*block, scope.skipLinkedBlocks, scope.lookUnderMasks);
+  // The map itself, not a copy: every check and every Setup runs on the one worker thread, one
+  // after the other, so nothing can change the map during this walk.
+  data->forEachAuditedBlock([&](double handle, const std::shared_ptr<bkEditBlock>& snapshot) {
+    const bkEditBlock& block = *snapshot;
+    if (!considers(block)) return;
+    const bool outside = data->isOutsideScope(block, scope.skipLinkedBlocks, scope.lookUnderMasks);
     std::fill(verdicts.begin(), verdicts.end(), Verdict::Remove);
-    if (!outside) decide(*block, verdicts);
+    if (!outside) decide(block, verdicts);
     for (std::size_t i = 0; i < types.size(); ++i) {
       if (verdicts[i] == Verdict::Add) {
         auto record = std::make_shared<EditTimeViolation>(checkId, types[i], severity, handle);
-        record->isCommented = block->getIsCommented() ? 1 : 0;
-        record->blockPath = block->getFullPath();
+        record->isCommented = block.getIsCommented() ? 1 : 0;
+        record->blockPath = block.getFullPath();
         database->add(record);
       } else if (verdicts[i] == Verdict::Remove) {
         removals[i]->blockHandle = handle;
         database->remove(removals[i]);
       }
     }
-  }
+  });
   return true;
 }
 

@@ -24,8 +24,7 @@ bool BlockConstraintViolation::runCheck(const CheckContext& context) {
   // Unlike the other configurable checks, the scope is read at every run.
   readInputParameters(EditTimeCheckSelector::getCheckConfiguration(checkId));
   const CheckScope scope = currentScope();
-  for (const auto& [handle, block] : context.data->blockMap()) {
-    if (!block || !block->hasRaEditBlock()) continue;
+  context.data->forEachAuditedBlock([&](double handle, const std::shared_ptr<bkEditBlock>& block) {
     auto record =
         std::make_shared<EditTimeViolation>(checkId, "BlockConstraintViolation", severity, handle);
     record->isCommented = block->getIsCommented() ? 1 : 0;
@@ -36,7 +35,7 @@ bool BlockConstraintViolation::runCheck(const CheckContext& context) {
     } else {
       context.violations->add(record);
     }
-  }
+  });
   return true;
 }
 

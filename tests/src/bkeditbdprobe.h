@@ -10,6 +10,15 @@ struct bkEditBDProbe {
   explicit bkEditBDProbe(bkEditBD& data) : d(data) {}
 
   auto& blocks() { return d.blocks; }
+  // Puts `snapshots` in place of the block map, listing those with a rule-auditor part as the
+  // engine lists the snapshots it takes.
+  void replaceBlocks(std::map<double, std::shared_ptr<bkEditBlock>> snapshots) {
+    d.blocks = std::move(snapshots);
+    d.auditedHandles.clear();
+    for (const auto& [handle, block] : d.blocks) {
+      if (block && block->hasRaEditBlock()) d.auditedHandles.push_back(handle);
+    }
+  }
   auto& changedBlocks() { return d.changedBlocks; }
   auto& deletedHandles() { return d.deletedHandles; }
   auto& blkProperties() { return d.blkProperties; }
