@@ -183,8 +183,16 @@ std::vector<ViolationDatabase::StylingFacts> ViolationDatabase::stylingFactsOf(
   std::vector<double> recent(pendingClearList.begin() + static_cast<std::ptrdiff_t>(pendingSettled),
                              pendingClearList.end());
   std::sort(recent.begin(), recent.end());
+  // The handles come sorted as a rule: each search starts where the last one ended.
+  auto settled = pendingSorted.begin();
   const auto pending = [&](double handle) {
-    return std::binary_search(pendingSorted.begin(), pendingSorted.end(), handle) ||
+    // Everything before `settled` is below the last handle asked; a handle not above that
+    // could lie there.
+    if (settled != pendingSorted.begin() && handle <= *std::prev(settled)) {
+      settled = pendingSorted.begin();
+    }
+    settled = std::lower_bound(settled, pendingSorted.end(), handle);
+    return (settled != pendingSorted.end() && *settled == handle) ||
            std::binary_search(recent.begin(), recent.end(), handle);
   };
   std::vector<StylingFacts> out(handles.size());
@@ -209,11 +217,26 @@ void ViolationDatabase::settleForStyling() {
 namespace {
 
 // Sorts the entries of `v` from `from` on, merges them into the sorted, unique entries before it
-// and drops the repeats.
+// and drops the repeats. The entries come from the checks of a pass, each walking its blocks in
+// ascending handle order, so they form a few ascending runs: merging those beats sorting.
 void mergeSortedUnique(std::vector<double>& v, std::size_t from) {
-  const auto middle = v.begin() + static_cast<std::ptrdiff_t>(from);
-  std::sort(middle, v.end());
-  std::inplace_merge(v.begin(), middle, v.end());
+  std::vector<std::size_t> bounds{from};
+  for (std::size_t i = from + 1; i < v.size(); ++i) {
+    if (v[i] < v[i - 1]) bounds.push_back(i);
+  }
+  bounds.push_back(v.size());
+  const auto at = [&v](std::size_t i) { return v.begin() + static_cast<std::ptrdiff_t>(i); };
+  while (bounds.size() > 2) {  // pairs of neighbouring runs, until one is left
+    std::vector<std::size_t> merged{bounds.front()};
+    std::size_t k = 0;
+    for (; k + 2 < bounds.size(); k += 2) {
+      std::inplace_merge(at(bounds[k]), at(bounds[k + 1]), at(bounds[k + 2]));
+      merged.push_back(bounds[k + 2]);
+    }
+    if (k + 1 < bounds.size()) merged.push_back(bounds[k + 1]);  // an odd run carries over
+    bounds.swap(merged);
+  }
+  std::inplace_merge(v.begin(), at(from), v.end());
   v.erase(std::unique(v.begin(), v.end()), v.end());
 }
 

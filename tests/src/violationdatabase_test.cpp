@@ -124,6 +124,7 @@ TEST(ViolationDatabase, StylingBookkeepingMatchesThePlainReading) {
     }
     Handles all;
     for (int h = 0; h <= 21; ++h) all.push_back(h);
+    for (int k = 0; k < 12; ++k) all.push_back(next(22));  // out of order, with repeats
     const Handles pending = db.pendingClears();
     const auto facts = db.stylingFactsOf(all);
     for (std::size_t i = 0; i < all.size(); ++i) {
