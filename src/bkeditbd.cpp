@@ -460,10 +460,8 @@ void bkEditBD::processChanges(ViolationDatabase* violations) {
     } else {
       blocks.erase(changed->getBlockHandle());
     }
-    if (changed->hasRaEditBlock()) {
-      auditedHandles.push_back(changed->getBlockHandle());
-      auditedHandlesSorted = false;
-    }
+    arrivedHandles.push_back(changed->getBlockHandle());
+    arrivedHandlesSorted = false;
     blocks[changed->getBlockHandle()] = changed;
   }
   // Every snapshot queued before the deletions taken so far has now been seen.
@@ -502,18 +500,37 @@ void bkEditBD::syncCommentedSubsystems(ViolationDatabase& violations, bool renam
   }
 }
 
-void bkEditBD::pruneAfterPass() {
-  auditedHandles.clear();
-  auditedHandlesSorted = true;
-  for (auto it = blocks.begin(); it != blocks.end();) {
-    // Cross-block checks need these between passes; everything else lives for one pass.
-    if (BlockKind::isKeptAcrossPasses(it->second->getBlockKind()) || it->second->hasChartData()) {
-      it->second->dropRaEditBlock();
-      ++it;
-    } else {
-      it = blocks.erase(it);
-    }
+bool bkEditBD::fewArrived() const {
+  if (!arrivedHandlesSorted) {
+    std::sort(arrivedHandles.begin(), arrivedHandles.end());
+    arrivedHandles.erase(std::unique(arrivedHandles.begin(), arrivedHandles.end()),
+                         arrivedHandles.end());
+    arrivedHandlesSorted = true;
   }
+  // A look-up costs about one step per level of the map; the initial scan's passes bring
+  // nearly every block of the map.
+  std::size_t depth = 1;
+  while ((std::size_t{1} << depth) < blocks.size()) ++depth;
+  return arrivedHandles.size() * depth < blocks.size();
+}
+
+void bkEditBD::pruneAfterPass() {
+  // Cross-block checks need these between passes; everything else lives for one pass.
+  const auto keep = [](bkEditBlock& block) {
+    if (!BlockKind::isKeptAcrossPasses(block.getBlockKind()) && !block.hasChartData()) return false;
+    block.dropRaEditBlock();
+    return true;
+  };
+  if (fewArrived()) {
+    for (double handle : arrivedHandles) {
+      const auto entry = blocks.find(handle);
+      if (entry != blocks.end() && !keep(*entry->second)) blocks.erase(entry);
+    }
+  } else {
+    std::erase_if(blocks, [&](auto& entry) { return !keep(*entry.second); });
+  }
+  arrivedHandles.clear();
+  arrivedHandlesSorted = true;
 }
 
 }  // namespace bkedittimecheck

@@ -215,11 +215,15 @@ class bkEditBD {
 
   // ---- worker
   std::map<double, std::shared_ptr<bkEditBlock>> blocks;
-  // Handles of the snapshots with a rule-auditor part put into `blocks` since the last prune
-  // (after which no block has one); may repeat and may name blocks gone or replaced since.
-  // Sorted and thinned out at the first walk that finds it unsorted.
-  mutable std::vector<double> auditedHandles;
-  mutable bool auditedHandlesSorted = true;
+  // Handles of the snapshots put into `blocks` since the last prune; may repeat and may name
+  // blocks gone or replaced since. Every other block was kept by that prune, so it is a routing
+  // or chart block without a rule-auditor part. Sorted and thinned out at the first walk that
+  // finds it unsorted.
+  mutable std::vector<double> arrivedHandles;
+  mutable bool arrivedHandlesSorted = true;
+  // Sorts and thins out `arrivedHandles`; true when looking each of them up costs less than a
+  // walk over the whole map.
+  bool fewArrived() const;
   std::map<std::wstring, std::int32_t> maskKinds;
   // The scope rule's index over `maskKinds`, rebuilt at the first scope test after a change.
   mutable MaskScopeIndex maskIndex;
@@ -273,18 +277,8 @@ std::string parentPath(const std::string& path);
 
 template <typename Visit>
 void bkEditBD::forEachAuditedBlock(Visit visit) const {
-  if (!auditedHandlesSorted) {
-    std::sort(auditedHandles.begin(), auditedHandles.end());
-    auditedHandles.erase(std::unique(auditedHandles.begin(), auditedHandles.end()),
-                         auditedHandles.end());
-    auditedHandlesSorted = true;
-  }
-  // A lookup per listed handle beats a walk over the map only while the list is short; the
-  // initial scan lists nearly every block of the pass.
-  std::size_t depth = 1;
-  while ((std::size_t{1} << depth) < blocks.size()) ++depth;
-  if (auditedHandles.size() * depth < blocks.size()) {
-    for (double handle : auditedHandles) {
+  if (fewArrived()) {
+    for (double handle : arrivedHandles) {
       const auto entry = blocks.find(handle);
       if (entry != blocks.end() && entry->second && entry->second->hasRaEditBlock()) {
         visit(handle, entry->second);

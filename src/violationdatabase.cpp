@@ -47,6 +47,19 @@ void ViolationDatabase::add(const ViolationPtr& violation) {
 
 void ViolationDatabase::remove(const ViolationPtr& violation) {
   std::lock_guard<std::mutex> lock(mutex);
+  removeLocked(violation);
+}
+
+void ViolationDatabase::removeEach(const ViolationPtr& violation,
+                                   const std::vector<double>& handles) {
+  std::lock_guard<std::mutex> lock(mutex);
+  for (double handle : handles) {
+    violation->blockHandle = handle;
+    removeLocked(violation);
+  }
+}
+
+void ViolationDatabase::removeLocked(const ViolationPtr& violation) {
   touch(violation->blockHandle);
   auto entry = byBlock.find(violation->blockHandle);
   // A block with no records still has its classes cleared: a glow left by an engine that was

@@ -41,6 +41,10 @@ class ViolationDatabase {
   /// (an unknown handle included); an empty set leaves the map.
   void remove(const ViolationPtr& violation);
 
+  /// Any thread. `remove` of `violation` for each handle of `handles` in turn, under one taking
+  /// of the lock; `violation`'s own handle is left as the last of them.
+  void removeEach(const ViolationPtr& violation, const std::vector<double>& handles);
+
   /// Any thread. Erases every record of this check and type over all blocks; a block left
   /// empty goes on `pendingClears` and leaves the map.
   void removeByType(const std::string& checkId, const std::string& violationType);
@@ -129,6 +133,7 @@ class ViolationDatabase {
  private:
   template <typename Pred>
   void removeFirstMatch(Pred pred);  // caller holds mutex
+  void removeLocked(const ViolationPtr& violation);  // `remove`; caller holds mutex
   // Puts `handle` on `pendingClears`; caller holds mutex.
   void notePendingClear(double handle);
   // Notes that `handle` changed; caller holds mutex.

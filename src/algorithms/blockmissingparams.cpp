@@ -71,11 +71,12 @@ bool BlockMissingParams::evaluate(bkEditBD& data, ViolationDatabase& database) {
     // record of its own for each of the kept blocks cost three allocations on every edit.
     const auto removal =
         std::make_shared<EditTimeViolation>(checkId, kViolationType, recordSeverity, 0.0);
+    std::vector<double> clean;
+    clean.reserve(missing.size());
     auto it = blocks.begin();
     for (std::size_t i = 0; i < missing.size() && it != blocks.end(); ++i, ++it) {
       if (!missing[i]) {
-        removal->blockHandle = it->first;
-        database.remove(removal);
+        clean.push_back(it->first);
         continue;
       }
       auto r =
@@ -83,6 +84,7 @@ bool BlockMissingParams::evaluate(bkEditBD& data, ViolationDatabase& database) {
       r->isCommented = it->second && it->second->getIsCommented() ? 1 : 0;
       database.add(r);
     }
+    database.removeEach(removal, clean);  // each block stands alone: order among them is free
   } catch (...) {
     // The evaluation, its future or the store failed: what changed stays, and the next batch
     // asks again.

@@ -10,14 +10,11 @@ struct bkEditBDProbe {
   explicit bkEditBDProbe(bkEditBD& data) : d(data) {}
 
   auto& blocks() { return d.blocks; }
-  // Puts `snapshots` in place of the block map, listing those with a rule-auditor part as the
-  // engine lists the snapshots it takes.
+  // Puts `snapshots` in place of the block map, all of them as if they had just arrived.
   void replaceBlocks(std::map<double, std::shared_ptr<bkEditBlock>> snapshots) {
     d.blocks = std::move(snapshots);
-    d.auditedHandles.clear();
-    for (const auto& [handle, block] : d.blocks) {
-      if (block && block->hasRaEditBlock()) d.auditedHandles.push_back(handle);
-    }
+    d.arrivedHandles.clear();
+    for (const auto& [handle, block] : d.blocks) d.arrivedHandles.push_back(handle);
   }
   auto& changedBlocks() { return d.changedBlocks; }
   auto& deletedHandles() { return d.deletedHandles; }
