@@ -529,7 +529,12 @@ void bkEditBD::pruneAfterPass() {
   } else {
     std::erase_if(blocks, [&](auto& entry) { return !keep(*entry.second); });
   }
-  arrivedHandles.clear();
+  // The room of a scan's pass (every block of a system) is not kept between passes.
+  if (arrivedHandles.capacity() > 1024) {
+    std::vector<double>().swap(arrivedHandles);
+  } else {
+    arrivedHandles.clear();
+  }
   arrivedHandlesSorted = true;
 }
 
