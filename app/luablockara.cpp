@@ -12,6 +12,7 @@
 
 #include "app/luaapi.h"
 #include "app/luacall.h"
+#include "app/luaexpressions.h"
 #include "app/luatypes.h"
 #include "app/luavalues.h"
 #include "app/report.h"
@@ -209,6 +210,7 @@ void installLuaApi(LuaHost& host) {
   host.registerFunction("blockara.ceExclusions", luaFunction<ceExclusions>);
   host.registerFunction("blockara.report", luaFunction<report>);
   host.registerFunction("blockara.findings", luaFunction<findings>);
+  installExpressionAnswers(L);
   lua_getglobal(L, "blockara");
   lua_newtable(L);
   lua_setfield(L, -2, "workspace");

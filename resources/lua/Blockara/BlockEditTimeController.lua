@@ -38,61 +38,20 @@ local function identifiers(text)
   return names
 end
 
--- The names of a block type's numeric-expression parameters. A block's dialog parameters are
--- those of its type, so one question answers for every block of the type; `byType` lives for
--- one call, so a library that changes between calls is read afresh.
-local function expressionParameters(block, byType)
-  local names = byType[block.type]
-  if names then return names end
-  names = {}
-  for _, p in ipairs(block:parameters()) do
-    if p.type == 6 then names[#names + 1] = p.name end
-  end
-  byType[block.type] = names
-  return names
-end
-
--- Whether an expression names a variable the workspace lacks. `byText` lives for one call, in
--- which the workspace does not change: blocks that share an expression share the answer.
-local function textNamesMissingVariable(text, byText)
-  local answer = byText[text]
-  if answer ~= nil then return answer end
-  answer = false
+-- Whether an expression names a variable the workspace lacks.
+local function textNamesMissingVariable(text)
   for _, name in ipairs(identifiers(text)) do
-    if not known(name) then
-      answer = true
-      break
-    end
-  end
-  byText[text] = answer
-  return answer
-end
-
-local function namesMissingVariable(block, byType, byText)
-  for _, parameter in ipairs(expressionParameters(block, byType)) do
-    local value = block:get(parameter)
-    if type(value) == "string" and textNamesMissingVariable(value, byText) then return true end
+    if not known(name) then return true end
   end
   return false
 end
 
--- A handle vector arrives as a number (one handle), an nx.array (several) or a table.
-local function handleList(handles)
-  if type(handles) == "number" then return { handles } end
-  if type(handles) == "table" then return handles end
-  return handles:totable()
-end
-
+-- The walk over the blocks and their numeric-expression parameters is `blockara.expressionAnswers`
+-- (C++): it asks about each distinct text once per call, in which the workspace does not change.
+-- It takes a number, a list or an nx.array of doubles; an array of another class goes as a list.
 function M.findMissingVariable(handles, diagramName)
-  local list = handleList(handles)
-  local answer = {}
-  local byType, byText = {}, {}
-  local blockOf = blockara.block
-  for i, handle in ipairs(list) do
-    local block = handle ~= 0 and blockOf(handle) or nil
-    answer[i] = block ~= nil and namesMissingVariable(block, byType, byText)
-  end
-  return nx.array("logical", 1, #answer, answer)
+  if type(handles) == "userdata" and nx.class(handles) ~= "double" then handles = handles:totable() end
+  return blockara.expressionAnswers(handles, textNamesMissingVariable)
 end
 
 return M
