@@ -144,13 +144,10 @@ class Writer {
     u64(a.cols());
     switch (a.classID()) {
       case nxClassID::Double:
-        for (std::size_t i = 0; i < a.numel(); ++i) {
-          double d = a.getDouble(i);
-          raw(&d, 8);
-        }
+        raw(a.doubleValues().data(), 8 * a.numel());
         break;
       case nxClassID::Logical:
-        for (std::size_t i = 0; i < a.numel(); ++i) u8(a.getLogical(i) ? 1 : 0);
+        for (const bool b : a.logicalValues()) u8(b ? 1 : 0);
         break;
       case nxClassID::UInt32:
         for (std::size_t i = 0; i < a.numel(); ++i) u32(a.getUInt32(i));
@@ -220,7 +217,7 @@ class Reader {
     switch (cls) {
       case nxClassID::Double: {
         std::vector<double> v(n);
-        for (auto& d : v) raw(&d, 8);
+        if (n > 0) raw(v.data(), 8 * n);  // n is bounded by the bytes left: 8 * n fits
         return nxArray::doubleMatrix(rows, cols, std::move(v));
       }
       case nxClassID::Logical: {
@@ -311,9 +308,7 @@ void checkClass(const nxArray& value, nxClassID wanted) {
 
 std::vector<bool> toVectorOfBool(const nxArray& value) {
   checkClass(value, nxClassID::Logical);
-  std::vector<bool> out(value.numel());
-  for (std::size_t i = 0; i < out.size(); ++i) out[i] = value.getLogical(i);
-  return out;
+  return value.logicalValues();
 }
 
 }  // namespace detail

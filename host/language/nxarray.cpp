@@ -168,6 +168,16 @@ void nxArray::setDouble(std::size_t index, double value) {
   doubles[index] = value;
 }
 
+const std::vector<double>& nxArray::doubleValues() const {
+  requireClass(nxClassID::Double, "doubleValues");
+  return doubles;
+}
+
+const std::vector<bool>& nxArray::logicalValues() const {
+  requireClass(nxClassID::Logical, "logicalValues");
+  return logicals;
+}
+
 bool nxArray::getLogical(std::size_t index) const {
   requireClass(nxClassID::Logical, "getLogical");
   checkIndex(index);

@@ -84,6 +84,10 @@ class nxArray {
   double getDouble(std::size_t index) const;
   void setDouble(std::size_t index, double value);
   bool getLogical(std::size_t index) const;
+  /// All elements of a double or logical array at once; throws std::invalid_argument for
+  /// another class.
+  const std::vector<double>& doubleValues() const;
+  const std::vector<bool>& logicalValues() const;
   std::uint32_t getUInt32(std::size_t index) const;
   /// The character bytes, column-major.
   const std::string& charData() const;
