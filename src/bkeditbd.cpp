@@ -359,8 +359,7 @@ void bkEditBD::queueDeletion(double handle) {
 }
 
 void bkEditBD::queueSnapshot(std::shared_ptr<bkEditBlock> snapshot) {
-  snapshot->setQueuedAfter(deletionsQueued, renamesQueued);
-  changedBlocks.push(std::move(snapshot));
+  changedBlocks.push(QueuedSnapshot{std::move(snapshot), deletionsQueued, renamesQueued});
 }
 
 void bkEditBD::processDeletions(ViolationDatabase* violations) {
@@ -431,16 +430,17 @@ void bkEditBD::processChanges(ViolationDatabase* violations) {
     }
   }
 
-  std::shared_ptr<bkEditBlock> changed;
-  while (changedBlocks.try_pop(changed)) {
+  QueuedSnapshot queued;
+  while (changedBlocks.try_pop(queued)) {
+    std::shared_ptr<bkEditBlock> changed = std::move(queued.snapshot);
     if (!changed) continue;
     // A snapshot queued before its block's deletion was taken would bring a deleted block back
     // for good (routing blocks stay across passes); one queued after it (an undo) is the block.
     const auto deleted = deletedAt.find(changed->getBlockHandle());
-    if (deleted != deletedAt.end() && changed->getDeletionsBefore() < deleted->second) continue;
+    if (deleted != deletedAt.end() && queued.deletionsBefore < deleted->second) continue;
     // Likewise a snapshot queued before a subsystem above it was renamed takes the new path.
     for (std::size_t i = 0; i < renames.size(); ++i) {
-      if (renamesTaken - renames.size() + i < changed->getRenamesBefore()) continue;
+      if (renamesTaken - renames.size() + i < queued.renamesBefore) continue;
       changed->setFullPath(renamedPath(changed->getFullPath(), renames[i].oldPath, renames[i].newPath));
     }
     for (const auto& [handle, subsystem] : subsysMap) {

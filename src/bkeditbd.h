@@ -239,7 +239,7 @@ class bkEditBD {
 
   // ---- queues (main pushes, worker pops)
   EditQueue<double> deletedHandles;
-  EditQueue<std::shared_ptr<bkEditBlock>> changedBlocks;
+  EditQueue<QueuedSnapshot> changedBlocks;
   EditQueue<Blkproperties> blkProperties;
   EditQueue<SubsysProperties> subsysProperties;
   EditQueue<SubsysNameChange> subsysNameChanges;

@@ -1,9 +1,21 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace bkedittimecheck {
+
+class bkEditBlock;
+
+/// A snapshot on its way to the worker, with the number of deletions and of subsystem renames
+/// queued before it: the worker passes a snapshot by that is older than its block's deletion,
+/// and gives it the paths of the renames that came after it.
+struct QueuedSnapshot {
+  std::shared_ptr<bkEditBlock> snapshot;
+  std::uint64_t deletionsBefore = 0;
+  std::uint64_t renamesBefore = 0;
+};
 
 /// A subsystem that enters (`isAdded` true) or leaves or is uncommented (false); pushed on the
 /// main thread, folded into `bkEditBD::subsysMap` on the worker.

@@ -25,26 +25,26 @@ std::string dialogParameter(const BKBlock* block, const std::string& name) {
   return "";
 }
 
-std::shared_ptr<bkDefaultEditBlock> makeDefaultEditBlock(BKBlock* block, int kind) {
-  auto data = std::make_shared<bkDefaultEditBlock>();
+bkDefaultEditBlock makeDefaultEditBlock(BKBlock* block, int kind) {
+  bkDefaultEditBlock data;
   switch (kind) {
     case BlockKind::kGoto:
-      data->stringParam0 = tagVisibilityWord(dialogParameter(block, "TagVisibility"));
-      data->stringParam1 = BKBlock::getGrParamValue(block, 0, 0);
+      data.stringParam0 = tagVisibilityWord(dialogParameter(block, "TagVisibility"));
+      data.stringParam1 = BKBlock::getGrParamValue(block, 0, 0);
       break;
     case BlockKind::kFrom:
     case BlockKind::kGotoTagVisibility:
-      data->stringParam0 = dialogParameter(block, "GotoTag");
+      data.stringParam0 = dialogParameter(block, "GotoTag");
       break;
     case BlockKind::kDataStoreMemory:
-      data->stringParam0 = dialogParameter(block, "DataStoreName");
+      data.stringParam0 = dialogParameter(block, "DataStoreName");
       break;
     case BlockKind::kStateReader:
     case BlockKind::kStateWriter: {
       std::string owner = dialogParameter(block, "StateOwnerBlock");
       if (owner.compare(0, 3, "../") == 0) owner = resolveRelativeBlockPath(block, owner);
-      data->stringParam0 = owner;
-      data->ownerBlockId = stateOwnerBlockId(block, data->ownerBlockId);
+      data.stringParam0 = owner;
+      data.ownerBlockId = stateOwnerBlockId(block, data.ownerBlockId);
       break;
     }
     default:
@@ -96,16 +96,22 @@ bkEditBlock::bkEditBlock(BKBlock* block, bool wantRaEditBlock)
       isLinked(block->getLinkStatus() != "none" ? 1 : 0) {
   if (featureOn(BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates)) {
     if (isBlockaraStatePort(block)) {
-      chartInputData = std::make_unique<BlockaraStatePortInfoImpl>(graphOwnerHandle(block));
+      rareData().chartInputData =
+          std::make_unique<BlockaraStatePortInfoImpl>(graphOwnerHandle(block));
     }
     if (isChartBasedSubsystem(block)) {
-      chartRecord = std::make_unique<BlockaraStateMappingInfoImpl>(blockHandle);
+      rareData().chartRecord = std::make_unique<BlockaraStateMappingInfoImpl>(blockHandle);
     }
   }
   if (needsDefaultEditBlock(blockKind) || hasChartData()) {
     defaultEditBlock = makeDefaultEditBlock(block, blockKind);
   }
   if (wantRaEditBlock) raEditBlock = makeRaEditBlock(block, blockKind);
+}
+
+bkEditBlock::Rare& bkEditBlock::rareData() {
+  if (!rare) rare = std::make_unique<Rare>();
+  return *rare;
 }
 
 bkEditBlock::bkEditBlock(double blockHandle, std::string blockName, std::int32_t blockKind,

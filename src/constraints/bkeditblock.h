@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,8 +39,12 @@ class bkEditBlock {
   double getBlockHandle() const { return blockHandle; }
   const std::string& getBlockName() const { return blockName; }
   std::int32_t getBlockKind() const { return blockKind; }
-  const std::shared_ptr<bkDefaultEditBlock>& getDefaultEditBlock() const {
-    return defaultEditBlock;
+  /// The routing, store and state part; null for blocks of other kinds.
+  const bkDefaultEditBlock* getDefaultEditBlock() const {
+    return defaultEditBlock ? &*defaultEditBlock : nullptr;
+  }
+  bkDefaultEditBlock* getDefaultEditBlock() {
+    return defaultEditBlock ? &*defaultEditBlock : nullptr;
   }
   const std::shared_ptr<bkRAEditBlock>& getRaEditBlock() const { return raEditBlock; }
   const std::wstring& getFullPath() const { return fullPath; }
@@ -54,7 +59,7 @@ class bkEditBlock {
   const std::wstring& getMaskType() const { return raEditBlock->maskType; }
   /// A copy of the captured parameter values.
   std::map<std::string, ParameterValue> getCapturedParameterValues() const {
-    return capturedParameterValues ? *capturedParameterValues : CapturedValues{};
+    return rare ? rare->capturedParameterValues : CapturedValues{};
   }
 
   /// Main thread, before the snapshot is queued. Reads the parameter that each constraint names,
@@ -72,42 +77,41 @@ class bkEditBlock {
   /// Worker. `Setup` updates the comment state after a subsystem above was (un)commented.
   void setIsCommented(bool commented) { isCommented = commented ? 1 : 0; }
   /// Any thread. The state a port of a Blockara-based state belongs to; null for other blocks.
-  const BlockaraStatePortInfo* getChartInputData() const { return chartInputData.get(); }
+  const BlockaraStatePortInfo* getChartInputData() const {
+    return rare ? rare->chartInputData.get() : nullptr;
+  }
   /// Any thread. The declared data of a Blockara-based state subsystem; null for other blocks.
-  const BlockaraStateMappingInfo* getChartRecord() const { return chartRecord.get(); }
+  const BlockaraStateMappingInfo* getChartRecord() const {
+    return rare ? rare->chartRecord.get() : nullptr;
+  }
   /// Any thread. True when the snapshot carries either chart object; such blocks stay in the
   /// block map between passes.
-  bool hasChartData() const { return chartInputData != nullptr || chartRecord != nullptr; }
+  bool hasChartData() const {
+    return getChartInputData() != nullptr || getChartRecord() != nullptr;
+  }
   /// Worker. Drops the rule-auditor part between passes.
   void dropRaEditBlock() { raEditBlock.reset(); }
-  /// Main thread, before the snapshot is queued: how many deletions and subsystem renames its
-  /// diagram had queued, so that the worker applies only those that came after it.
-  void setQueuedAfter(std::uint64_t deletions, std::uint64_t renames) {
-    deletionsBefore = deletions;
-    renamesBefore = renames;
-  }
-  /// Worker. The counts set before queueing; 0 when none were set.
-  std::uint64_t getDeletionsBefore() const { return deletionsBefore; }
-  std::uint64_t getRenamesBefore() const { return renamesBefore; }
 
  private:
   using CapturedValues = std::map<std::string, ParameterValue>;
+  // What few blocks carry lives apart, so that the snapshot of every block (and of the routing
+  // blocks kept between passes) stays small.
+  struct Rare {
+    CapturedValues capturedParameterValues;
+    std::unique_ptr<BlockaraStatePortInfo> chartInputData;
+    std::unique_ptr<BlockaraStateMappingInfo> chartRecord;
+  };
+  Rare& rareData();  // made at first use
 
   double blockHandle;
   std::string blockName;
-  std::shared_ptr<bkDefaultEditBlock> defaultEditBlock;
+  std::optional<bkDefaultEditBlock> defaultEditBlock;
   std::shared_ptr<bkRAEditBlock> raEditBlock;
-  // Only blocks under a parameter constraint have any; most snapshots go without the map.
-  std::unique_ptr<CapturedValues> capturedParameterValues;
-  // Taken only while BKFEAT_BlockaraEditTimeChecksForBlockaraBasedStates is on.
-  std::unique_ptr<BlockaraStatePortInfo> chartInputData;
-  std::unique_ptr<BlockaraStateMappingInfo> chartRecord;
+  std::unique_ptr<Rare> rare;
   std::wstring fullPath;
   std::int32_t blockKind;  // beside the flags, so that the snapshot packs without holes
   std::uint8_t isCommented;
   std::uint8_t isLinked;
-  std::uint64_t deletionsBefore = 0;
-  std::uint64_t renamesBefore = 0;
 };
 
 }  // namespace bkedittimecheck

@@ -25,8 +25,7 @@ void bkEditBlock::captureConstraintParameters(
     const BKBlock* block,
     const std::vector<std::shared_ptr<BlockParameterConstraint>>& constraints) {
   if (constraints.empty()) return;
-  if (!capturedParameterValues) capturedParameterValues = std::make_unique<CapturedValues>();
-  CapturedValues& captured = *capturedParameterValues;
+  CapturedValues& captured = rareData().capturedParameterValues;
   for (const auto& constraint : constraints) {
     const std::string name = constraint->getParameterName();
     const std::string dataType = constraint->getParameterDataType();

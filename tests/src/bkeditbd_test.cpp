@@ -63,7 +63,7 @@ TEST(bkEditBD, ArrivalsGiveThePlainWalksAnswersThroughSnapshotsDeletionsAndPrune
     const std::size_t snapshots = pick(4) == 0 ? 20 + pick(60) : pick(4);
     for (std::size_t i = 0; i < snapshots; ++i) {
       probe.changedBlocks().push(
-          std::make_shared<bkEditBlock>(blocks[pick(blocks.size())], pick(2) != 0));
+          QueuedSnapshot{std::make_shared<bkEditBlock>(blocks[pick(blocks.size())], pick(2) != 0)});
       if (pick(8) == 0) probe.deletedHandles().push(blocks[pick(blocks.size())]->getHandle());
     }
     data.processDeletions(&db);

@@ -148,9 +148,9 @@ TEST_F(EngineBatchTest, StateAccessorSnapshotsResolveTheirOwnerAsTheHostDoes) {
   // An owner that does not resolve keeps the path as written and the id as it was.
   e().addBlock(u"m", "StateWriter", u"w", {{"StateOwnerBlock", std::string("m/gone")}});
   std::vector<std::string> snapshots;
-  for (const auto& block : takeAll(probe().changedBlocks())) {
-    ASSERT_TRUE(block->getDefaultEditBlock());
-    const auto& s = *block->getDefaultEditBlock();
+  for (const auto& queued : takeAll(probe().changedBlocks())) {
+    ASSERT_TRUE(queued.snapshot->getDefaultEditBlock());
+    const auto& s = *queued.snapshot->getDefaultEditBlock();
     snapshots.push_back(s.stringParam0 + " " + std::to_string(s.ownerBlockId));
   }
   EXPECT_EQ(snapshots, (Names{"m/owner " + std::to_string(owner), "m/gone 0"}));

@@ -81,8 +81,8 @@ class EngineFixture : public ::testing::Test {
   /// Pops every snapshot from `changedBlocks`, returning the block names in order.
   static std::vector<std::string> takeChanged(bkEditBD& data) {
     std::vector<std::string> names;
-    for (const auto& block : takeAll(bkEditBDProbe(data).changedBlocks()))
-      names.push_back(block->getBlockName());
+    for (const auto& queued : takeAll(bkEditBDProbe(data).changedBlocks()))
+      names.push_back(queued.snapshot->getBlockName());
     return names;
   }
 
