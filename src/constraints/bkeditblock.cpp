@@ -53,8 +53,8 @@ bkDefaultEditBlock makeDefaultEditBlock(BKBlock* block, int kind) {
   return data;
 }
 
-std::shared_ptr<bkRAEditBlock> makeRaEditBlock(BKBlock* block, int kind) {
-  auto ra = std::make_shared<bkRAEditBlock>();
+std::unique_ptr<bkRAEditBlock> makeRaEditBlock(BKBlock* block, int kind) {
+  auto ra = std::make_unique<bkRAEditBlock>();
   if (const BKMask* mask = block->getMask()) ra->maskType = toWide(mask->type);
   ra->blockType = fromNarrow(typeNameOf(block));
   if (kind == BlockKind::kInport || kind == BlockKind::kInportShadow) {
@@ -105,6 +105,7 @@ bkEditBlock::bkEditBlock(BKBlock* block, bool wantRaEditBlock)
   }
   if (needsDefaultEditBlock(blockKind) || hasChartData()) {
     defaultEditBlock = makeDefaultEditBlock(block, blockKind);
+    hasDefaultEditBlock = 1;
   }
   if (wantRaEditBlock) raEditBlock = makeRaEditBlock(block, blockKind);
 }

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,7 +21,8 @@ class BlockParameterConstraint;
 /// main thread when the block was added or changed. Shared by shared pointer.
 ///
 /// Thread contract: built on the main thread; afterwards read-only for every thread, except
-/// that the worker's `Setup` may still write `fullPath` and `isCommented`.
+/// that the worker's `Setup` may still write `fullPath`, `isCommented`, the state owner in the
+/// default part (`stringParam0`), and drop the rule-auditor part at the end of a pass.
 class bkEditBlock {
  public:
   /// Main thread. Takes the snapshot of `block`; with `wantRaEditBlock` also the rule-auditor
@@ -41,12 +41,12 @@ class bkEditBlock {
   std::int32_t getBlockKind() const { return blockKind; }
   /// The routing, store and state part; null for blocks of other kinds.
   const bkDefaultEditBlock* getDefaultEditBlock() const {
-    return defaultEditBlock ? &*defaultEditBlock : nullptr;
+    return hasDefaultEditBlock != 0 ? &defaultEditBlock : nullptr;
   }
   bkDefaultEditBlock* getDefaultEditBlock() {
-    return defaultEditBlock ? &*defaultEditBlock : nullptr;
+    return hasDefaultEditBlock != 0 ? &defaultEditBlock : nullptr;
   }
-  const std::shared_ptr<bkRAEditBlock>& getRaEditBlock() const { return raEditBlock; }
+  const bkRAEditBlock* getRaEditBlock() const { return raEditBlock.get(); }
   const std::wstring& getFullPath() const { return fullPath; }
   bool getIsCommented() const { return isCommented != 0; }
   bool getIsLinked() const { return isLinked != 0; }
@@ -105,13 +105,14 @@ class bkEditBlock {
 
   double blockHandle;
   std::string blockName;
-  std::optional<bkDefaultEditBlock> defaultEditBlock;
-  std::shared_ptr<bkRAEditBlock> raEditBlock;
+  bkDefaultEditBlock defaultEditBlock;  // present when `hasDefaultEditBlock`
+  std::unique_ptr<bkRAEditBlock> raEditBlock;
   std::unique_ptr<Rare> rare;
   std::wstring fullPath;
   std::int32_t blockKind;  // beside the flags, so that the snapshot packs without holes
   std::uint8_t isCommented;
   std::uint8_t isLinked;
+  std::uint8_t hasDefaultEditBlock = 0;  // a flag of its own in the padding beside the others
 };
 
 }  // namespace bkedittimecheck
