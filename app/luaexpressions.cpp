@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/language/luabridge.h"
+#include "host/language/luahost.h"
 #include "host/model/bkblock.h"
 
 namespace blockara::app {
@@ -25,7 +26,7 @@ std::vector<double> checkHandles(lua_State* L, int index) {
   if (lua_type(L, index) == LUA_TNUMBER) {
     handles.push_back(lua_tonumber(L, index));
   } else if (lua_type(L, index) == LUA_TTABLE) {
-    for (lua_Integer i = 1; lua_rawgeti(L, index, i) != LUA_TNIL; ++i) {
+    for (lua_Integer i = 1; lua_geti(L, index, i) != LUA_TNIL; ++i) {  // as ipairs reads it
       int isNumber = 0;
       handles.push_back(lua_tonumberx(L, -1, &isNumber));
       if (!isNumber)
@@ -44,35 +45,38 @@ std::vector<double> checkHandles(lua_State* L, int index) {
 }
 
 int expressionAnswers(lua_State* L) {
-  std::vector<double> handles = checkHandles(L, 1);
-  luaL_checktype(L, 2, LUA_TFUNCTION);
-  std::unordered_map<std::string, bool> answers;  // `test` is asked once per text
-  std::vector<bool> out(handles.size());
-  for (std::size_t i = 0; i < handles.size(); ++i) {
-    BKBlock* block = handles[i] != 0 ? BKBlock::Handle2Block(handles[i]) : nullptr;
-    if (block == nullptr) continue;
-    for (const BKPrmDesc& desc : block->getDialogInfo()) {
-      if (desc.typeCode != kNumericExpression) continue;
-      const BlockValue value = block->getProperty(desc.name);
-      const std::string* text = std::get_if<std::string>(&value);
-      if (text == nullptr) continue;
-      auto [answer, fresh] = answers.try_emplace(*text, false);
-      if (fresh) {
-        lua_pushvalue(L, 2);
-        lua_pushlstring(L, text->data(), text->size());
-        lua_call(L, 1, 1);
-        answer->second = lua_toboolean(L, -1) != 0;
-        lua_pop(L, 1);
-      }
-      if (answer->second) {
-        out[i] = true;
-        break;
+  return luaGuard(L, [](lua_State* L) {
+    std::vector<double> handles = checkHandles(L, 1);
+    luaL_checktype(L, 2, LUA_TFUNCTION);
+    std::unordered_map<std::string, bool> answers;  // `test` is asked once per text
+    std::vector<bool> out(handles.size());
+    for (std::size_t i = 0; i < handles.size(); ++i) {
+      BKBlock* block = handles[i] != 0 ? BKBlock::Handle2Block(handles[i]) : nullptr;
+      // A deleted block that an undo could bring back still resolves, outside any diagram.
+      if (block == nullptr || block->getBlockDiagram() == nullptr) continue;
+      for (const BKPrmDesc& desc : block->getDialogInfo()) {
+        if (desc.typeCode != kNumericExpression) continue;
+        const BlockValue value = block->getProperty(desc.name);
+        const std::string* text = std::get_if<std::string>(&value);
+        if (text == nullptr) continue;
+        auto [answer, fresh] = answers.try_emplace(*text, false);
+        if (fresh) {
+          lua_pushvalue(L, 2);
+          lua_pushlstring(L, text->data(), text->size());
+          lua_call(L, 1, 1);
+          answer->second = lua_toboolean(L, -1) != 0;
+          lua_pop(L, 1);
+        }
+        if (answer->second) {
+          out[i] = true;
+          break;
+        }
       }
     }
-  }
-  const std::size_t n = out.size();
-  luabridge::pushArrayUserdata(L, nxArray::logicalMatrix(1, n, std::move(out)));
-  return 1;
+    const std::size_t n = out.size();
+    luabridge::pushArrayUserdata(L, nxArray::logicalMatrix(1, n, std::move(out)));
+    return 1;
+  });
 }
 
 }  // namespace

@@ -35,6 +35,9 @@ expect.eq(row(M.findMissingVariable(i, "MV")), "1", "one handle")
 expect.eq(row(M.findMissingVariable({ p, i, 0, 0.5 }, "MV")), "0100", "a list")
 expect.eq(row(M.findMissingVariable(nx.array("double", 1, 4, { p, i, 0, 0.5 }), "MV")), "0100", "an array")
 expect.eq(row(M.findMissingVariable(nx.array("uint32", 1, 2, { 0, 7 }), "MV")), "00", "an array of integers")
+d:delete("MV/i")  -- kept for undo, so its handle still resolves, but to no diagram
+expect.eq(row(M.findMissingVariable({ i }, "MV")), "0", "a deleted block")
+d:undo()
 local asked = 0
 local answer = blockara.expressionAnswers({ i, i, p }, function(text)
   asked = asked + 1

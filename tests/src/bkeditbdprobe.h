@@ -9,7 +9,10 @@ namespace bkedittimecheck {
 struct bkEditBDProbe {
   explicit bkEditBDProbe(bkEditBD& data) : d(data) {}
 
+  // Writes here pass the list of arrivals by: fine for snapshots without a rule-auditor part
+  // that no prune sees; `replaceBlocks` lists what it puts in.
   auto& blocks() { return d.blocks; }
+  bool fewArrived() const { return d.fewArrived(); }
   // Puts `snapshots` in place of the block map, all of them as if they had just arrived.
   void replaceBlocks(std::map<double, std::shared_ptr<bkEditBlock>> snapshots) {
     d.blocks = std::move(snapshots);

@@ -92,9 +92,10 @@ TEST(ViolationDatabase, CommentMarkingPathRenamingAndDeadBlocks) {
 }  // namespace
 // The styling pass's bookkeeping, sorted at the end of a pass, against the plain reading of the
 // store: a handle waits for its clear when it is on `pendingClears`, and the touched handles are
-// those that any change named since the last take. Settles fall between changes at random.
+// those that any change named since the last take. Settles fall between changes at random. A
+// twin store takes each batch removal as single removals and must end up the same.
 TEST(ViolationDatabase, StylingBookkeepingMatchesThePlainReading) {
-  ViolationDatabase db;
+  ViolationDatabase db, twin;
   std::set<double> touched;
   unsigned seed = 7;
   const auto next = [&seed](unsigned n) {
@@ -105,18 +106,31 @@ TEST(ViolationDatabase, StylingBookkeepingMatchesThePlainReading) {
     for (int step = 0; step < 12; ++step) {
       const double h = 1 + next(20);
       const std::string check = next(2) ? "a" : "b";
-      switch (next(4)) {
+      switch (next(5)) {
         case 0:
           db.add(rec(h, check, "t", 3));
+          twin.add(rec(h, check, "t", 3));
           break;
         case 1:
           db.remove(rec(h, check, "t", 3));
+          twin.remove(rec(h, check, "t", 3));
           break;
-        case 2:
+        case 2: {  // a batch, ending with `h`
+          Handles batch;
+          for (unsigned k = next(3); k > 0; --k) batch.push_back(1 + next(20));
+          for (double b : batch) touched.insert(b);
+          batch.push_back(h);
+          db.removeEach(rec(0, check, "t", 3), batch);
+          for (double b : batch) twin.remove(rec(b, check, "t", 3));
+          break;
+        }
+        case 3:
           db.removeByCheck(h, check);
+          twin.removeByCheck(h, check);
           break;
         default:
           db.removeAll(h);
+          twin.removeAll(h);
           break;
       }
       touched.insert(h);
@@ -126,6 +140,16 @@ TEST(ViolationDatabase, StylingBookkeepingMatchesThePlainReading) {
     for (int h = 0; h <= 21; ++h) all.push_back(h);
     for (int k = 0; k < 12; ++k) all.push_back(next(22));  // out of order, with repeats
     const Handles pending = db.pendingClears();
+    ASSERT_EQ(pending, twin.pendingClears()) << "round " << round;
+    const auto records = [](const std::vector<EditTimeViolation>& list) {
+      std::vector<std::string> out;
+      for (const auto& v : list)
+        out.push_back(v.checkId + v.violationType + std::to_string(v.isCommented));
+      return out;
+    };
+    for (double h = 1; h <= 20; ++h) {
+      ASSERT_EQ(records(db.violationsOf(h)), records(twin.violationsOf(h))) << "round " << round;
+    }
     const auto facts = db.stylingFactsOf(all);
     for (std::size_t i = 0; i < all.size(); ++i) {
       const bool plain = std::find(pending.begin(), pending.end(), all[i]) != pending.end();
@@ -136,7 +160,10 @@ TEST(ViolationDatabase, StylingBookkeepingMatchesThePlainReading) {
     std::sort(taken.begin(), taken.end());
     ASSERT_EQ(taken, Handles(touched.begin(), touched.end())) << "round " << round;
     touched.clear();
-    if (next(2) == 0) db.clearPendingClears();
+    if (next(2) == 0) {
+      db.clearPendingClears();
+      twin.clearPendingClears();
+    }
   }
 }
 
