@@ -11,6 +11,18 @@ using Severity::isError;
 
 namespace {
 
+// Room for this many handles stays with a list between passes; a larger room (a scan's pass)
+// goes back.
+constexpr std::size_t kKeptRoom = 4096;
+
+void emptyKeepingModestRoom(std::vector<double>& v) {
+  if (v.capacity() > kKeptRoom) {
+    std::vector<double>().swap(v);
+  } else {
+    v.clear();
+  }
+}
+
 bool isWarning(const EditTimeViolation& v) { return v.severity == Severity::kWarning; }
 bool isErrorRecord(const EditTimeViolation& v) { return isError(v.severity); }
 
@@ -273,9 +285,11 @@ void ViolationDatabase::settle() {
 std::vector<double> ViolationDatabase::takeTouched() {
   std::lock_guard<std::mutex> lock(mutex);
   settle();
-  // Taken by swap: the room of a large pass (the initial scan touches every block) is not kept.
+  // Taken by swap. The next pass gets room for as many (growing from nothing cost a dozen
+  // reallocations an edit), but not the room of a large pass (a scan touches a whole system).
   std::vector<double> taken;
   taken.swap(touched);
+  touched.reserve(std::min(taken.size(), kKeptRoom));
   touchedSettled = 0;
   return taken;
 }
@@ -287,9 +301,8 @@ std::vector<double> ViolationDatabase::pendingClears() const {
 
 void ViolationDatabase::clearPendingClears() {
   std::lock_guard<std::mutex> lock(mutex);
-  // None keeps its room between passes.
-  std::vector<double>().swap(pendingClearList);
-  std::vector<double>().swap(pendingSorted);
+  emptyKeepingModestRoom(pendingClearList);
+  emptyKeepingModestRoom(pendingSorted);
   pendingSettled = 0;
 }
 

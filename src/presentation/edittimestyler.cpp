@@ -78,8 +78,12 @@ std::optional<EditTimeStyling::Baseline> EditTimeStyling::currentBaseline() cons
 }
 
 void EditTimeStyling::applyStyling() {
-  const std::vector<double> touched = violations.takeTouched();
-  due.insert(due.end(), touched.begin(), touched.end());
+  std::vector<double> touched = violations.takeTouched();
+  if (due.empty()) {
+    due.swap(touched);
+  } else {
+    due.insert(due.end(), touched.begin(), touched.end());
+  }
   const std::optional<Baseline> now = currentBaseline();
   const bool wholeStore = !now || !baseline || now->stylerCalls != baseline->stylerCalls ||
                           now->standing != baseline->standing;
