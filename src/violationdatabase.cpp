@@ -11,18 +11,6 @@ using Severity::isError;
 
 namespace {
 
-// Room for this many handles stays with a list between passes; a larger room (a scan's pass)
-// goes back.
-constexpr std::size_t kKeptRoom = 4096;
-
-void emptyKeepingModestRoom(std::vector<double>& v) {
-  if (v.capacity() > kKeptRoom) {
-    std::vector<double>().swap(v);
-  } else {
-    v.clear();
-  }
-}
-
 bool isWarning(const EditTimeViolation& v) { return v.severity == Severity::kWarning; }
 bool isErrorRecord(const EditTimeViolation& v) { return isError(v.severity); }
 
@@ -285,11 +273,9 @@ void ViolationDatabase::settle() {
 std::vector<double> ViolationDatabase::takeTouched() {
   std::lock_guard<std::mutex> lock(mutex);
   settle();
-  // Taken by swap. The next pass gets room for as many (growing from nothing cost a dozen
-  // reallocations an edit), but not the room of a large pass (a scan touches a whole system).
+  // Taken by swap: the room of a large pass (the initial scan touches every block) is not kept.
   std::vector<double> taken;
   taken.swap(touched);
-  touched.reserve(std::min(taken.size(), kKeptRoom));
   touchedSettled = 0;
   return taken;
 }
@@ -301,8 +287,9 @@ std::vector<double> ViolationDatabase::pendingClears() const {
 
 void ViolationDatabase::clearPendingClears() {
   std::lock_guard<std::mutex> lock(mutex);
-  emptyKeepingModestRoom(pendingClearList);
-  emptyKeepingModestRoom(pendingSorted);
+  // None keeps its room between passes.
+  std::vector<double>().swap(pendingClearList);
+  std::vector<double>().swap(pendingSorted);
   pendingSettled = 0;
 }
 

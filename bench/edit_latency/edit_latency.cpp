@@ -5,6 +5,9 @@
 //   blocks=N main_edit_us_p50=X snapshot_us_p50=X glow_us_p50=X glow_us_p99=X handoff_us_p50=X
 //   recheck_ratio=X scan_ms=X max_slice_ms=X idle_cpu_pct=X engine_bytes_per_block=X
 //   host_bytes_per_block=X
+// Before it, `edits=N heap_growth_bytes=X engine_bytes=X kept_blocks=N`: what the heap grew by over
+// the edits, and the engine's whole heap with the number of blocks it keeps between passes (runs
+// with different --routing give the cost of one kept block apart from the diagram's fixed part).
 // Options: --blocks N (default 100000), --edits N (default 1000), --idle-seconds S (default 10),
 // --routing N (Goto/From pairs in each leaf, default 5; 0 shows the engine's cost without kept
 // blocks).
@@ -234,7 +237,8 @@ int run(int blocks, int routingPairs, int edits, int idleSeconds) {
   // Every edit above was undone by the next, so the engine should hold what it held after the scan.
   lua_gc(lua.state(), LUA_GCCOLLECT);
   const double heapGrowth = static_cast<double>(heapInUse()) - static_cast<double>(heapBeforeEngine + engineBytes);
-  std::printf("edits=%d heap_growth_bytes=%.0f\n", edits, heapGrowth);
+  std::printf("edits=%d heap_growth_bytes=%.0f engine_bytes=%zu kept_blocks=%zu\n", edits,
+              heapGrowth, engineBytes, keptBlocks);
 
   // The snapshot of one block with its rule-tool part.
   std::vector<double> snapshot;
