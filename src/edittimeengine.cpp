@@ -104,6 +104,9 @@ void EditTimeEngine::processBatchOfEvents(const PluginChangeReport& report, int 
   Profiler profiler("ENGINE", "PROCESSBATCHOFEVENTS");
   std::shared_ptr<bkEditBD> keep = data;
   refreshVisibleGraphs();
+  if (kind == EditTimeEvent::kBlocksAdded || kind == EditTimeEvent::kBlocksChanged) {
+    noteRenamedSubsystemsFirst(report);
+  }
   switch (kind) {
     case EditTimeEvent::kBlocksAdded:
       for (double handle : report.added) processChangedBlock(handle2Block(handle), kind);
@@ -134,6 +137,17 @@ void EditTimeEngine::processBatchOfEvents(const PluginChangeReport& report, int 
       return;
   }
   algorithmTable.runEvent(kind, hasVariants());
+}
+
+void EditTimeEngine::noteRenamedSubsystemsFirst(const PluginChangeReport& report) {
+  // The host reports a batch's renames after its additions and changes, yet every snapshot of
+  // the batch is taken after the renames happened. Noted later, a rename would reach the worker
+  // after those snapshots and move them a second time (a block added at a renamed subsystem's
+  // old path would take the new one). The rename signal then notes each path unchanged.
+  for (double handle : report.renamed) {
+    BKBlock* block = handle2Block(handle);
+    if (block && block->getTypeCode() == BlockKind::kSubSystem) data->noteSubsystemRename(block);
+  }
 }
 
 void EditTimeEngine::commentStatusChanged(BKBlock* block) {

@@ -168,6 +168,8 @@ class EditTimeEngine : public Blockara::connections::Listener {
 
  private:
   bool hasVariants() const;
+  // Notes the subsystem renames of `report` before the batch's snapshots are taken.
+  void noteRenamedSubsystemsFirst(const PluginChangeReport& report);
   // Takes every "Error" and "Warn" off: a variant subsystem came or went.
   void clearErrorsAndWarnings();
   void scanDiagram();

@@ -308,9 +308,9 @@ class OracleTest : public RoadFixture {
 
 // Seeds of sequences that once disagreed with a fresh engine.
 TEST_F(OracleTest, RegressionSeeds) {
-  for (unsigned long seed : {21, 129, 522, 652, 1015, 1444, 1591, 4255, 4984, 7678, 8331,
-                             14095, 20312, 25836, 54958, 65228, 88871, 126302, 203707, 254114,
-                             339049}) {
+  for (unsigned long seed :
+       {21,    129,   522,   652,   1015,  1444,  1591,   4255,   4984,   7678,   8331,
+        14095, 20312, 25836, 54958, 65228, 88871, 126302, 203707, 254114, 339049, 410596}) {
     run(seed);
   }
 }
