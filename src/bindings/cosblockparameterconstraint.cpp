@@ -6,6 +6,7 @@
 
 #include "host/language/cosvalue.h"
 #include "src/bindings/constraintvalueprop.h"
+#include "src/bindings/cosconcreteclass.h"
 #include "src/bindings/cosconstraintclasses.h"
 #include "src/constraints/blockparameterconstraint.h"
 
@@ -15,8 +16,6 @@ namespace {
 
 using ncos::factory::ClassGetter;
 using ncos::factory::ClassSetter;
-using ncos::factory::makeMethodImpl;
-using Invoker = ncos::factory::impl::Invoker;
 using Text = ncos::factory::PropertyImpl<BlockParameterConstraint, std::string>;
 using Getter = ClassGetter<BlockParameterConstraint, std::string>;
 using Setter = ClassSetter<BlockParameterConstraint, std::string>;
@@ -33,22 +32,12 @@ void setCurrentText(BlockParameterConstraint* self, const std::string& text) {
   self->setCurrentValue(ParameterValue(text));
 }
 
-template <class Native>
-void addValue(Native* self, nxArrayProxy value) {
-  self->addToCosConstraintValueVector(std::move(value));
-}
-
-// The members of a concrete class: constructor, value property and adding method.
 template <class Native, class ValueProp>
 void populateConcrete(ncos::factory::NcosFactoryClassInfo& info, const char* className,
                       const char* valueProperty, const char* addingMethod) {
-  ncos::factory::detail::initStringDataTypes();
-  info.addSuperclass(ncos::COSNameID(kBlockParameterConstraintClass), 1, 0, 1);
-  info.addConstructor(ncos::factory::makeConstructor<Native>(className));
-  info.addProperty(std::make_unique<ValueProp>(valueProperty, 0));
-  const auto signature = Invoker::createSignature("void", nullptr, {className, "any"});
-  info.addMethod(addingMethod, detail::hiddenStaticMethod(), signature,
-                 makeMethodImpl(signature, &addValue<Native>));
+  detail::populateConcreteClass<Native, ValueProp>(info, kBlockParameterConstraintClass, className,
+                                                   valueProperty, addingMethod, "any",
+                                                   &detail::addCosValue<Native>);
 }
 
 }  // namespace

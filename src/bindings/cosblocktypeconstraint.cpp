@@ -4,6 +4,7 @@
 
 #include "host/language/cosvalue.h"
 #include "src/bindings/constraintvalueprop.h"
+#include "src/bindings/cosconcreteclass.h"
 #include "src/bindings/cosconstraintclasses.h"
 #include "src/constraints/blocktypeconstraint.h"
 
@@ -27,13 +28,9 @@ void addBlockType(Native* self, std::string blockType) {
 template <class Native, class ValueProp>
 void populateConcrete(ncos::factory::NcosFactoryClassInfo& info, const char* className,
                       const char* valueProperty, const char* addingMethod) {
-  ncos::factory::detail::initStringDataTypes();
-  info.addSuperclass(ncos::COSNameID(kBlockTypeConstraintClass), 1, 0, 1);
-  info.addConstructor(ncos::factory::makeConstructor<Native>(className));
-  info.addProperty(std::make_unique<ValueProp>(valueProperty, 0));
-  const auto signature = Invoker::createSignature("void", nullptr, {className, "char"});
-  info.addMethod(addingMethod, detail::hiddenStaticMethod(), signature,
-                 makeMethodImpl(signature, &addBlockType<Native>));
+  detail::populateConcreteClass<Native, ValueProp>(info, kBlockTypeConstraintClass, className,
+                                                   valueProperty, addingMethod, "char",
+                                                   &addBlockType<Native>);
 }
 
 }  // namespace

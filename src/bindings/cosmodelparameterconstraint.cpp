@@ -4,6 +4,7 @@
 
 #include "host/language/cosvalue.h"
 #include "src/bindings/constraintvalueprop.h"
+#include "src/bindings/cosconcreteclass.h"
 #include "src/bindings/cosconstraintclasses.h"
 #include "src/constraints/constraintvaluearray.h"
 #include "src/constraints/modelparameterconstraint.h"
@@ -37,21 +38,12 @@ void setCurrentArray(ModelParameterConstraint* self, const nxArray& value) {
   }
 }
 
-template <class Native>
-void addValue(Native* self, nxArrayProxy value) {
-  self->addToCosConstraintValueVector(std::move(value));
-}
-
 template <class Native, class ValueProp>
 void populateConcrete(ncos::factory::NcosFactoryClassInfo& info, const char* className,
                       const char* valueProperty, const char* addingMethod) {
-  ncos::factory::detail::initStringDataTypes();
-  info.addSuperclass(ncos::COSNameID(kModelParameterConstraintClass), 1, 0, 1);
-  info.addConstructor(ncos::factory::makeConstructor<Native>(className));
-  info.addProperty(std::make_unique<ValueProp>(valueProperty, 0));
-  const auto signature = Invoker::createSignature("void", nullptr, {className, "any"});
-  info.addMethod(addingMethod, detail::hiddenStaticMethod(), signature,
-                 makeMethodImpl(signature, &addValue<Native>));
+  detail::populateConcreteClass<Native, ValueProp>(info, kModelParameterConstraintClass, className,
+                                                   valueProperty, addingMethod, "any",
+                                                   &detail::addCosValue<Native>);
 }
 
 }  // namespace

@@ -33,7 +33,7 @@ void BlockParameterConstraint::setCurrentValue(std::shared_ptr<bkEditBlock> bloc
   refresh();
   const std::map<std::string, ParameterValue> captured = block->getCapturedParameterValues();
   if (captured.empty()) return;
-  auto found = captured.find(ParameterName);
+  auto found = captured.find(getParameterName());
   if (found != captured.end()) CurrentValue = found->second;
 }
 
@@ -69,47 +69,20 @@ bool BlockParameterConstraint::isValidConstraintValue(
 void BlockParameterConstraint::setCosBlockType(std::string type) {
   if (!isValidBlock(type)) return;
   BlockType = type;
-  if (!ParameterName.empty() && !isValidParameter(ParameterName)) {
+  if (!getParameterName().empty() && !isValidParameter(getParameterName())) {
     BlockType.clear();
-    throw InvalidBlockParameterName(ParameterName, type);
+    throw InvalidBlockParameterName(getParameterName(), type);
   }
 }
 
 void BlockParameterConstraint::setCosParameterName(std::string name) {
   if (!isValidParameter(name)) throw InvalidBlockParameterName(name, BlockType);
-  ParameterName = std::move(name);
+  setParameterName(std::move(name));
 }
 
 void BlockParameterConstraint::setCosValueOperator(std::string op) {
-  checkOperatorAgainstCount(op, constraintValues.size());
-  ValueOperator = std::move(op);
-}
-
-void BlockParameterConstraint::setCosConstraintValue(nxArrayProxy values) {
-  constraintValues.clear();
-  const nxArray& array = values.array();
-  if (array.isEmpty()) return;
-  bool isRow = false;
-  const std::size_t count = cellVectorLength(array, isRow);
-  setIsConstraintValueRowVector(isRow);
-  if (!ValueOperator.empty()) checkOperatorAgainstCount(ValueOperator, count);
-  std::vector<ConstraintValue> converted;
-  for (std::size_t i = 0; i < array.numel(); ++i) {
-    if (auto item = constraintValueFromArray(array.getCell(i), ParameterDataType)) {
-      converted.push_back(std::move(*item));
-    }
-  }
-  constraintValues = std::move(converted);
-}
-
-void BlockParameterConstraint::addToCosConstraintValueVector(nxArrayProxy value) {
-  if (auto item = constraintValueFromArray(value.array(), ParameterDataType)) {
-    constraintValues.push_back(std::move(*item));
-  }
-}
-
-nxArrayProxy BlockParameterConstraint::getCosConstraintValue() const {
-  return constraintValuesToArray(constraintValues, ParameterDataType, IsConstraintValueRowVector());
+  checkOperatorAgainstCount(op, getConstraintValue().size());
+  setValueOperator(std::move(op));
 }
 
 void BlockParameterConstraint::readNode(const boost::property_tree::ptree& tree,
@@ -124,12 +97,7 @@ PositiveBlockParameterConstraint::PositiveBlockParameterConstraint(
   readNode(tree, id);
 }
 
-bool PositiveBlockParameterConstraint::check() {
-  setWasChecked(true);
-  setStatus(matchesConstraintValues(getCurrentValue(), getConstraintValue(), getValueOperator(),
-                                    getParameterDataType()));
-  return getStatus();
-}
+bool PositiveBlockParameterConstraint::check() { return judge(getCurrentValue(), true); }
 
 void PositiveBlockParameterConstraint::scanDOMNode(boost::property_tree::ptree tree) {
   scanParameterConstraintNode(*this, tree);
@@ -148,12 +116,7 @@ NegativeBlockParameterConstraint::NegativeBlockParameterConstraint(
   readNode(tree, id);
 }
 
-bool NegativeBlockParameterConstraint::check() {
-  setWasChecked(true);
-  setStatus(!matchesConstraintValues(getCurrentValue(), getConstraintValue(), getValueOperator(),
-                                     getParameterDataType()));
-  return getStatus();
-}
+bool NegativeBlockParameterConstraint::check() { return judge(getCurrentValue(), false); }
 
 void NegativeBlockParameterConstraint::scanDOMNode(boost::property_tree::ptree tree) {
   scanParameterConstraintNode(*this, tree);

@@ -43,32 +43,22 @@ void refreshOne(BKRootBD* diagram, const ConfigSet& set, ModelParameterConstrain
 }  // namespace
 
 ModelParameterConstraint::ModelParameterConstraint(const ModelParameterConstraint& other)
-    : Constraint(other),
-      ParameterName(other.ParameterName),
+    : ParameterValueConstraint(other),
       CurrentValue(other.getCurrentValue()),
-      FixValue(other.FixValue),
-      ValueOperator(other.ValueOperator),
-      constraintValues(other.constraintValues),
       reservedFlagA(other.reservedFlagA),
-      reservedFlagB(other.reservedFlagB),
-      ParameterDataType(other.ParameterDataType) {}
+      reservedFlagB(other.reservedFlagB) {}
 
 ModelParameterConstraint& ModelParameterConstraint::operator=(
     const ModelParameterConstraint& other) {
   if (this == &other) return *this;
-  Constraint::operator=(other);
-  ParameterName = other.ParameterName;
+  ParameterValueConstraint::operator=(other);
   ParameterValue value = other.getCurrentValue();
   {
     std::lock_guard<std::mutex> lock(currentValueMutex);
     CurrentValue = std::move(value);
   }
-  FixValue = other.FixValue;
-  ValueOperator = other.ValueOperator;
-  constraintValues = other.constraintValues;
   reservedFlagA = other.reservedFlagA;
   reservedFlagB = other.reservedFlagB;
-  ParameterDataType = other.ParameterDataType;
   return *this;
 }
 
@@ -85,45 +75,13 @@ void ModelParameterConstraint::setCurrentValue(ParameterValue value) {
 
 void ModelParameterConstraint::setCurrentValue(std::shared_ptr<bkEditBlock> /*block*/) {}
 
-void ModelParameterConstraint::setCosConstraintValue(nxArrayProxy values) {
-  constraintValues.clear();
-  const nxArray& array = values.array();
-  if (array.isEmpty()) return;
-  bool isRow = false;
-  const std::size_t count = cellVectorLength(array, isRow);
-  setIsConstraintValueRowVector(isRow);
-  if (!ValueOperator.empty()) checkOperatorAgainstCount(ValueOperator, count);
-  std::vector<ConstraintValue> converted;
-  for (std::size_t i = 0; i < array.numel(); ++i) {
-    if (auto item = constraintValueFromArray(array.getCell(i), ParameterDataType)) {
-      converted.push_back(std::move(*item));
-    }
-  }
-  constraintValues = std::move(converted);
-}
-
-void ModelParameterConstraint::addToCosConstraintValueVector(nxArrayProxy value) {
-  if (auto item = constraintValueFromArray(value.array(), ParameterDataType)) {
-    constraintValues.push_back(std::move(*item));
-  }
-}
-
-nxArrayProxy ModelParameterConstraint::getCosConstraintValue() const {
-  return constraintValuesToArray(constraintValues, ParameterDataType, IsConstraintValueRowVector());
-}
-
 PositiveModelParameterConstraint::PositiveModelParameterConstraint(
     const boost::property_tree::ptree& tree, const std::string& id) {
   setID(id);
   scanDOMNode(tree);
 }
 
-bool PositiveModelParameterConstraint::check() {
-  setWasChecked(true);
-  setStatus(matchesConstraintValues(getCurrentValue(), getConstraintValue(), getValueOperator(),
-                                    getParameterDataType()));
-  return getStatus();
-}
+bool PositiveModelParameterConstraint::check() { return judge(getCurrentValue(), true); }
 
 void PositiveModelParameterConstraint::scanDOMNode(boost::property_tree::ptree tree) {
   scanParameterConstraintNode(*this, tree);
@@ -143,12 +101,7 @@ NegativeModelParameterConstraint::NegativeModelParameterConstraint(
   scanDOMNode(tree);
 }
 
-bool NegativeModelParameterConstraint::check() {
-  setWasChecked(true);
-  setStatus(!matchesConstraintValues(getCurrentValue(), getConstraintValue(), getValueOperator(),
-                                     getParameterDataType()));
-  return getStatus();
-}
+bool NegativeModelParameterConstraint::check() { return judge(getCurrentValue(), false); }
 
 void NegativeModelParameterConstraint::scanDOMNode(boost::property_tree::ptree tree) {
   scanParameterConstraintNode(*this, tree);

@@ -7,10 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/language/nxarray.h"
-#include "src/constraints/constraint.h"
-#include "src/constraints/constraintvalue.h"
-#include "src/constraints/parametervalue.h"
+#include "src/constraints/parametervalueconstraint.h"
 
 class BKRootBD;
 
@@ -25,38 +22,14 @@ namespace bkedittimecheck {
 /// main thread), also while a run on the worker reads it: `currentValueMutex` guards
 /// `CurrentValue`, held only for a copy in or out, so that the worker judges either the old or
 /// the new value and a refresh always makes it judge again.
-class ModelParameterConstraint : public Constraint {
+class ModelParameterConstraint : public ParameterValueConstraint {
  public:
-  const std::string& getParameterName() const { return ParameterName; }
-  void setParameterName(std::string name) { ParameterName = std::move(name); }
-  const std::string& getValueOperator() const { return ValueOperator; }
-  void setValueOperator(std::string op) { ValueOperator = std::move(op); }
-  const std::string& getParameterDataType() const { return ParameterDataType; }
-  void setParameterDataType(std::string type) { ParameterDataType = std::move(type); }
-  const std::string& getFixValue() const { return FixValue; }
-  void setFixValue(std::string value) { FixValue = std::move(value); }
-
-  const std::vector<ConstraintValue>& getConstraintValue() const { return constraintValues; }
-  void setConstraintValue(std::vector<ConstraintValue> values) {
-    constraintValues = std::move(values);
-  }
-  void addToConstraintValueVector(ConstraintValue value) {
-    constraintValues.push_back(std::move(value));
-  }
-  void clearConstraintValues() { constraintValues.clear(); }
-
   /// A copy of the value under judgement.
   ParameterValue getCurrentValue() const;
   /// Refreshes, then stores the model parameter's value.
   void setCurrentValue(ParameterValue value);
   /// Does nothing: the value is the model's, and the verdict is reused until it is read again.
   void setCurrentValue(std::shared_ptr<bkEditBlock> block) override;
-
-  // The host-language forms; as those of BlockParameterConstraint, with the same errors.
-  void setCosConstraintValue(nxArrayProxy values);
-  void addToCosConstraintValueVector(nxArrayProxy value);
-  nxArrayProxy getCosConstraintValue() const;
-  void cosCheck() { check(); }
 
  protected:
   ModelParameterConstraint() = default;
@@ -65,16 +38,11 @@ class ModelParameterConstraint : public Constraint {
   ModelParameterConstraint& operator=(const ModelParameterConstraint& other);
 
  private:
-  std::string ParameterName;
   mutable std::mutex currentValueMutex;
   ParameterValue CurrentValue;  // guarded by currentValueMutex
-  std::string FixValue;         // carried and shown, never compared
-  std::string ValueOperator = "or";
-  std::vector<ConstraintValue> constraintValues;  // the field `ConstraintValue`
   // Two flags that travel with the object and that no operation reads.
   bool reservedFlagA = false;
   bool reservedFlagB = true;
-  std::string ParameterDataType = "string";
 };
 
 /// The model parameter's value must match the constraint values.

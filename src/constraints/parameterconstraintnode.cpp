@@ -19,4 +19,24 @@ ConstraintValue constraintValueFromNode(const boost::property_tree::ptree& value
   return ConstraintValue(value.data());
 }
 
+void scanParameterConstraintNode(ParameterValueConstraint& constraint,
+                                 const boost::property_tree::ptree& tree) {
+  for (const auto& [name, child] : tree) {
+    if (name == "parameter") {
+      constraint.setParameterName(child.data());
+      const std::string type = child.get<std::string>("<xmlattr>.type", "");
+      constraint.setParameterDataType(type.empty() ? "string" : type);
+    } else if (name == "value") {
+      constraint.addToConstraintValueVector(
+          constraintValueFromNode(child, constraint.getParameterDataType()));
+    } else if (name == "operator") {
+      constraint.setValueOperator(child.data().empty() ? "or" : child.data());
+    } else if (name == "fixvalue") {
+      constraint.setFixValue(child.data());
+    } else if (name == "dependson") {
+      constraint.addPreRequisiteConstraintID(child.data());
+    }
+  }
+}
+
 }  // namespace bkedittimecheck
