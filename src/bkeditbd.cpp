@@ -438,6 +438,13 @@ void bkEditBD::processChanges(ViolationDatabase* violations) {
     // for good (routing blocks stay across passes); one queued after it (an undo) is the block.
     const auto deleted = deletedAt.find(changed->getBlockHandle());
     if (deleted != deletedAt.end() && queued.deletionsBefore < deleted->second) continue;
+    // A snapshot pushed after this pass drained the renames shows renames this pass has not
+    // taken: they are taken now, or the next pass would apply them to it a second time.
+    while (renamesTaken < queued.renamesBefore && subsysNameChanges.try_pop(nameChange)) {
+      renameBlocks(nameChange.oldPath, nameChange.newPath);
+      renames.push_back(std::move(nameChange));
+      ++renamesTaken;
+    }
     // Likewise a snapshot queued before a subsystem above it was renamed takes the new path.
     for (std::size_t i = 0; i < renames.size(); ++i) {
       if (renamesTaken - renames.size() + i < queued.renamesBefore) continue;

@@ -104,9 +104,7 @@ void EditTimeEngine::processBatchOfEvents(const PluginChangeReport& report, int 
   Profiler profiler("ENGINE", "PROCESSBATCHOFEVENTS");
   std::shared_ptr<bkEditBD> keep = data;
   refreshVisibleGraphs();
-  if (kind == EditTimeEvent::kBlocksAdded || kind == EditTimeEvent::kBlocksChanged) {
-    noteRenamedSubsystemsFirst(report);
-  }
+  noteRenamedSubsystemsFirst(report);
   switch (kind) {
     case EditTimeEvent::kBlocksAdded:
       for (double handle : report.added) processChangedBlock(handle2Block(handle), kind);
@@ -140,10 +138,12 @@ void EditTimeEngine::processBatchOfEvents(const PluginChangeReport& report, int 
 }
 
 void EditTimeEngine::noteRenamedSubsystemsFirst(const PluginChangeReport& report) {
-  // The host reports a batch's renames after its additions and changes, yet every snapshot of
-  // the batch is taken after the renames happened. Noted later, a rename would reach the worker
-  // after those snapshots and move them a second time (a block added at a renamed subsystem's
-  // old path would take the new one). The rename signal then notes each path unchanged.
+  // Every snapshot of a batch is taken after all of its renames happened, but the host reports
+  // the renames last, and the renamed blocks themselves in handle order. Noted only where they
+  // are reported, a subsystem's rename would reach the worker after snapshots that already show
+  // it and move them a second time (a block added at the subsystem's old path, or an older block
+  // moved into it, would land under a wrong path). Noted first at every signal of the batch,
+  // each later noting finds the path unchanged.
   for (double handle : report.renamed) {
     BKBlock* block = handle2Block(handle);
     if (block && block->getTypeCode() == BlockKind::kSubSystem) data->noteSubsystemRename(block);
