@@ -81,15 +81,5 @@ TEST(FindingsTest, SarifResultsPointIntoTheSourceRootOrAtAnAbsoluteFile) {
             "2026-11-23T08:48:02.125Z");
 }
 
-TEST(FindingsTest, CategoriesFollowSeverities) {
-  std::string categories;
-  for (unsigned severity = 0; severity <= 5; ++severity) {
-    const std::string category = categoryOfSeverity(severity);
-    categories += category + (isErrorCategory(category) ? "! " : " ");
-  }
-  EXPECT_EQ(categories, "EDITTIME_WARNING EDITTIME_ERROR! EDITTIME_WARNING RAWARNING RAERROR! "
-                        "EDITTIME_WARNING ");
-}
-
 }  // namespace
 }  // namespace blockara::app

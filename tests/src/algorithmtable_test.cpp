@@ -37,38 +37,6 @@ class AlgorithmTableTest : public RoadFixture {
   }
 };
 
-TEST_F(AlgorithmTableTest, FixedOrderWithTheRepeatedFour) {
-  std::string checks;
-  for (const char* id : {"orvanta.kabe.kb_0401", "orvanta.kabe.kb_0402", "orvanta.kabe.kb_0403",
-                         "orvanta.kabe.kb_0404", "orvanta.kabe.kb_0405", "orvanta.kabe.kb_0406",
-                         "orvanta.kabe.kb_0407", "orvanta.kabe.kb_0408",
-                         "orvanta.codegen.PCGSupport", "orvanta.codegen.BlockNames",
-                         "orvanta.bkci.UnsupportedBlocks"})
-    checks += check(id);
-  writeCustomization(checks);
-  BKRootBD* d = openAuditor(u"m");
-  ASSERT_TRUE(settle());
-  // The check IDs of the last table handed to the worker.
-  AlgorithmTable& table = engineOf(u"m")->getAlgorithmTable();
-  Lines ids;
-  table.setEventObserver([&](int, bool, std::size_t) {
-    ids.clear();
-    for (const auto& algorithm : table.pendingAlgorithms) ids.push_back(algorithm->getCheckId());
-  });
-  place(d, u"m", "Gain", u"g");
-  ASSERT_TRUE(settle());
-  EXPECT_EQ(ids, (Lines{"internal.RemoveBlock", "internal.DBsetup", "BlockMissingVariable",
-                        "orvanta.kabe.kb_0401", "orvanta.kabe.kb_0407", "orvanta.kabe.kb_0408",
-                        "orvanta.kabe.kb_0402", "orvanta.kabe.kb_0405", "orvanta.kabe.kb_0404",
-                        "orvanta.kabe.kb_0403", "orvanta.kabe.kb_0406", "orvanta.kabe.kb_0404",
-                        "orvanta.kabe.kb_0405", "orvanta.kabe.kb_0403", "orvanta.kabe.kb_0406",
-                        "orvanta.codegen.PCGSupport", "orvanta.codegen.BlockNames",
-                        "orvanta.bkci.UnsupportedBlocks", "orvanta.blockara.GoToFromBlockMismatch",
-                        "orvanta.blockara.DataStoreUsage",
-                        "orvanta.blockara.StateAccessorPathViolation",
-                        "orvanta.blockara.BlockaraStatePortMapping"}));
-}
-
 TEST_F(AlgorithmTableTest, QueuedChecksAndPassesAreCountedAndEachPassIsStyledOnce) {
   writeCustomization(check("orvanta.kabe.kb_0404") + check("orvanta.kabe.kb_0401"));
   BKRootBD* d = openAuditor(u"m");

@@ -31,7 +31,6 @@ struct bkEditBDProbe {
   auto& auditorPathsDone() { return d.auditorPathsDone; }
   auto& handleToSubsystem() { return d.handleToSubsystem; }
   bool initialScanDone() const { return d.initialScanDone; }
-  bool tooManyRoutingBlocks() const { return d.tooManyRoutingBlocks.load(); }
   // Forgets the routing blocks counted so far, so that the Goto/From check runs again.
   void resetRoutingCount() {
     d.routingBlockCount = 0;

@@ -66,21 +66,6 @@ TEST_F(EngineBatchTest, ChangedBlocksAreTakenWhenRoutingOrOnView) {
   EXPECT_EQ(takeChanged(*data), (Names{"offView"}));
 }
 
-TEST_F(EngineBatchTest, RoutingBlocksAreAlwaysTakenUpToTheThousandth) {
-  {
-    blockara::EditBatch batch(*d);
-    for (int i = 0; i < 1001; ++i)
-      e().addBlock(u"m", "Goto", i18n::to_u16string("g" + std::to_string(i)));
-  }
-  const Names taken = takeChanged(*data);
-  ASSERT_EQ(taken.size(), 1000u);
-  EXPECT_EQ(taken.back(), "g999");
-  EXPECT_TRUE(probe().tooManyRoutingBlocks());
-  // Past the limit a Goto is an ordinary block: taken on a change only when on view.
-  e().setProperties(u"m/g1000", {{"GotoTag", std::string("Z")}});
-  EXPECT_EQ(takeChanged(*data), (Names{"g1000"}));
-}
-
 TEST_F(EngineBatchTest, DeletedBlocksAndVariantSubsystems) {
   const double gain = e().addBlock(u"m", "Gain", u"g")->getHandle();
   e().addBlock(u"m", "SubSystem", u"v", {{"Variant", std::string("on")}});

@@ -20,19 +20,6 @@ class LuaNcosTest : public LuaFixture {
   }
 };
 
-TEST_F(LuaNcosTest, ConstructorsAreChosenByArgumentsAndAnnounceTheirObjects) {
-  auto before = ncos::BindingRegistry::instance().announcedCount();
-  EXPECT_EQ(run(R"(
-    local plain, named = Test.pkg.Gadget(), Test.pkg.Gadget("bolt")
-    assert(plain.Name == "" and named.Name == "named:bolt")
-    assert(tostring(named) == "Test.pkg.Gadget object" and named ~= plain and named == named)
-    assert(tostring(Test.pkg.Gadget) == "class Test.pkg.Gadget")
-    assert(Test.pkg.Gadget.name == "Test.pkg.Gadget")
-  )"),
-            "");
-  EXPECT_EQ(ncos::BindingRegistry::instance().announcedCount(), before + 2);
-}
-
 // Overloads are tried own class first, then superclasses; properties of every form read, write
 // and refuse wrong values; static and instance calls are kept apart. Each part makes its own
 // objects.

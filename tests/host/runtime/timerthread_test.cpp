@@ -88,21 +88,6 @@ TEST(TimerThreadTest, ManualModeTicksOnlyWhenAskedOnItsOwnThreadAndSurvivesAFail
   EXPECT_EQ(failing.tickCount(), 2u);
 }
 
-TEST(TimerThreadTest, HostSettingsChooseTheModeAndBadArgumentsAreRejected) {
-  EXPECT_EQ(TimerThread::defaultMode(), TimerThread::periodic);
-  TimerThread::setDefaultMode(TimerThread::manual);
-  TimerThread::setPeriodUnit(std::chrono::milliseconds(2));
-  RecordingTimer timer(TimerThread::hostDefault, 1.5);
-  EXPECT_EQ(timer.mode(), TimerThread::manual);
-  EXPECT_EQ(timer.interval(), std::chrono::microseconds(3000));
-
-  for (auto [mode, period] :
-       {std::pair{7, 1.0}, {TimerThread::periodic, 0.0}, {TimerThread::periodic, -1.0}})
-    EXPECT_THROW(RecordingTimer(mode, period), std::invalid_argument) << mode << " " << period;
-  EXPECT_THROW(TimerThread::setPeriodUnit(std::chrono::nanoseconds(0)), std::invalid_argument);
-  EXPECT_THROW(TimerThread::setDefaultMode(TimerThread::hostDefault), std::invalid_argument);
-}
-
 // Driving a manual worker to quiescence is what every engine fixture does; here, the busy checks.
 TEST(TimerThreadTest, RunUntilQuietGivesUpWithTheReasonsOfWorkThatNeverSettles) {
   EventLoop& loop = EventLoop::instance();

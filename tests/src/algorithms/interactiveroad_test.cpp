@@ -110,20 +110,6 @@ TEST_F(InteractiveRoad, MissingVariableFailuresChangeNothingAndTheNextBatchAsksA
   EXPECT_EQ(all(), (Lines{"h|BlockEditTimeMissingParams|1"}));
 }
 
-// Failed and short answers of the port mapping are the host-fault scenario's; here an answer
-// whose data fits no port's direction.
-TEST_F(InteractiveRoad, AChartMappingWhoseScopeFitsNoPortMismapsIt) {
-  chart({{"Inport", u"a"}, {"Outport", u"b"}});
-  ASSERT_TRUE(settle());
-  runLua("package.loaded['Chartelle.BKINCE.BlockaraMan'] = { getPortMappingInfo = function(h) "
-         "return nx.array('struct', 1, 2, { { dataName = 'a' }, "
-         "{ dataName = 'b', dataScope = 'output' } }) end }");
-  // A change of the state takes its snapshot, and so its table, again.
-  d->editing().setProperties(u"m/ch/st", {{"StateData", kDeclared}});
-  ASSERT_TRUE(settle());
-  EXPECT_EQ(all(), Lines{"ch/st/a|BlockaraStateMismappedPort|1"});
-}
-
 TEST_F(InteractiveRoad, OnlyPortsOfAChartStateAreAlwaysTakenAndARefreshWalksTheStates) {
   chart({});
   d->editing().addBlock(u"m/ch", "SubSystem", u"st2", {{"SubsystemType", std::string("8")}});

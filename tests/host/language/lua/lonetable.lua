@@ -1,1 +1,0 @@
-return { lonetable = function(x) return "table:" .. x end }

@@ -1,1 +1,0 @@
-return { run = function(x) return "init:" .. x end }
