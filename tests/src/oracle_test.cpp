@@ -183,6 +183,17 @@ class OracleTest : public RoadFixture {
           if (ownsStateAtOrBelow(at)) {
             historyBound.insert("orvanta.blockara.StateAccessorPathViolation");
           }
+          // An accessor's relative owner ("../u") is made absolute when it is snapshotted; one
+          // whose system is renamed or moved keeps that owner, where a fresh engine resolves the
+          // relative path from the accessor's new place.
+          if (std::any_of(blocks.begin(), blocks.end(), [&](const BKBlock* o) {
+                const std::u16string type = o->getTypeName();
+                return (type == u"StateReader" || type == u"StateWriter") &&
+                       o->getFullPath(false).starts_with(at + u"/") &&
+                       o->getParamText("StateOwnerBlock").starts_with("../");
+              })) {
+            historyBound.insert("orvanta.blockara.StateAccessorPathViolation");
+          }
           if (commented(b) && (b->getTypeName() == u"SubSystem" || b->getTypeName() == u"Chart")) {
             commentedSystemMoved = true;
             // The same in the other order: commented, then moved out from under the comment.
