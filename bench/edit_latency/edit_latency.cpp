@@ -7,7 +7,9 @@
 //   host_bytes_per_block=X
 // Before it, `edits=N heap_growth_bytes=X engine_bytes=X kept_blocks=N`: what the heap grew by over
 // the edits, and the engine's whole heap with the number of blocks it keeps between passes (runs
-// with different --routing give the cost of one kept block apart from the diagram's fixed part).
+// with different --routing give the cost of one kept block apart from the diagram's fixed part);
+// then `handoff_after_work_us_p50=X`: the bare hand-off when the waking thread was busy and the
+// woken one idle, as each of the road's hand-offs is.
 // Options: --blocks N (default 100000), --edits N (default 1000), --idle-seconds S (default 10),
 // --routing N (Goto/From pairs in each leaf, default 5; 0 shows the engine's cost without kept
 // blocks).
@@ -145,8 +147,10 @@ double pumpUntil(Done done) {
   return longest;
 }
 
-// A bare hand-off: wake a thread through a condition variable and wait for its answer.
-double handoffMicros(int rounds) {
+// A bare hand-off: wake a thread through a condition variable and wait for its answer. With
+// `busyMicros` this thread works that long before each round while the other one sleeps, as on
+// the edit road, where a busy thread (the edit, the pass) wakes one that has been idle.
+double handoffMicros(int rounds, int busyMicros = 0) {
   std::mutex mutex;
   std::condition_variable cv;
   int asked = 0, answered = 0;
@@ -160,6 +164,9 @@ double handoffMicros(int rounds) {
   });
   std::vector<double> times;
   for (int i = 1; i <= rounds; ++i) {
+    const auto busyUntil = Clock::now() + std::chrono::microseconds(busyMicros);
+    while (Clock::now() < busyUntil) {
+    }
     const auto start = Clock::now();
     std::unique_lock lock(mutex);
     asked = i;
@@ -281,13 +288,16 @@ int run(int blocks, int routingPairs, int edits, int idleSeconds) {
   const double idlePct = idleSeconds > 0 ? 100 * (cpuSeconds() - cpuBefore) / idleSeconds : 0;
 
   const double glowP50 = percentile(glow, 0.5);
+  // The plain hand-off first: busy work just before it slows it on some machines.
+  const double handoff = handoffMicros(1000);
+  std::printf("handoff_after_work_us_p50=%.1f\n", handoffMicros(1000, 100));
   std::printf(
       "blocks=%zu main_edit_us_p50=%.1f snapshot_us_p50=%.2f glow_us_p50=%.0f glow_us_p99=%.0f "
       "handoff_us_p50=%.1f recheck_ratio=%.0f scan_ms=%.0f max_slice_ms=%.1f idle_cpu_pct=%.2f "
       "engine_bytes_per_block=%.0f host_bytes_per_block=%.0f\n",
       hostBlocks, percentile(mainEdit, 0.5), percentile(snapshot, 0.5), glowP50,
-      percentile(glow, 0.99), handoffMicros(1000), recheckUs / std::max(glowP50, 1.0), scanMs,
-      maxSliceMs, idlePct, static_cast<double>(engineBytes) / static_cast<double>(keptBlocks),
+      percentile(glow, 0.99), handoff, recheckUs / std::max(glowP50, 1.0), scanMs, maxSliceMs,
+      idlePct, static_cast<double>(engineBytes) / static_cast<double>(keptBlocks),
       static_cast<double>(hostBytes) / static_cast<double>(hostBlocks));
   std::fflush(stdout);
   std::_Exit(0);  // the diagram's teardown is not what is measured
