@@ -24,17 +24,21 @@ bool BlockConstraintViolation::runCheck(const CheckContext& context) {
   // Unlike the other configurable checks, the scope is read at every run.
   readInputParameters(EditTimeCheckSelector::getCheckConfiguration(checkId));
   const CheckScope scope = currentScope();
+  // A removal only names the record: one serves every block that passes.
+  const auto removal =
+      std::make_shared<EditTimeViolation>(checkId, "BlockConstraintViolation", severity, 0.0);
   context.data->forEachAuditedBlock([&](double handle, const std::shared_ptr<bkEditBlock>& block) {
+    if (context.data->isOutsideScope(*block, scope.skipLinkedBlocks, scope.lookUnderMasks) ||
+        checkData->checkBlock(block)) {
+      removal->blockHandle = handle;
+      context.violations->remove(removal);
+      return;
+    }
     auto record =
         std::make_shared<EditTimeViolation>(checkId, "BlockConstraintViolation", severity, handle);
     record->isCommented = block->getIsCommented() ? 1 : 0;
     record->blockPath = block->getFullPath();
-    if (context.data->isOutsideScope(*block, scope.skipLinkedBlocks, scope.lookUnderMasks) ||
-        checkData->checkBlock(block)) {
-      context.violations->remove(record);
-    } else {
-      context.violations->add(record);
-    }
+    context.violations->add(record);
   });
   return true;
 }
