@@ -208,6 +208,13 @@ class OracleTest : public RoadFixture {
             e.renameBlock(at, dice.pick(names));
           } else {
             const bksvString& into = dice.pick(systems);
+            // A move keeps the comment state the engine gave the block's snapshots, and those of
+            // the blocks inside it: one that leaves a commented system stays commented for the
+            // engine, one that enters it stays active, until each is changed again.
+            if (commented(b) != (b->isCommented() || commented(d->findBlock(into)))) {
+              historyBound.insert(
+                  {"orvanta.blockara.GoToFromBlockMismatch", "orvanta.blockara.DataStoreUsage"});
+            }
             if (chartOrUnderChart(d->findBlock(into))) {
               historyBound.insert("orvanta.blockara.StateAccessorPathViolation");
             }
@@ -347,9 +354,9 @@ class OracleTest : public RoadFixture {
 
 // Seeds of sequences that once disagreed with a fresh engine.
 TEST_F(OracleTest, RegressionSeeds) {
-  for (unsigned long seed : {21,    129,    522,    652,    1015,   1444,   1591,   4255,
-                             4984,  7678,   8331,   14095,  20312,  25836,  54958,  65228,
-                             88871, 126302, 203707, 254114, 339049, 410596, 647589, 713832}) {
+  for (unsigned long seed : {21,     129,    522,    652,    1015,   1444,   1591,  4255,  4984,
+                             7678,   8331,   14095,  20312,  25836,  54958,  65228, 88871, 126302,
+                             203707, 254114, 339049, 410596, 647589, 713832, 746663}) {
     run(seed);
   }
 }
