@@ -143,7 +143,8 @@ void EditTimeEngine::noteRenamedSubsystemsFirst(const PluginChangeReport& report
   // are reported, a subsystem's rename would reach the worker after snapshots that already show
   // it and move them a second time (a block added at the subsystem's old path, or an older block
   // moved into it, would land under a wrong path). Noted first at every signal of the batch,
-  // each later noting finds the path unchanged.
+  // each later noting finds the path unchanged and queues the record of an unchanged path, which
+  // the worker passes over.
   for (double handle : report.renamed) {
     BKBlock* block = handle2Block(handle);
     if (block && block->getTypeCode() == BlockKind::kSubSystem) data->noteSubsystemRename(block);

@@ -97,7 +97,7 @@ PositiveBlockParameterConstraint::PositiveBlockParameterConstraint(
   readNode(tree, id);
 }
 
-bool PositiveBlockParameterConstraint::check() { return judge(getCurrentValue(), true); }
+bool PositiveBlockParameterConstraint::check() { return judge(true); }
 
 void PositiveBlockParameterConstraint::scanDOMNode(boost::property_tree::ptree tree) {
   scanParameterConstraintNode(*this, tree);
@@ -116,7 +116,7 @@ NegativeBlockParameterConstraint::NegativeBlockParameterConstraint(
   readNode(tree, id);
 }
 
-bool NegativeBlockParameterConstraint::check() { return judge(getCurrentValue(), false); }
+bool NegativeBlockParameterConstraint::check() { return judge(false); }
 
 void NegativeBlockParameterConstraint::scanDOMNode(boost::property_tree::ptree tree) {
   scanParameterConstraintNode(*this, tree);

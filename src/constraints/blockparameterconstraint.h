@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "src/constraints/parametervalue.h"
 #include "src/constraints/parametervalueconstraint.h"
 
 class BKBlock;
@@ -49,6 +50,7 @@ class BlockParameterConstraint : public ParameterValueConstraint {
   BlockParameterConstraint& operator=(const BlockParameterConstraint&) = default;
   /// The file constructor's common part: ID, children, then the attribute "BlockType".
   void readNode(const boost::property_tree::ptree& tree, const std::string& id);
+  ParameterValue valueUnderJudgement() const override { return CurrentValue; }
 
  private:
   bool isValidBlock(const std::string& blockType);

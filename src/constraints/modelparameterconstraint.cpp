@@ -81,7 +81,7 @@ PositiveModelParameterConstraint::PositiveModelParameterConstraint(
   scanDOMNode(tree);
 }
 
-bool PositiveModelParameterConstraint::check() { return judge(getCurrentValue(), true); }
+bool PositiveModelParameterConstraint::check() { return judge(true); }
 
 void PositiveModelParameterConstraint::scanDOMNode(boost::property_tree::ptree tree) {
   scanParameterConstraintNode(*this, tree);
@@ -101,7 +101,7 @@ NegativeModelParameterConstraint::NegativeModelParameterConstraint(
   scanDOMNode(tree);
 }
 
-bool NegativeModelParameterConstraint::check() { return judge(getCurrentValue(), false); }
+bool NegativeModelParameterConstraint::check() { return judge(false); }
 
 void NegativeModelParameterConstraint::scanDOMNode(boost::property_tree::ptree tree) {
   scanParameterConstraintNode(*this, tree);

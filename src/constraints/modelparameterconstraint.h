@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "src/constraints/parametervalue.h"
 #include "src/constraints/parametervalueconstraint.h"
 
 class BKRootBD;
@@ -36,6 +37,7 @@ class ModelParameterConstraint : public ParameterValueConstraint {
   /// Memberwise (the guard is not copied).
   ModelParameterConstraint(const ModelParameterConstraint& other);
   ModelParameterConstraint& operator=(const ModelParameterConstraint& other);
+  ParameterValue valueUnderJudgement() const override { return getCurrentValue(); }
 
  private:
   mutable std::mutex currentValueMutex;

@@ -1,5 +1,7 @@
 #include "src/constraints/parameterconstraintnode.h"
 
+#include "src/constraints/parametervalueconstraint.h"
+
 namespace bkedittimecheck {
 
 ConstraintValue constraintValueFromNode(const boost::property_tree::ptree& value,

@@ -7,9 +7,10 @@
 #include <string>
 
 #include "src/constraints/constraintvalue.h"
-#include "src/constraints/parametervalueconstraint.h"
 
 namespace bkedittimecheck {
+
+class ParameterValueConstraint;
 
 /// One "value" element as an item of `dataType`: for "struct" each child element is a field
 /// (name and text), for "array" each "element" child an element, for any other word the text.

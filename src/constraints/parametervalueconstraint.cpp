@@ -31,10 +31,10 @@ nxArrayProxy ParameterValueConstraint::getCosConstraintValue() const {
   return constraintValuesToArray(constraintValues, ParameterDataType, IsConstraintValueRowVector());
 }
 
-bool ParameterValueConstraint::judge(const ParameterValue& value, bool positive) {
+bool ParameterValueConstraint::judge(bool positive) {
   setWasChecked(true);
-  const bool matches =
-      matchesConstraintValues(value, constraintValues, ValueOperator, ParameterDataType);
+  const bool matches = matchesConstraintValues(valueUnderJudgement(), constraintValues,
+                                               ValueOperator, ParameterDataType);
   setStatus(positive ? matches : !matches);
   return getStatus();
 }

@@ -57,9 +57,13 @@ class ParameterValueConstraint : public Constraint {
   ParameterValueConstraint(const ParameterValueConstraint&) = default;
   ParameterValueConstraint& operator=(const ParameterValueConstraint&) = default;
 
-  /// The verdict on `value`: marks the constraint checked and stores the status, which is
-  /// whether the value matches the constraint values (`positive`) or does not.
-  bool judge(const ParameterValue& value, bool positive);
+  /// Worker. The verdict: marks the constraint checked, then takes the value under judgement
+  /// and stores and returns the status, whether that value matches the constraint values
+  /// (`positive`) or does not. The mark comes first so that a refresh made meanwhile, which
+  /// clears it, makes the constraint judge again. What the comparison throws passes through.
+  bool judge(bool positive);
+  /// A copy of the value `judge` compares.
+  virtual ParameterValue valueUnderJudgement() const = 0;
 
  private:
   std::string ParameterName;

@@ -116,7 +116,7 @@ TEST_F(EngineBatchTest, CommentChangesRouteByKindAndRenamedSubsystemsQueueTheirP
   clear();
   takeAll(probe().subsysNameChanges());
   e().renameBlock(u"m/s", u"t");
-  // Noted before the batch's snapshots; the rename signal's own noting finds the path unchanged.
+  // Noted before the batch's snapshots; the rename signal's own noting queues the path unchanged.
   const auto changes = takeAll(probe().subsysNameChanges());
   ASSERT_EQ(changes.size(), 2u);
   EXPECT_EQ(changes[0].oldPath + L">" + changes[0].newPath, L"m/s>m/t");

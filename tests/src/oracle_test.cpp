@@ -254,7 +254,7 @@ class OracleTest : public RoadFixture {
           commentChanged = true;
           {
             const int state = static_cast<int>(dice.below(3));
-            if (state != 0) commentedSystems.push_back(at);
+            if (state != 0) commentedBlocks.push_back(at);
             bindCommentedBeforeMoved();
             e.setCommentState(at, state);
           }
@@ -296,7 +296,7 @@ class OracleTest : public RoadFixture {
     historyBound.clear();
     commentedSystemMoved = false;
     commentChanged = false;
-    commentedSystems.clear();
+    commentedBlocks.clear();
     movedFrom.clear();
     BKRootBD* d = openAuditor(u"o" + i18n::to_u16string(std::to_string(seed)));
     for (std::size_t i = 0, n = 4 + dice.below(8); i < n; ++i) randomEdit(dice, d);  // the diagram
@@ -310,7 +310,7 @@ class OracleTest : public RoadFixture {
         ASSERT_TRUE(settle());
         commentedSystemMoved = false;
         commentChanged = false;
-        commentedSystems.clear();
+        commentedBlocks.clear();
         movedFrom.clear();
       }
     }
@@ -335,15 +335,15 @@ class OracleTest : public RoadFixture {
   bool commentChanged = false;
   // Since the engine last came to rest: the blocks commented, and where the blocks renamed or
   // moved stood before.
-  std::vector<bksvString> commentedSystems, movedFrom;
+  std::vector<bksvString> commentedBlocks, movedFrom;
 
   // A pass takes the comment changes before the renames, whatever their order: a block moved out
   // from under a system that is commented in the same pass is marked commented where it stood
   // and stays so under its new path.
   void bindCommentedBeforeMoved() {
     for (const bksvString& from : movedFrom) {
-      for (const bksvString& system : commentedSystems) {
-        if (from.starts_with(system + u"/")) {
+      for (const bksvString& commentedBlock : commentedBlocks) {
+        if (from.starts_with(commentedBlock + u"/")) {
           historyBound.insert(
               {"orvanta.blockara.GoToFromBlockMismatch", "orvanta.blockara.DataStoreUsage"});
         }

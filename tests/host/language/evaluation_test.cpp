@@ -170,6 +170,23 @@ TEST_F(EvaluationTest, ObjectsCannotCrossThreadsAndMissingLanguageIsAnError) {
   EXPECT_EQ(diagnostic->identifier, "blockara:nvm:NoHostLanguage");
 }
 
+TEST_F(EvaluationTest, NamesResolveToGlobalsAndModulesAndErrorsCarryATraceback) {
+  ASSERT_EQ(host->runString("function twice(x) return x .. x end"), std::nullopt);
+  for (const auto& [name, expected] : {std::pair{"twice", "xx"},
+                                       {"lonefn", "lone:x"},
+                                       {"lonetable", "table:x"},
+                                       {"testmods.pkgfn.run", "init:x"}}) {
+    Results results;
+    auto diagnostic = bksvFEVAL_NoThrow(1, results, name, {nxArray::charRow("x")});
+    EXPECT_EQ(diagnostic, nullptr) << name << ": " << (diagnostic ? diagnostic->message : "");
+    EXPECT_EQ(results, Results{nxArray::charRow(expected)}) << name;
+  }
+  const std::string error = run("local function inner() error('deep') end inner()");
+  EXPECT_NE(error.find("deep"), std::string::npos);
+  EXPECT_NE(error.find("stack traceback"), std::string::npos);
+  EXPECT_EQ(lua_gettop(host->state()), 0);
+}
+
 TEST_F(EvaluationTest, SynchronousCallsNeverThrowAndTakeOnlyWellFormedIdentifiers) {
   Results results;
   auto failWith = [&](const char* message) {

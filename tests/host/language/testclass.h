@@ -2,7 +2,7 @@
 
 // Classes declared through the factory the way the engine declares its classes. The widget has
 // accessor properties of each form, static and hidden methods, an overloaded method and a
-// constructor; the gadget, its subclass, adds a constructor with arguments, a read-only property,
+// constructor; the gadget, its subclass, adds a constructor of its own, a read-only property,
 // object and object-vector members, and methods that fail in native ways or call back into the
 // host language. A property of its own kind and message-ID errors of native methods are shown by
 // the engine's constraint classes (their binding tests and the authoring scenario).
@@ -131,15 +131,6 @@ class CosGadget : public TestClassInfo {
     using namespace ncos::factory;
     addSuperclass(ncos::COSNameID("Test.pkg.Widget"), 1, 0, 1);
     addConstructor(makeConstructor<Gadget>("Test.pkg.Gadget"));
-    NcosConstructor named;  // a second constructor takes the name
-    named.signature = sig("Test.pkg.Gadget", "Test.pkg.Gadget", {"char"});
-    named.create = [](const std::vector<nxArray>& args) {
-      auto g = std::make_shared<Gadget>();
-      g->name = "named:" + extractString(args.at(0));
-      return g;
-    };
-    named.wrapper = makeConstructor<Gadget>("Test.pkg.Gadget").wrapper;
-    addConstructor(std::move(named));
     addProperty(std::make_unique<PropertyImpl<Gadget, std::uint32_t>>("Count", 0, &Gadget::getCount,
                                                                       &Gadget::setCount));
     addProperty(

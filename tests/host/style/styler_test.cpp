@@ -49,6 +49,24 @@ TEST(StylerTest, ClassesDecideTheGlowAndTheLaterRuleWins) {
   EXPECT_EQ(std::pair(styler->applyCalls(), styler->removeCalls()), std::pair(5ul, 2ul));
 }
 
+TEST(StylerTest, TheServiceKeepsOneStylerPerNameAndDrawsOnlyActiveOnes) {
+  EXPECT_EQ(getStyler(L"Checks"), nullptr);
+  Styler* created = makeStyler(L"Checks", 2.0, {{L"Error", red}}, false);
+  EXPECT_EQ(getStyler(L"Checks"), created);
+  EXPECT_EQ(createStyler(L"Checks", L"other", 5.0), created);
+  created->applyClass(7.0, L"Error");
+  EXPECT_EQ(created->glowOf(7.0), red);
+  EXPECT_EQ(glowOf(7.0), std::nullopt);  // not activated yet
+  created->activate();
+  EXPECT_EQ(glowOf(7.0), red);
+  // A second styler of lower priority marks the same block: the first still wins the glow,
+  // and the classes of both are reported.
+  makeStyler(L"Other", 1.0, {{L"Hint", orange}})->applyClass(7.0, L"Hint");
+  EXPECT_EQ(glowOf(7.0), red);
+  EXPECT_EQ(classesOf(7.0), (Classes{L"Error", L"Hint"}));
+  EXPECT_EQ(stylerNames(), (Classes{L"Checks", L"Other"}));
+}
+
 // The observer's reports are followed in the engine's switch tests.
 TEST(StylerTest, NaNHandlesAreRefused) {
   Styler* styler = createStyler(L"Watched", L"", 0.0);

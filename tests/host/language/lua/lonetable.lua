@@ -1,0 +1,1 @@
+return { lonetable = function(x) return "table:" .. x end }

@@ -1,0 +1,1 @@
+return { run = function(x) return "init:" .. x end }
