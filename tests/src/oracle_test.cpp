@@ -60,6 +60,7 @@ bool commented(const BKBlock* b) {
 }
 
 bool isChart(const BKBlock* b) { return b && b->getTypeName() == u"Chart"; }
+bool isSystem(const BKBlock* b) { return b->getTypeName() == u"SubSystem" || isChart(b); }
 bool inChart(const BKBlock* b) { return b->getGraph() && isChart(b->getGraph()->getOwner()); }
 // Whether `b` is a chart or stands anywhere inside one.
 bool chartOrUnderChart(const BKBlock* b) {
@@ -204,6 +205,20 @@ class OracleTest : public RoadFixture {
           }
           movedFrom.push_back(at);
           bindCommentedBeforeMoved();
+          // The engine keeps each subsystem's path as it last saw it; one below a renamed or
+          // moved system keeps its old path there, and its own rename or move later names that
+          // stale path, so its blocks stay where they were for the engine.
+          if (staleSystems.contains(b->getHandle())) {
+            historyBound.insert({"orvanta.blockara.GoToFromBlockMismatch",
+                                 "orvanta.blockara.DataStoreUsage",
+                                 "orvanta.blockara.StateAccessorPathViolation",
+                                 "orvanta.blockara.BlockaraStatePortMapping"});
+          }
+          for (const BKBlock* o : blocks) {
+            if (isSystem(o) && o->getFullPath(false).starts_with(at + u"/")) {
+              staleSystems.insert(o->getHandle());
+            }
+          }
           if (kind == 4) {
             e.renameBlock(at, dice.pick(names));
           } else {
@@ -294,6 +309,7 @@ class OracleTest : public RoadFixture {
     SCOPED_TRACE("seed " + std::to_string(seed));
     Dice dice(seed);
     historyBound.clear();
+    staleSystems.clear();
     commentedSystemMoved = false;
     commentChanged = false;
     commentedBlocks.clear();
@@ -336,6 +352,8 @@ class OracleTest : public RoadFixture {
   // Since the engine last came to rest: the blocks commented, and where the blocks renamed or
   // moved stood before.
   std::vector<bksvString> commentedBlocks, movedFrom;
+  // Systems below one that was renamed or moved, whose path the engine keeps as it was.
+  std::set<double> staleSystems;
 
   // A pass takes the comment changes before the renames, whatever their order: a block moved out
   // from under a system that is commented in the same pass is marked commented where it stood
@@ -354,9 +372,9 @@ class OracleTest : public RoadFixture {
 
 // Seeds of sequences that once disagreed with a fresh engine.
 TEST_F(OracleTest, RegressionSeeds) {
-  for (unsigned long seed : {21,     129,    522,    652,    1015,   1444,   1591,  4255,  4984,
-                             7678,   8331,   14095,  20312,  25836,  54958,  65228, 88871, 126302,
-                             203707, 254114, 339049, 410596, 647589, 713832, 746663}) {
+  for (unsigned long seed : {21,     129,    522,    652,    1015,   1444,   1591,   4255,   4984,
+                             7678,   8331,   14095,  20312,  25836,  54958,  65228,  88871,  126302,
+                             203707, 254114, 339049, 410596, 647589, 713832, 746663, 1080873}) {
     run(seed);
   }
 }
