@@ -10,6 +10,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "app/luaapi.h"
 #include "host/model/bkdfile.h"
@@ -61,6 +62,11 @@ bool commented(const BKBlock* b) {
 
 bool isChart(const BKBlock* b) { return b && b->getTypeName() == u"Chart"; }
 bool isSystem(const BKBlock* b) { return b->getTypeName() == u"SubSystem" || isChart(b); }
+// Whether `b` stands at `at` or anywhere below it.
+bool atOrBelow(const BKBlock* b, const bksvString& at) {
+  const bksvString p = b->getFullPath(false);
+  return p == at || p.starts_with(at + u"/");
+}
 bool inChart(const BKBlock* b) { return b->getGraph() && isChart(b->getGraph()->getOwner()); }
 // Whether `b` is a chart or stands anywhere inside one.
 bool chartOrUnderChart(const BKBlock* b) {
@@ -143,19 +149,16 @@ class OracleTest : public RoadFixture {
       // Likewise for one changed, moved or renamed there (an owner's path change is reported
       // from inside the chart).
       if (chartOrUnderChart(b)) historyBound.insert("orvanta.blockara.StateAccessorPathViolation");
-      const auto ownsStateAtOrBelow = [&](const bksvString& at) {
+      // Whether a block of `type` stands at `at` or below it.
+      const auto typeAtOrBelow = [&](std::u16string_view type) {
         return std::any_of(blocks.begin(), blocks.end(), [&](const BKBlock* o) {
-          const bksvString p = o->getFullPath(false);
-          return o->getTypeName() == u"UnitDelay" && (p == at || p.starts_with(at + u"/"));
+          return o->getTypeName() == type && atOrBelow(o, at);
         });
       };
       // The engine keeps an event listener's system by path, for good: one deleted, renamed,
       // moved or commented (or its system) still makes accessors there count as in an iterator,
       // where a fresh engine finds none.
-      if (kind != 7 && std::any_of(blocks.begin(), blocks.end(), [&](const BKBlock* o) {
-            const bksvString p = o->getFullPath(false);
-            return o->getTypeName() == u"EventListener" && (p == at || p.starts_with(at + u"/"));
-          })) {
+      if (kind != 7 && typeAtOrBelow(u"EventListener")) {
         historyBound.insert("orvanta.blockara.StateAccessorPathViolation");
       }
       switch (kind) {
@@ -172,7 +175,7 @@ class OracleTest : public RoadFixture {
           }
           // Accessors of a deleted owner (or one deleted with its system) are told "NoOwner"; a
           // fresh engine reads their owner parameter, which still names it.
-          if (ownsStateAtOrBelow(at)) {
+          if (typeAtOrBelow(u"UnitDelay")) {
             historyBound.insert("orvanta.blockara.StateAccessorPathViolation");
           }
           e.deleteBlock(at);
@@ -181,7 +184,7 @@ class OracleTest : public RoadFixture {
         case 5:
           // Likewise accessors follow an owner that is renamed or moved (or its system) under its
           // new path, where the parameter a fresh engine reads still names the old one.
-          if (ownsStateAtOrBelow(at)) {
+          if (typeAtOrBelow(u"UnitDelay")) {
             historyBound.insert("orvanta.blockara.StateAccessorPathViolation");
           }
           // An accessor's relative owner ("../u") is made absolute when it is snapshotted; one
@@ -199,8 +202,7 @@ class OracleTest : public RoadFixture {
             commentedSystemMoved = true;
             // The same in the other order: commented, then moved out from under the comment.
             if (commentChanged) {
-              historyBound.insert(
-                  {"orvanta.blockara.GoToFromBlockMismatch", "orvanta.blockara.DataStoreUsage"});
+              bindCommentReaders();
             }
           }
           movedFrom.push_back(at);
@@ -209,10 +211,7 @@ class OracleTest : public RoadFixture {
           // moved system keeps its old path there, and its own rename or move later names that
           // stale path, so its blocks stay where they were for the engine.
           if (staleSystems.contains(b->getHandle())) {
-            historyBound.insert({"orvanta.blockara.GoToFromBlockMismatch",
-                                 "orvanta.blockara.DataStoreUsage",
-                                 "orvanta.blockara.StateAccessorPathViolation",
-                                 "orvanta.blockara.BlockaraStatePortMapping"});
+            historyBound.insert(historyFree.begin(), historyFree.end());
           }
           for (const BKBlock* o : blocks) {
             if (isSystem(o) && o->getFullPath(false).starts_with(at + u"/")) {
@@ -227,8 +226,7 @@ class OracleTest : public RoadFixture {
             // the blocks inside it: one that leaves a commented system stays commented for the
             // engine, one that enters it stays active, until each is changed again.
             if (commented(b) != (b->isCommented() || commented(d->findBlock(into)))) {
-              historyBound.insert(
-                  {"orvanta.blockara.GoToFromBlockMismatch", "orvanta.blockara.DataStoreUsage"});
+              bindCommentReaders();
             }
             if (chartOrUnderChart(d->findBlock(into))) {
               historyBound.insert("orvanta.blockara.StateAccessorPathViolation");
@@ -250,21 +248,17 @@ class OracleTest : public RoadFixture {
           // A pass takes the comment changes before the renames: a commented system renamed and
           // then uncommented in one pass leaves its blocks commented under the new path.
           if (commentedSystemMoved) {
-            historyBound.insert({"orvanta.blockara.GoToFromBlockMismatch", "orvanta.blockara.DataStoreUsage"});
+            bindCommentReaders();
           }
           // A data store memory block that the engine took uncommented stays in its map when
           // commented, and still counts as the first of its name; a fresh engine never takes it.
-          if (std::any_of(blocks.begin(), blocks.end(), [&](const BKBlock* o) {
-                const bksvString p = o->getFullPath(false);
-                return o->getTypeName() == u"DataStoreMemory" && (p == at || p.starts_with(at + u"/"));
-              })) {
+          if (typeAtOrBelow(u"DataStoreMemory")) {
             historyBound.insert("orvanta.blockara.DataStoreUsage");
           }
           // The comment change of a block inside a commented system is not taken, on purpose;
           // uncommenting the system later uncomments all its blocks for the engine, this one too.
           if (commented(b->getGraph() ? b->getGraph()->getOwner() : nullptr)) {
-            historyBound.insert(
-                {"orvanta.blockara.GoToFromBlockMismatch", "orvanta.blockara.DataStoreUsage"});
+            bindCommentReaders();
           }
           commentChanged = true;
           {
@@ -355,6 +349,12 @@ class OracleTest : public RoadFixture {
   // Systems below one that was renamed or moved, whose path the engine keeps as it was.
   std::set<double> staleSystems;
 
+  // The checks that pass commented blocks over, whose records follow the engine's comment state.
+  void bindCommentReaders() {
+    historyBound.insert(
+        {"orvanta.blockara.GoToFromBlockMismatch", "orvanta.blockara.DataStoreUsage"});
+  }
+
   // A pass takes the comment changes before the renames, whatever their order: a block moved out
   // from under a system that is commented in the same pass is marked commented where it stood
   // and stays so under its new path.
@@ -362,8 +362,7 @@ class OracleTest : public RoadFixture {
     for (const bksvString& from : movedFrom) {
       for (const bksvString& commentedBlock : commentedBlocks) {
         if (from.starts_with(commentedBlock + u"/")) {
-          historyBound.insert(
-              {"orvanta.blockara.GoToFromBlockMismatch", "orvanta.blockara.DataStoreUsage"});
+          bindCommentReaders();
         }
       }
     }
